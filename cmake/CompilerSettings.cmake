@@ -1,0 +1,20 @@
+# Settings that every target of this project is built with; consumers do not inherit them.
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo)
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Wformat=2 -Wno-psabi -ffp-contract=off)
+if(KZM_WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+endif()
+if(KZM_SANITIZE)
+    add_compile_options(-fsanitize=${KZM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${KZM_SANITIZE})
+endif()

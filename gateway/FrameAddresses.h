@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "DeviceProfile/FrameData.h"
+
+namespace kzm::ModbusGateway {
+
+// The register addresses of a frame, in the order in which its registers are kept.
+std::vector<std::uint16_t> AddressesOf(const ModbusDeviceModel::DeviceProfile::FrameData& frame);
+
+// The most registers (or bits) that one request of a function code reads, by the Modbus Application Protocol V1.1b3: 2000
+// coils or discrete inputs, 125 registers; 0 for a function code that reads neither.
+std::uint16_t MaxReadCount(ModbusDeviceModel::ModbusFunctionCode functionCode);
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DataModel/VortaObjectAdapter.h"
+#include "Device/DeviceModel.h"
+#include "gateway/Problem.h"
+
+namespace kzm::ModbusGateway {
+
+// A device model made from a profile, and what the profile says beyond it. Read by many threads.
+struct LoadedProfile {
+    struct Object {
+        std::string name;
+        std::string alias;
+        std::string unit;  // may be empty
+        std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;
+    };
+
+    // The model's frames bear these names, in the order of their indexes.
+    std::vector<std::string> frameNames;
+    // In the order of the profile.
+    std::vector<Object> objects;
+    std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> model;
+};
+
+// Makes a device model from a device profile: JSON with comments, as docs/profile.md and profile.schema.json say.
+class ProfileLoader {
+public:
+    struct Result {
+        // Null when there is an error: nothing half-built comes out.
+        std::unique_ptr<LoadedProfile> profile;
+        // Every error and warning, in the order of the lines.
+        Problems problems;
+    };
+
+    // Never throws for what stands in the profile. On success the labels of the profile's enumerations are made known to
+    // the platform's label dictionaries. Thread-safe.
+    static Result Load(std::string_view text);
+
+    // The JSON Schema (draft 7) of profiles.
+    static std::string_view GetSchema();
+};
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "kzm/Platform/Export.h"
+
+namespace kz::orba {
+
+// One object of the data model: what it is called, and its JSON value, which is changed in place.
+// Not synchronised: one object belongs to one thread at a time.
+class KZM_PLATFORM_EXPORT VortaORBAObject {
+public:
+    VortaORBAObject(std::string id, std::string name, std::string alias, nlohmann::json value);
+
+    const std::string& GetId() const { return mId; }
+    const std::string& GetName() const { return mName; }
+    const std::string& GetAlias() const { return mAlias; }
+    nlohmann::json& GetValue() { return mValue; }
+    const nlohmann::json& GetValue() const { return mValue; }
+
+    // Sets one top-level attribute. A null value becomes an object first; any other value that is no object makes the
+    // JSON library throw type_error 305 and stays as it was.
+    void AddOrUpdateAttributeToValue(const std::string& key, nlohmann::json value);
+
+private:
+    std::string mId;
+    std::string mName;
+    std::string mAlias;
+    nlohmann::json mValue;
+};
+
+}  // namespace kz::orba

@@ -1,0 +1,81 @@
+#include "kzm/Log/RootLogger.h"
+
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace kzm::Log {
+
+namespace {
+
+struct State {
+    std::atomic<OrbaLogLevel> level{OrbaLogLevel::WARNING};
+    std::mutex mutex;
+    RootLogger::Sink sink;
+};
+
+// Never destroyed: static objects of other files may log while the process ends.
+State& GetState() {
+    static State& state = *new State;
+    return state;
+}
+
+void Deliver(State& state, OrbaLogLevel level, const char* line) noexcept {
+    try {
+        const std::lock_guard lock(state.mutex);
+        if (state.sink) {
+            state.sink(level, line);
+        } else {
+            std::fprintf(stderr, "%s\n", line);
+        }
+    } catch (...) {
+        // A line that cannot be delivered is lost; its writer goes on.
+    }
+}
+
+}  // namespace
+
+RootLogger& RootLogger::GetInstance() {
+    static RootLogger& instance = *new RootLogger;
+    return instance;
+}
+
+OrbaLogLevel RootLogger::GetLevel() const {
+    return GetState().level.load(std::memory_order_relaxed);
+}
+
+void RootLogger::SetLevel(OrbaLogLevel level) {
+    GetState().level = level;
+}
+
+void RootLogger::SetSink(Sink sink) {
+    State& state = GetState();
+    const std::lock_guard lock(state.mutex);
+    state.sink = std::move(sink);
+}
+
+void RootLogger::Print(OrbaLogLevel level, const char* format, ...) {
+    if (level > GetLevel()) {
+        return;
+    }
+    char text[512];
+    va_list arguments;
+    va_start(arguments, format);
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    if (length < static_cast<int>(sizeof text)) {
+        Deliver(GetState(), level, length < 0 ? format : text);
+    } else {
+        std::vector<char> longText(static_cast<std::size_t>(length) + 1);
+        std::vsnprintf(longText.data(), longText.size(), format, again);
+        Deliver(GetState(), level, longText.data());
+    }
+    va_end(again);
+}
+
+}  // namespace kzm::Log

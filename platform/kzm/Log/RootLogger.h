@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "kzm/Platform/Export.h"
+
+namespace kzm::Log {
+
+// How important a log line is; a logger prints the lines whose number is at most its level.
+enum class OrbaLogLevel : std::int32_t {
+    NONE = 0,
+    ERROR = 3,
+    WARNING = 4,
+    INFORMATION = 6,
+    TRACE = 7,
+};
+
+// The process's one logger. It outlives every static object, so that destructors may log. Thread-safe; lines are handed
+// to the sink one at a time.
+class KZM_PLATFORM_EXPORT RootLogger {
+public:
+    using Sink = std::function<void(OrbaLogLevel level, const char* line)>;
+
+    static RootLogger& GetInstance();
+
+    // WARNING when the process starts.
+    OrbaLogLevel GetLevel() const;
+    void SetLevel(OrbaLogLevel level);
+
+    // Where lines go; an empty sink means standard error, which is also what the process starts with.
+    void SetSink(Sink sink);
+
+    // Formats as std::printf does and hands the line to the sink; does nothing above the level. An exception of the
+    // sink is dropped with its line.
+    void Print(OrbaLogLevel level, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+private:
+    RootLogger() = default;
+};
+
+}  // namespace kzm::Log

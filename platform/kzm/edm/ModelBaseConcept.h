@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kzm::edm {
+
+// The kind of device that a model describes. Its values are the platform's; any number can be carried.
+enum class ModelBaseConcept : std::int32_t {};
+
+}  // namespace kzm::edm

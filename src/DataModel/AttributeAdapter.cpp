@@ -1,0 +1,7 @@
+#include "DataModel/AttributeAdapter.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+AttributeAdapter::~AttributeAdapter() = default;
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

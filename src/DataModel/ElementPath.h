@@ -1,0 +1,32 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <vector>
+
+#include "Export.h"
+
+namespace kz::orba {
+class VortaORBAObject;
+}
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+// Where in an object an adapter writes its attributes: at the top for an empty path, else in the element of that name
+// under "elements". The path is split into the reference tokens of a JSON pointer (RFC 6901): "/" separates, "~0" and
+// "~1" stand for "~" and "/". A malformed escape makes the constructor throw the JSON library's parse_error 108.
+class KZM_MODBUS_EXPORT ElementPath {
+public:
+    explicit ElementPath(const std::string& path);
+
+    // Sets one attribute. Missing parents, and null ones, are made as objects. Throws the JSON library's error, with
+    // the parents made so far left behind, where a parent is neither object nor array, or an array without that index.
+    void SetAttribute(kz::orba::VortaORBAObject& object, const std::string& key, nlohmann::json&& value) const;
+
+    bool IsEmpty() const { return mTokens.empty(); }
+
+private:
+    std::vector<std::string> mTokens;
+};
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

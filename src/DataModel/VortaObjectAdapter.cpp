@@ -1,0 +1,7 @@
+#include "DataModel/VortaObjectAdapter.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+VortaObjectAdapter::~VortaObjectAdapter() = default;
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

@@ -1,0 +1,155 @@
+#include "Device/DeviceModel.h"
+
+#include "Support/Log.h"
+#include "Support/Status.h"
+#include "kz/orba/VortaORBAObject.h"
+
+namespace kzm::ModbusDeviceModel::Device {
+
+namespace {
+
+constexpr const char* LOG_MODULE = "Device::DeviceModel";
+constexpr std::size_t OBJECT_CATEGORIES = 9;
+
+}  // namespace
+
+DeviceModel::DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::FrameData>&& frames, TextByName&& units,
+                         TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian)
+    : mFrames(std::move(frames)),
+      mBigEndian(bigEndian),
+      mUnits(std::move(units)),
+      mComputedAlarms(std::move(computedAlarms)),
+      mClassNames(std::move(classNames)) {
+    mObjectAdapters.merge(adapters);
+    for (const auto& [key, adapter] : mObjectAdapters) {
+        if (adapter) {
+            adapter->ComputeFrameIndexes();
+        }
+    }
+}
+
+DeviceModel::DeviceModel(std::shared_ptr<Elements>& elements, std::vector<DeviceProfile::FrameData>&& frames,
+                         TextByName&& units, TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian)
+    : mElements(elements),
+      mFrames(std::move(frames)),
+      mBigEndian(bigEndian),
+      mUnits(std::move(units)),
+      mComputedAlarms(std::move(computedAlarms)),
+      mClassNames(std::move(classNames)) {}
+
+DeviceModel::DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<DeviceProfile::FrameData>&& frames,
+                         std::shared_ptr<ServiceSources>&& serviceSources, bool bigEndian)
+    : mElements(std::move(elements)),
+      mServiceSources(std::move(serviceSources)),
+      mFrames(std::move(frames)),
+      mBigEndian(bigEndian) {}
+
+DeviceModel::~DeviceModel() {
+    KZM_LOG(INFORMATION, "DeviceModel::~DeviceModel Called");
+}
+
+std::vector<std::shared_ptr<DataModel::ElementData>> DeviceModel::GetElements(const std::string& name,
+                                                                              const std::string& alias) const {
+    std::vector<std::shared_ptr<DataModel::ElementData>> elements;
+    if (mElements) {
+        const auto [first, last] = mElements->equal_range({name, alias});
+        for (auto element = first; element != last; ++element) {
+            elements.push_back(element->second);
+        }
+    }
+    return elements;
+}
+
+const std::vector<DeviceProfile::FrameData>& DeviceModel::GetFrames() const {
+    return mFrames;
+}
+
+kz::orba::StatusCode DeviceModel::GetVortaObjectValue(
+    const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
+    kz::orba::VortaORBAObject& object) const {
+    const auto& name = object.GetName();
+    const auto& alias = object.GetAlias();
+    const auto found = mObjectAdapters.find(KeyLess::View(name, alias));
+    if (found == mObjectAdapters.end()) {
+        KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", __func__,
+                      mModelName.c_str(), name.c_str(), Logging::Text(Status::NOT_FOUND).c_str());
+        return Status::NOT_FOUND;
+    }
+    if (!found->second) {
+        KZM_LOG(ERROR, "%s: Object adapter is null for '%s', iot name = '%s'", __func__, mModelName.c_str(),
+                name.c_str());
+        return Status::INVALID_ARGUMENT;
+    }
+    const auto adapter = found->second;
+    return adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object);
+}
+
+bool DeviceModel::IsBigEndian() const {
+    return mBigEndian;
+}
+
+kz::orba::StatusCode DeviceModel::GetUnit(const std::string& name, std::string& unit) const {
+    const auto found = mUnits.find(name);
+    if (found == mUnits.end()) {
+        unit.clear();
+        return Status::NOT_FOUND;
+    }
+    unit = found->second;
+    return Status::SUCCESS;
+}
+
+std::shared_ptr<DataModel::ComputedAlarmElement> DeviceModel::GetComputedAlarmElement(const Key& key) const {
+    const auto found = mComputedAlarms.find(key);
+    return found == mComputedAlarms.end() ? nullptr : found->second;
+}
+
+void DeviceModel::SetEdmType() {
+    mEdmType = true;
+    mSubgraphs.resize(OBJECT_CATEGORIES);
+}
+
+bool DeviceModel::IsEdmType() const {
+    return mEdmType;
+}
+
+void DeviceModel::SetModelName(const std::string& modelName) {
+    mModelName = modelName;
+}
+
+const std::string& DeviceModel::GetModelName() const {
+    return mModelName;
+}
+
+void DeviceModel::SetModelVersion(const std::string& modelVersion) {
+    mModelVersion = modelVersion;
+}
+
+const std::string& DeviceModel::GetModelVersion() const {
+    return mModelVersion;
+}
+
+void DeviceModel::SetUserDefinedModel(bool userDefinedModel) {
+    mUserDefinedModel = userDefinedModel;
+}
+
+bool DeviceModel::IsUserDefinedModel() const {
+    return mUserDefinedModel;
+}
+
+kzm::edm::ModelBaseConcept DeviceModel::GetModelBaseConcept() const {
+    return mModelBaseConcept;
+}
+
+void DeviceModel::SetModelBaseConcept(kzm::edm::ModelBaseConcept modelBaseConcept) {
+    mModelBaseConcept = modelBaseConcept;
+}
+
+void DeviceModel::SetIdentification(const std::map<std::string, std::string>& identification) {
+    mIdentification = identification;
+}
+
+const std::map<std::string, std::string>& DeviceModel::GetIdentification() const {
+    return mIdentification;
+}
+
+}  // namespace kzm::ModbusDeviceModel::Device

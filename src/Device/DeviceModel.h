@@ -1,0 +1,92 @@
+#pragma once
+
+#include <string_view>
+#include <unordered_map>
+
+#include "DataModel/ObjectKey.h"
+#include "DataModel/VortaObjectAdapter.h"
+#include "DataModel/pair_hash.h"
+#include "Device/IDeviceModel.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+struct ServiceSourceMapping;
+}
+
+namespace kzm::ModbusDeviceModel::Device {
+
+// The device model that a profile loader builds. Neither copied nor moved; see IDeviceModel for its operations.
+class KZM_MODBUS_EXPORT DeviceModel : public IDeviceModel {
+public:
+    using Key = std::pair<std::string, std::string>;
+    using Elements = std::unordered_multimap<Key, std::shared_ptr<DataModel::ElementData>, DataModel::pair_hash>;
+    using ObjectAdapters = std::map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>>;
+    using ComputedAlarms = std::map<Key, std::shared_ptr<DataModel::ComputedAlarmElement>>;
+    using ServiceSources = std::unordered_map<DataModel::ObjectKey, std::shared_ptr<DataModel::ServiceSourceMapping>>;
+    using TextByName = std::map<std::string, std::string>;
+
+    // A model of object adapters. Every adapter computes its frame indexes now; one that cannot has logged why.
+    // `units`, `classNames`: by measurement name.
+    DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::FrameData>&& frames, TextByName&& units,
+                TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian);
+    // A model of elements, which are shared with the caller.
+    DeviceModel(std::shared_ptr<Elements>& elements, std::vector<DeviceProfile::FrameData>&& frames, TextByName&& units,
+                TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian);
+    // A model of elements that serve services.
+    DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<DeviceProfile::FrameData>&& frames,
+                std::shared_ptr<ServiceSources>&& serviceSources, bool bigEndian);
+    DeviceModel(const DeviceModel&) = delete;
+    DeviceModel& operator=(const DeviceModel&) = delete;
+
+    std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
+                                                                     const std::string& alias) const override;
+    const std::vector<DeviceProfile::FrameData>& GetFrames() const override;
+    kz::orba::StatusCode GetVortaObjectValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
+                                             bool ignoreCacheAge, kz::orba::VortaORBAObject& object) const override;
+    bool IsBigEndian() const override;
+    kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const override;
+    std::shared_ptr<DataModel::ComputedAlarmElement> GetComputedAlarmElement(const Key& key) const override;
+    void SetEdmType() override;
+    bool IsEdmType() const override;
+    ~DeviceModel() override;
+    void SetModelName(const std::string& modelName) override;
+    const std::string& GetModelName() const override;
+    void SetModelVersion(const std::string& modelVersion) override;
+    const std::string& GetModelVersion() const override;
+    void SetUserDefinedModel(bool userDefinedModel) override;
+    bool IsUserDefinedModel() const override;
+    kzm::edm::ModelBaseConcept GetModelBaseConcept() const override;
+    void SetModelBaseConcept(kzm::edm::ModelBaseConcept modelBaseConcept) override;
+    void SetIdentification(const std::map<std::string, std::string>& identification) override;
+    const std::map<std::string, std::string>& GetIdentification() const override;
+
+private:
+    // Orders keys as std::pair does, and finds one without building a pair of strings.
+    struct KeyLess {
+        using is_transparent = void;
+        using View = std::pair<std::string_view, std::string_view>;
+        static View ViewOf(const Key& key) { return {key.first, key.second}; }
+        static View ViewOf(const View& key) { return key; }
+        template <typename Left, typename Right>
+        bool operator()(const Left& left, const Right& right) const {
+            return ViewOf(left) < ViewOf(right);
+        }
+    };
+
+    std::shared_ptr<Elements> mElements;
+    std::shared_ptr<ServiceSources> mServiceSources;
+    std::vector<DeviceProfile::FrameData> mFrames;
+    bool mBigEndian;
+    bool mEdmType = false;
+    TextByName mUnits;
+    ComputedAlarms mComputedAlarms;
+    std::map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>, KeyLess> mObjectAdapters;
+    TextByName mClassNames;
+    std::string mModelVersion;
+    bool mUserDefinedModel = false;
+    kzm::edm::ModelBaseConcept mModelBaseConcept{};
+    std::string mModelName;
+    std::vector<std::vector<std::string>> mSubgraphs;
+    std::map<std::string, std::string> mIdentification;
+};
+
+}  // namespace kzm::ModbusDeviceModel::Device

@@ -1,0 +1,7 @@
+#include "Device/IDeviceModel.h"
+
+namespace kzm::ModbusDeviceModel::Device {
+
+IDeviceModel::~IDeviceModel() = default;
+
+}  // namespace kzm::ModbusDeviceModel::Device

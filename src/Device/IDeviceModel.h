@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "DataModel/ElementData.h"
+#include "DeviceCache/CacheReadAccessInterface.h"
+#include "DeviceProfile/FrameData.h"
+#include "Export.h"
+#include "kz/orba/StatusCode.h"
+#include "kzm/edm/ModelBaseConcept.h"
+
+namespace kz::orba {
+class VortaORBAObject;
+}
+namespace kzm::ModbusDeviceModel::DataModel {
+class ComputedAlarmElement;
+}
+
+namespace kzm::ModbusDeviceModel::Device {
+
+// The run-time model of one Modbus device as its callers see it. A model is built and configured by one thread; from
+// then on the const operations run on many threads at once, and no setter may run beside them.
+class KZM_MODBUS_EXPORT IDeviceModel {
+public:
+    // Every element stored under (name, alias); empty where there is none.
+    virtual std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
+                                                                             const std::string& alias) const = 0;
+    // The device's read frames, in the order of their indexes.
+    virtual const std::vector<DeviceProfile::FrameData>& GetFrames() const = 0;
+    // Fills the object that `object` names by its name and alias. `ignoreCacheAge`: see AttributeAdapter.
+    // 44: no such object. 1: its adapter is null (logged). In both cases `object` is untouched. Otherwise what the
+    // adapter returns; see SimpleObjectAdapter and DataObjectAdapter for what `object` then holds.
+    virtual kz::orba::StatusCode GetVortaObjectValue(
+        const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
+        kz::orba::VortaORBAObject& object) const = 0;
+    // Whether the device sends the most significant word first.
+    virtual bool IsBigEndian() const = 0;
+    // The unit of a measurement, e.g. "A". 44, and an empty text, where none is known.
+    virtual kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const = 0;
+    // Null where there is no such alarm.
+    virtual std::shared_ptr<DataModel::ComputedAlarmElement> GetComputedAlarmElement(
+        const std::pair<std::string, std::string>& key) const = 0;
+    // Marks the model as one of a dynamic class and gives it exactly nine sub-graphs; surplus ones are dropped.
+    virtual void SetEdmType() = 0;
+    virtual bool IsEdmType() const = 0;
+    virtual ~IDeviceModel();
+    virtual void SetModelName(const std::string& modelName) = 0;
+    virtual const std::string& GetModelName() const = 0;
+    virtual void SetModelVersion(const std::string& modelVersion) = 0;
+    virtual const std::string& GetModelVersion() const = 0;
+    virtual void SetUserDefinedModel(bool userDefinedModel) = 0;
+    virtual bool IsUserDefinedModel() const = 0;
+    virtual kzm::edm::ModelBaseConcept GetModelBaseConcept() const = 0;
+    virtual void SetModelBaseConcept(kzm::edm::ModelBaseConcept modelBaseConcept) = 0;
+    // Replaces the identification whole; its keys are the caller's.
+    virtual void SetIdentification(const std::map<std::string, std::string>& identification) = 0;
+    virtual const std::map<std::string, std::string>& GetIdentification() const = 0;
+};
+
+}  // namespace kzm::ModbusDeviceModel::Device

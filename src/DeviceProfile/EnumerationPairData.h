@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "DeviceProfile/LogicCodeIdentifier.h"
+#include "Export.h"
+
+namespace kzm::ModbusDeviceModel::DeviceProfile {
+
+enum class EnumerationType : std::uint32_t {
+    UNSIGNED_INTEGER = 0,
+    FLOAT = 1,
+    STRING = 2,
+    NONE = 3,
+};
+
+// One raw value of a register and the label that it stands for. Immutable once shared; read by many threads.
+struct KZM_MODBUS_EXPORT EnumerationPairData {
+    union EnumValue {
+        std::uint32_t mUnsigned;
+        float mFloat;
+
+        explicit EnumValue(std::uint32_t value) : mUnsigned(value) {}
+        explicit EnumValue(float value) : mFloat(value) {}
+    };
+
+    EnumerationPairData(std::uint32_t value, const std::string& label);
+    EnumerationPairData(float value, const std::string& label);
+    // Throws std::logic_error for a null text.
+    EnumerationPairData(const char* value, const std::string& label);
+
+    // True when the pair is of that type and the values are equal (floats exactly, texts byte by byte).
+    bool matches(std::uint32_t value) const;
+    bool matches(float value) const;
+    bool matches(const char* value) const;
+
+    // The type of pair that suits a logic code; NONE, with a warning in the log, for a code without labels.
+    static EnumerationType GetTypeFromLogicCode(LogicCodeIdentifier logicCode);
+
+    std::string mLabel;
+    EnumerationType mType;
+    std::string mStringValue;
+    EnumValue mValue;
+};
+
+}  // namespace kzm::ModbusDeviceModel::DeviceProfile

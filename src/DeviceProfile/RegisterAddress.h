@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kzm::ModbusDeviceModel::DeviceProfile {
+
+// Where the registers of a frame stand on the device. Which of the two members holds is told by the frame's kind.
+union RegisterAddress {
+    std::uint16_t mAddress;           // first register of a contiguous range, 0 to 65535
+    const std::uint16_t* mAddresses;  // one address per register of a scattered frame; not owned
+
+    explicit RegisterAddress(std::uint16_t address) : mAddress(address) {}
+    explicit RegisterAddress(const std::uint16_t* addresses) : mAddresses(addresses) {}
+};
+
+}  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "kz/orba/StatusCode.h"
+#include "kzm/Log/RootLogger.h"
+
+// Log lines of the library. A line's arguments are evaluated only when the root logger's level admits the line. Each
+// source file that logs defines LOG_MODULE, the text that stands in its lines' second field.
+namespace kzm::ModbusDeviceModel::Logging {
+
+using Level = kzm::Log::OrbaLogLevel;
+
+inline constexpr auto ERROR = static_cast<Level>(3);
+inline constexpr auto WARNING = static_cast<Level>(4);
+inline constexpr auto INFORMATION = static_cast<Level>(6);
+inline constexpr auto TRACE = static_cast<Level>(7);
+
+// Compact JSON for a log line. Bytes that are no UTF-8 are replaced, so that a line never throws for its content.
+inline std::string Text(const nlohmann::json& value) {
+    return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+inline std::string Text(kz::orba::StatusCode status) {
+    return kz::orba::ConvertStatusCodeToString(status);
+}
+
+}  // namespace kzm::ModbusDeviceModel::Logging
+
+#define KZM_LOG_LINE(level, prefix, format, ...)                                                    \
+    do {                                                                                            \
+        auto& kzmRootLogger = kzm::Log::RootLogger::GetInstance();                                  \
+        if (kzmRootLogger.GetLevel() >= (level)) {                                                  \
+            kzmRootLogger.Print((level), prefix format, static_cast<unsigned long>(pthread_self()), \
+                                LOG_MODULE __VA_OPT__(, ) __VA_ARGS__);                             \
+        }                                                                                           \
+    } while (false)
+
+// A line whose level is chosen at run time.
+#define KZM_LOG_AT(level, format, ...) KZM_LOG_LINE(level, "[%lu][%s] ", format __VA_OPT__(, ) __VA_ARGS__)
+#define KZM_LOG(level, format, ...) \
+    KZM_LOG_LINE(kzm::ModbusDeviceModel::Logging::level, "[%lu][%s] ", format __VA_OPT__(, ) __VA_ARGS__)
+#define KZM_LOG_TRACE(format, ...) \
+    KZM_LOG_LINE(kzm::ModbusDeviceModel::Logging::TRACE, "[%lu][%s][trace] ", format __VA_OPT__(, ) __VA_ARGS__)
