@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include "DataModel/AttributeConstant.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
+#include "kzm/edm/dictionary/EdmEnumToIotValue.h"
+#include "src/TestCache.h"
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using DataModel::AttributeConstant;
+using Log::OrbaLogLevel;
+using StandIn::CapturedLog;
+using StandIn::StoppedClock;
+
+namespace {
+
+const std::string MODULE = "[DataModel::AttributeConverter]";
+
+// Asks for the value as the caller's outputs come out: "status quality value".
+std::string Ask(AttributeConverter& converter, const std::shared_ptr<TestCache>& cache, bool ignoreCacheAge = false,
+                bool edm = false) {
+    auto quality = QUALITY_QUESTIONABLE;
+    json value = "before";
+    const auto status = edm ? converter.GetEdmValue(cache, true, ignoreCacheAge, quality, value)
+                            : converter.GetIotValue("urn", cache, true, ignoreCacheAge, quality, value);
+    return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
+}
+
+}  // namespace
+
+TEST(AttributeConverter, OnlyAFrameUpdatedWithinTheLastTwelveSecondsIsFresh) {
+    const auto cache = MakeCache("0007");
+    const auto converter = MakeConverter({});
+    const struct {
+        std::uint64_t now, timestamp;
+        bool ignoreCacheAge;
+        const char* expected;
+    } ROWS[] = {{NOW, NOW, false, "0 Good 7"},
+                {NOW, NOW - 12000, false, "0 Good 7"},
+                {NOW, NOW - 12001, false, "42 Questionable \"before\""},
+                {NOW, NOW + 1, false, "42 Questionable \"before\""},
+                {5, 0, false, "42 Questionable \"before\""},
+                {NOW, 0, true, "0 Good 7"},
+                {NOW, NOW - 12001, true, "0 Good 7"},
+                {NOW, NOW + 1, true, "0 Good 7"}};
+    for (const auto& row : ROWS) {
+        const StoppedClock clock(row.now);
+        cache->frames[0].timestamp = row.timestamp;
+        EXPECT_EQ(Ask(*converter, cache, row.ignoreCacheAge), row.expected) << row.timestamp << row.ignoreCacheAge;
+    }
+}
+
+TEST(AttributeConverter, TheCachesQualityIsPassedOnAndOnlyUninitialisedIsNoValue) {
+    const StoppedClock clock(NOW);
+    const auto cache = MakeCache("0007");
+    const char* const expected[] = {"42 Uninitialised \"before\"", "0 Good 7", "0 Bad 7", "0 Questionable 7",
+                                    "0 UNKNOWN 7"};
+    for (int quality = 0; quality < 5; ++quality) {
+        cache->frames[0].quality = static_cast<_Quality_t>(quality);
+        EXPECT_EQ(Ask(*MakeConverter({}), cache, true), expected[quality]);
+    }
+}
+
+TEST(AttributeConverter, WhatCannotBeReadOrDecodedIsNoValue) {
+    const StoppedClock clock(NOW);
+    CapturedLog log(OrbaLogLevel::ERROR);
+    const auto cache = MakeCache("FFFF");
+    EXPECT_EQ(Ask(*MakeConverter({.pattern = "0xFFFF"}), cache), "42 Good null");
+    EXPECT_EQ(Ask(*MakeConverter({.code = 37}), cache), "42 Good \"before\"");
+    EXPECT_EQ(Ask(*MakeConverter({.scale = 2}), cache), "42 Good null");
+    EXPECT_TRUE(log.Lines().empty());
+    // An exception of the decoding or of the cache, and a cache that claims more than the buffer holds.
+    EXPECT_EQ(Ask(*MakeConverter({.pattern = "0xZZZZ"}), cache), "42 Good \"before\"");
+    EXPECT_EQ(Ask(*MakeConverter({.frame = 9}), cache), "42 Questionable \"before\"");
+    EXPECT_EQ(
+        log.Texts(OrbaLogLevel::ERROR),
+        (std::vector<std::string>{MODULE + " [GetValueFromElementData] Failed to read frame with index=0: stoi",
+                                  MODULE + " [GetValueFromElementData] Failed to read frame with index=9: map::at"}));
+    cache->frames[0].claimedLength = 257;
+    EXPECT_EQ(Ask(*MakeConverter({}), cache), "42 Good \"before\"");
+    cache->frames[0].claimedLength = 256;  // past what an element can hold
+    EXPECT_EQ(Ask(*MakeConverter({}), cache), "42 Good \"before\"");
+}
+
+TEST(AttributeConverter, ReadingIsLoggedStepByStep) {
+    const StoppedClock clock(NOW);
+    CapturedLog log;
+    const auto cache = MakeCache("0007");
+    const auto converter = MakeConverter({});
+    Ask(*converter, nullptr);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).at(0),
+              MODULE + " [GetValueFromElementData] ERROR CacheReadAccess=(nil) or frame index=0");
+    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
+              std::vector<std::string>{MODULE + "[trace] [GetIotValue] (urn=urn, address=100) value=\"before\", "
+                                                "quality=Questionable, status = invalid argument (1)"});
+    log.Clear();
+    Ask(*converter, cache);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
+              (std::vector<std::string>{MODULE + "[trace] [GetValueFromElementData] (frame=0, address=100, length=1) "
+                                                 "value=7, quality=Good, status = ok (0)",
+                                        MODULE + "[trace] [GetIotValue] (urn=urn, address=100) value=7, quality=Good, "
+                                                 "status = ok (0)"}));
+    log.Clear();
+    cache->frames[0].timestamp = 0;
+    Ask(*converter, cache, false, true);
+    ASSERT_EQ(log.Lines().size(), 3U);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION).at(0),
+              MODULE + " [GetValueFromElementData] Cannot read frame with index=0, cache is out of date");
+    EXPECT_EQ(log.Lines()[2].text, MODULE +
+                                       "[trace] [GetEdmValue] (address=100) value=\"before\", "
+                                       "quality=Questionable, status = value not available (42)");
+}
+
+TEST(AttributeConverter, AnElementInNoFrameIsAnInvalidArgument) {
+    std::set<std::uint8_t> frames{3};
+    EXPECT_EQ(Number(MakeConverter({.frame = 255})->ComputeAndGetFrameIndexes(frames)), 1);
+    EXPECT_EQ(Number(MakeConverter({.frame = 7})->ComputeAndGetFrameIndexes(frames)), 0);
+    EXPECT_EQ(frames, (std::set<std::uint8_t>{3, 7}));
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    EXPECT_EQ(Ask(*MakeConverter({.frame = 255}), MakeCache("0001"), true), "1 Questionable \"before\"");
+}
+
+TEST(AttributeConverter, AnEnumerationLabelIsTranslatedForTheUrn) {
+    const StoppedClock clock(NOW);
+    edm::dictionary::EdmEnumToIotValue::SetLabel("urn", "Closed", true);
+    edm::dictionary::EdmEnumToEdmValue::SetLabel("Closed", 2);
+    const auto pairs = std::make_shared<Pairs>(Pairs{{1U, "Closed"}, {2U, "A label that no dictionary knows"}});
+    const auto converter = MakeConverter({.code = 9, .pairs = pairs});
+    const auto number = MakeConverter({.code = 2, .pairs = pairs});
+    const auto cache = MakeCache("0001");
+    CapturedLog log(OrbaLogLevel::INFORMATION);
+    EXPECT_TRUE(converter->HasEnumOutput());
+    EXPECT_EQ(Ask(*converter, cache), "0 Good true");
+    EXPECT_EQ(Ask(*converter, cache, false, true), "0 Good 2");
+    EXPECT_TRUE(log.Lines().empty());
+    EXPECT_EQ(Ask(*number, cache), "42 Good 1");
+    EXPECT_EQ(Ask(*number, cache, false, true), "42 Good 1");
+    cache->frames[0].bytes = Hex("0002");
+    EXPECT_EQ(Ask(*converter, cache), "44 Good \"A label that no dictionary knows\"");
+    EXPECT_EQ(Ask(*converter, cache, false, true), "44 Good \"A label that no dictionary knows\"");
+    EXPECT_EQ(
+        log.Texts(OrbaLogLevel::ERROR),
+        (std::vector<std::string>{
+            MODULE + " [GetIotValue] (urn=urn, address=100) Expecting a string for 1",
+            MODULE + " [GetEdmValue] (address=100) Expecting a string as value, got:1",
+            MODULE + " [GetIotValue] (urn=urn, address=100) Failed to convert A label that no dictionary knows to "
+                     "iot value",
+            MODULE + " [GetEdmValue] (address=100) Failed to convert A label that no dictionary knows to edm "
+                     "value"}));
+    cache->frames[0].bytes = Hex("0003");
+    log.Clear();
+    EXPECT_EQ(Ask(*converter, cache), "42 Good null");
+    EXPECT_EQ(Ask(*converter, nullptr, false, true), "1 Questionable \"before\"");
+    EXPECT_EQ(log.Lines()[0].level, OrbaLogLevel::INFORMATION);
+    EXPECT_EQ(log.Lines()[0].text, MODULE +
+                                       " [GetIotValue] (urn=urn, address=100) Failed to get value from element "
+                                       "data, status = value not available (42)");
+    EXPECT_EQ(log.Lines()[2].level, OrbaLogLevel::ERROR);
+    EXPECT_EQ(log.Lines()[2].text,
+              MODULE +
+                  " [GetEdmValue] (address=100) Failed to get value from element data, status = invalid argument "
+                  "(1)");
+}
+
+TEST(AttributeConverter, DescribesItselfByItsElement) {
+    const auto pairs = std::make_shared<Pairs>();
+    const auto converter =
+        MakeConverter({.code = 44, .scale = 0.5, .offset = 1, .pairs = pairs, .registers = 4, .frame = 1});
+    const auto information = converter->GetModbusMeasurementInformation();
+    EXPECT_EQ(information.mRegisterAddress, 100);
+    EXPECT_EQ(information.mNumberOfRegisters, 4);
+    EXPECT_EQ(information.mLogicCode, LogicCodeIdentifier{44});
+    EXPECT_EQ(information.mScaleFactor, 0.5);
+    EXPECT_EQ(information.mOffset, 1.0F);
+    EXPECT_EQ(information.mEnumerationPairs, pairs);
+    EXPECT_EQ(information.mBitmask->size(), 256U);
+    std::string className;
+    EXPECT_EQ(Number(converter->GetClassName(className)), 0);
+    EXPECT_EQ(className, "$iot.measurement.DiscreteMeasurementValue<DateTime>");
+    EXPECT_EQ(json::parse(converter->ToJson())["nbRegisters"], 4);
+}
+
+TEST(AttributeConstant, GivesCopiesOfItsValueAndKnowsNothingElse) {
+    CapturedLog log;
+    AttributeConstant constant(json::parse(R"({"a": null})"));
+    auto quality = QUALITY_BAD;
+    json value = {1, 2};
+    EXPECT_EQ(Number(constant.GetIotValue("urn", nullptr, true, true, quality, value)), 0);
+    EXPECT_EQ(value, json::parse(R"({"a": null})"));
+    value["a"] = 1;
+    EXPECT_EQ(Number(constant.GetEdmValue(nullptr, false, false, quality, value)), 0);
+    EXPECT_EQ(value, json::parse(R"({"a": null})"));
+    EXPECT_EQ(quality, QUALITY_GOOD);
+    std::set<std::uint8_t> frames{4};
+    std::string className = "before";
+    EXPECT_EQ(Number(constant.ComputeAndGetFrameIndexes(frames)), 0);
+    EXPECT_EQ(frames, std::set<std::uint8_t>{4});
+    EXPECT_EQ(Number(constant.GetClassName(className)), 60);
+    EXPECT_EQ(className, "before");
+    EXPECT_EQ(constant.GetModbusMeasurementInformation().mScaleFactor, 1.0);
+    EXPECT_FALSE(constant.HasEnumOutput());
+    ASSERT_EQ(log.Lines().size(), 3U);
+    EXPECT_EQ(log.Lines()[1].text, "[DataModel::AttributeConstant][trace] [GetEdmValue] value={\"a\":null}");
+    EXPECT_EQ(log.Lines()[2].text,
+              "[DataModel::AttributeConstant] [GetModbusMeasurementInformation] Should not be called, empty value "
+              "returned");
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test

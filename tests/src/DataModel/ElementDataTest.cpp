@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "kzm/StandIn/CapturedLog.h"
+#include "src/TestElement.h"
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using Log::OrbaLogLevel;
+using StandIn::CapturedLog;
+
+namespace {
+
+std::string Swapped(void (*swap)(unsigned char*, unsigned), const std::string& text) {
+    Bytes bytes(text.begin(), text.end());
+    swap(bytes.data(), static_cast<unsigned>(bytes.size()));
+    return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+TEST(ElementData, SwapsReverseWordsAndBytesOfTheLengthsTheyKnow) {
+    const struct {
+        const char *bytes, *words, *inWords, *both;
+    } ROWS[] = {{"A", "A", "A", "A"},
+                {"AB", "AB", "BA", "BA"},
+                {"ABC", "ABC", "ABC", "ABC"},
+                {"ABCD", "CDAB", "BADC", "DCBA"},
+                {"ABCDE", "ABCDE", "ABCDE", "ABCDE"},
+                {"ABCDEF", "EFCDAB", "BADCFE", "FEDCBA"},
+                {"ABCDEFGH", "GHEFCDAB", "BADCFEHG", "HGFEDCBA"},
+                {"ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ"}};
+    for (const auto& row : ROWS) {
+        EXPECT_EQ(Swapped(ElementData::WordSwap, row.bytes), row.words);
+        EXPECT_EQ(Swapped(ElementData::ByteSwap, row.bytes), row.inWords);
+        EXPECT_EQ(Swapped(ElementData::ByteAndWordSwap, row.bytes), row.both);
+    }
+    ElementData::ByteAndWordSwap(nullptr, 4);
+}
+
+TEST(ElementData, WordsAreSwappedByTheElementElseByTheDeviceElseByTheCode) {
+    const auto order = [](int number) { return static_cast<ByteOrderingEnum>(number); };
+    const struct {
+        int code, order;
+        bool deviceBigEndian;
+        const char *bytes, *expected;
+    } ROWS[] = {{14, 0, true, "00010002", "u65538"},
+                {14, 0, false, "00010002", "u131073"},
+                {14, 1, false, "00010002", "u65538"},
+                {14, 2, false, "00010002", "u65538"},
+                {14, 3, true, "00010002", "u131073"},
+                {14, -5, false, "00010002", "u65538"},
+                {2, 3, true, "0102", "u258"},
+                {27, 3, true, "000100020003", "u12885032961"},
+                {27, 3, true, "0001000200030004", "u1125912791875585"},
+                {51, 0, true, "00010002", "i20001"},
+                {51, 0, false, "00010002", "i20001"},
+                {51, 3, false, "00010002", "i20001"},
+                {60, 3, true, "C0200000", "f-2.5"}};
+    for (const auto& row : ROWS) {
+        EXPECT_EQ(Decode({.code = row.code, .order = order(row.order)}, row.bytes, row.deviceBigEndian), row.expected)
+            << "code " << row.code << ", order " << row.order << ", device " << row.deviceBigEndian;
+        EXPECT_EQ(MakeElement({.order = order(row.order)}).IsLocalEndianessIsBigEndian(), row.order != 3);
+    }
+    EXPECT_TRUE(MakeElement({.code = 21}).IsLogicCodeManageInLittleEndian(LogicCodeIdentifier{2}));
+    EXPECT_FALSE(MakeElement({.code = 2}).IsLogicCodeManageInLittleEndian(LogicCodeIdentifier{21}));
+}
+
+TEST(ElementData, TheNotAvailablePatternIsComparedAfterTheSwapAndBeforeTheMask) {
+    const struct {
+        const char *pattern, *mask, *bytes, *expected;
+        bool deviceBigEndian = true;
+    } ROWS[] = {{"0xFFFF", "FFFF", "FFFF", "null!"},
+                {"0xFFFF", "FFFF", "FFFE", "u65534"},
+                {"0xFFFF", "FFFF", "7FFF", "u32767"},
+                {"0xFFFF", "FFFF", "FFFFFFFF", "null!"},  // another length is invalid
+                {"0xffFf", "0000", "FFFF", "null!"},
+                {"0x0000", "00FF", "0100", "u0"},
+                {"0x80000000", "FFFFFFFF", "00008000", "null!", false},
+                {"0x80000000", "FFFFFFFF", "80000000", "u32768", false},
+                {"", "FFFF", "0000", "null!"},
+                {"0", "FFFF", "0000", "null!"},
+                {"0xFFF", "FF", "FF", "null!"},
+                {"0x 5", "FF", "05", "null!"},  // read as a text to number conversion reads it
+                {"0x-5", "FF", "05", "u5"}};
+    for (const auto& row : ROWS) {
+        EXPECT_EQ(Decode({.code = 14, .mask = row.mask, .pattern = row.pattern}, row.bytes, row.deviceBigEndian),
+                  row.expected)
+            << row.pattern << " on " << row.bytes;
+    }
+    // Characters behind the first differing byte are never looked at.
+    EXPECT_EQ(Decode({.pattern = "0x01ZZ"}, "0002"), "u2");
+    EXPECT_THROW(Decode({.pattern = "0xZZ00"}, "0002"), std::invalid_argument);
+    EXPECT_THROW(Decode({.pattern = "0x01ZZ"}, "0102"), std::invalid_argument);
+}
+
+TEST(ElementData, TheMaskIsAppliedByteByByte) {
+    EXPECT_EQ(Decode({.mask = "0FF0"}, "ABCD"), "u3008");
+    EXPECT_EQ(Decode({.code = 14, .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS, .mask = "FFFF0000"}, "11112222"),
+              "u572653568");
+}
+
+TEST(ElementData, BytesThatCannotBeDecodedAreRefused) {
+    CapturedLog log;
+    auto element = MakeElement({.code = 62});
+    bool invalid = false;
+    json value = "before";
+    Bytes bytes(300, 'x');
+    const auto build = [&](unsigned char* buffer, unsigned length) {
+        return element.Build(buffer, length, true, 0, invalid, value, nullptr);
+    };
+    EXPECT_FALSE(build(nullptr, 2));
+    EXPECT_FALSE(build(bytes.data(), 0));
+    EXPECT_FALSE(invalid);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
+              std::vector<std::string>(2, "[DataModel::ElementData] [Build] Invalid Input param"));
+    EXPECT_FALSE(build(bytes.data(), 256));
+    EXPECT_TRUE(invalid);
+    EXPECT_EQ(value, "before");
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).at(0),
+              "[DataModel::ElementData] [Build] Received data exceed the max buffer size. Received = 256 bytes, Max = "
+              "255 bytes");
+    EXPECT_TRUE(build(bytes.data(), 255));
+    EXPECT_EQ(value, std::string(255, 'x'));
+    EXPECT_EQ(Decode({.mask = "FF"}, "0001"), "refused!");
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).size(), 2U);
+}
+
+TEST(ElementData, ToJsonDescribesTheElement) {
+    const auto element = MakeElement({.code = 31,
+                                      .scale = 0.5,
+                                      .offset = 2.0F,
+                                      .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS,
+                                      .registers = 2,
+                                      .frame = 7});
+    EXPECT_EQ(element.ToJson(), json::parse(R"({"registerAddress": 100, "nbRegisters": 2, "scaleFactor": 0.5,
+        "frameIndex": 7, "offset": 2.0, "byteOrdering": 3, "attributePath": "path", "logicCode": 31})"));
+}
+
+// Whatever comes off the line: nothing undefined, and the promises about value and flag hold.
+TEST(ElementData, AnyContentOfAnyLengthGivesAValueOrNullWithTheFlag) {
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    std::mt19937 random(1);
+    const std::vector<double> factors{1, 0, -1, 0.1, 1e-320, 1e19, -1e308, INFINITY, NAN};
+    const auto pairs = std::make_shared<Pairs>(Pairs{{0U, "zero"}, {1.0F, "one"}, {"\xFF", "text"}});
+    for (int code = 0; code < 256; ++code) {
+        for (int round = 0; round < 200; ++round) {
+            const auto length = static_cast<unsigned>(round < 100 ? random() % 9 : random() % 258);
+            Bytes bytes(length);
+            std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<std::uint8_t>(random()); });
+            if (round % 4 == 0) {
+                std::fill(bytes.begin(), bytes.end(), round % 8 == 0 ? std::uint8_t{0xFF} : std::uint8_t{0x7F});
+            }
+            auto element = MakeElement({.code = code,
+                                        .scale = factors[random() % factors.size()],
+                                        .offset = random() % 3 == 0 ? INFINITY : static_cast<float>(random() % 5),
+                                        .order = static_cast<ByteOrderingEnum>(random() % 4),
+                                        .mask = random() % 2 ? "FF00FF8001" : nullptr,
+                                        .pattern = random() % 8 ? nullptr : "0xFFFF",
+                                        .pairs = random() % 2 ? pairs : nullptr});
+            bool invalid = false;
+            json value = "untouched";
+            if (element.Build(bytes.data(), length, random() % 2 == 0, 0, invalid, value, nullptr)) {
+                EXPECT_TRUE(!invalid || value.is_null() || value == "") << code;
+                EXPECT_TRUE(!value.is_number_float() || std::isfinite(value.get<double>())) << code;
+                EXPECT_TRUE(value.is_primitive()) << code;
+            } else {
+                EXPECT_EQ(value, "untouched") << code;
+            }
+        }
+    }
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test
