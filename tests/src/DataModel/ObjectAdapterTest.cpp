@@ -1,0 +1,258 @@
+#include <gtest/gtest.h>
+
+#include "DataModel/AttributeConstant.h"
+#include "DataModel/DataObjectAdapter.h"
+#include "DataModel/SimpleObjectAdapter.h"
+#include "kz/orba/VortaORBAObject.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "src/TestCache.h"
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using namespace DataModel;
+using kz::orba::VortaORBAObject;
+using Log::OrbaLogLevel;
+using StandIn::CapturedLog;
+using StandIn::StoppedClock;
+using Adapter = std::shared_ptr<AttributeAdapter>;
+
+namespace {
+
+Adapter Constant(const json& value) {
+    return std::make_shared<AttributeConstant>(value);
+}
+
+// An adapter that always fails with a status.
+struct Failing : AttributeConstant {
+    explicit Failing(int number) : AttributeConstant(nullptr), status(static_cast<StatusCode>(number)) {}
+    StatusCode GetIotValue(const std::string&, const std::shared_ptr<CacheReadAccessInterface>&, bool, bool,
+                           _Quality_t&, json&) override {
+        return status;
+    }
+    StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>&) override { return status; }
+    StatusCode status;
+};
+
+Adapter Fail(int status) {
+    return std::make_shared<Failing>(status);
+}
+
+std::shared_ptr<DataObjectAdapter> MakeObject(const std::map<AttributeAdapterType, Adapter>& adapters,
+                                              const std::string& path = "") {
+    auto object = std::make_shared<DataObjectAdapter>(path, "urn");
+    for (const auto& [type, adapter] : adapters) {
+        EXPECT_EQ(Number(object->SetAdapter(type, adapter)), 0);
+    }
+    return object;
+}
+
+// Fills an object that holds `before`; the status and what the object then holds.
+std::string Fill(VortaObjectAdapter& adapter, const std::shared_ptr<TestCache>& cache = nullptr,
+                 const char* before = "{}") {
+    VortaORBAObject object("id", "name", "alias", json::parse(before));
+    const auto status = adapter.GetObject(cache, true, false, object);
+    return std::to_string(Number(status)) + " " + object.GetValue().dump();
+}
+
+const std::string DATE = std::string(R"("datetime":")") + NOW_TEXT + '"';
+
+}  // namespace
+
+TEST(SimpleObjectAdapter, WritesItsValueAndNothingElse) {
+    const StoppedClock clock(NOW);
+    SimpleObjectAdapter top("", MakeConverter({}));
+    EXPECT_EQ(Fill(top, MakeCache("0007"), R"({"value": 1, "unit": "A"})"), R"(0 {"unit":"A","value":7})");
+    EXPECT_EQ(Fill(top, MakeCache("0007"), "null"), R"(0 {"value":7})");
+    SimpleObjectAdapter path("phase1", MakeConverter({}));
+    EXPECT_EQ(Fill(path, MakeCache("0007"), R"({"elements": {"phase1": {"unit": "A"}, "phase2": 1}})"),
+              R"(0 {"elements":{"phase1":{"unit":"A","value":7},"phase2":1}})");
+    EXPECT_EQ(Number(path.ComputeFrameIndexes()), 0);
+    EXPECT_EQ(path.GetFrameIndexes(), std::set<std::uint8_t>{0});
+}
+
+TEST(SimpleObjectAdapter, AFailureLeavesTheObjectAsItWas) {
+    CapturedLog log;
+    const std::string module = "[DataModel::SimpleObjectAdapter]";
+    SimpleObjectAdapter none("", nullptr), stale("", Fail(42)), failing("a", Fail(44));
+    EXPECT_EQ(Fill(none), "1 {}");
+    EXPECT_EQ(Fill(stale), "42 {}");
+    EXPECT_EQ(Fill(failing), "44 {}");
+    EXPECT_EQ(Number(none.ComputeFrameIndexes()), 1);
+    none.GetModbusMeasurementInformation();
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
+              (std::vector<std::string>{
+                  module + " GetObject: Pointer for value is empty",
+                  module + " GetObject: Failed to get value from value adapter, status=not found (44)",
+                  module + " ComputeFrameIndexes: Mandatory attribute pointer for value is empty, status = invalid "
+                           "argument (1)",
+                  module + " [GetModbusMeasurementInformation] Should not be called, empty value returned"}));
+    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
+              std::vector<std::string>{module + "[trace] GetObject: Did not read from cache"});
+}
+
+TEST(ElementPath, IsSplitAsAJsonPointerAndMakesMissingParentsObjects) {
+    const struct {
+        const char *path, *before, *after;
+    } ROWS[] = {{"a", "{}", R"({"elements":{"a":{"value":1}}})"},
+                {"a/b", R"({"elements": {"a": null}})", R"({"elements":{"a":{"b":{"value":1}}}})"},
+                {"0", "null", R"({"elements":{"0":{"value":1}}})"},
+                {"1", R"({"elements": [{}, {"x": 2}]})", R"({"elements":[{},{"value":1,"x":2}]})"},
+                {"a~1b~0", "{}", R"({"elements":{"a/b~":{"value":1}}})"},
+                {"/", "{}", R"({"elements":{"":{"":{"value":1}}}})"}};
+    for (const auto& row : ROWS) {
+        SimpleObjectAdapter adapter(row.path, Constant(1));
+        EXPECT_EQ(Fill(adapter, nullptr, row.before), std::string("0 ") + row.after) << row.path;
+    }
+    SimpleObjectAdapter adapter("x", Constant(1));
+    EXPECT_THROW(Fill(adapter, nullptr, R"({"elements": []})"), json::exception);
+    EXPECT_THROW(Fill(adapter, nullptr, R"({"elements": 5})"), json::exception);
+    SimpleObjectAdapter farIndex("4000000000", Constant(1));
+    EXPECT_THROW(Fill(farIndex, nullptr, R"({"elements": []})"), json::out_of_range);
+    EXPECT_THROW(SimpleObjectAdapter("a~2", Constant(1)), json::parse_error);
+}
+
+TEST(DataObjectAdapter, WritesValueQualityAndDateTime) {
+    const StoppedClock clock(NOW);
+    const auto cache = MakeCache("0007");
+    cache->frames[0].quality = QUALITY_QUESTIONABLE;
+    const auto plain = MakeObject({{VALUE, MakeConverter({})}});
+    EXPECT_EQ(Fill(*plain, cache), "0 {" + DATE + R"(,"quality":"Questionable","value":7})");
+    const auto whole = MakeObject({{VALUE, MakeConverter({})},
+                                   {AVAILABILITY, Constant(true)},
+                                   {QUALITY, Constant("Good")},
+                                   {TIMESTAMP, Constant("then")}},
+                                  "a/b");
+    EXPECT_EQ(Fill(*whole, cache), R"(0 {"elements":{"a":{"b":{"datetime":"then","quality":"Good","value":7}}}})");
+    // A data object as the input of another brings its own rules along.
+    const auto outer = MakeObject({{VALUE, whole}, {TIMESTAMP, Constant(5)}});
+    EXPECT_EQ(Fill(*outer, cache), R"(0 {"datetime":5,"quality":"Good","value":7})");
+}
+
+TEST(DataObjectAdapter, TheQualityAdaptersTextIsGoodOrBad) {
+    const StoppedClock clock(NOW);
+    const struct {
+        json text;
+        const char* expected;
+    } ROWS[] = {{"Good", "Good"}, {"Questionable", "Bad"}, {"good", "Bad"}, {1, "Uninitialised"}};
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    for (const auto& row : ROWS) {
+        const auto object = MakeObject({{VALUE, Constant(1)}, {QUALITY, Constant(row.text)}});
+        EXPECT_EQ(Fill(*object), "0 {" + DATE + ",\"quality\":\"" + row.expected + "\",\"value\":1}") << row.text;
+    }
+}
+
+TEST(DataObjectAdapter, WithoutAValueTheQualityIsBadAndTheReasonIsReturned) {
+    const StoppedClock clock(NOW);
+    const std::string module = "[DataModel::DataObjectAdapter]";
+    const struct {
+        std::map<AttributeAdapterType, Adapter> adapters;
+        int status;
+        std::vector<std::string> lines;  // without the traces of the value and the missing timestamp adapter
+    } ROWS[] = {{{{VALUE, Fail(42)}}, 42, {"[trace] GetObject: Did not read from cache, urn=urn"}},
+                {{}, 1, {" GetValueWithAvailabilityAndQuality: Pointer for value is empty"}},
+                {{{VALUE, Fail(44)}},
+                 1,
+                 {" GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'not found (44)'"}},
+                {{{VALUE, Fail(7)}},
+                 7,
+                 {" GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'status 7'",
+                  " GetObject: Failed to get object value, urn=urn, status=status 7"}},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant(false)}},
+                 63,
+                 {" GetValueWithAvailabilityAndQuality: Measurement with urn=urn is not available"}},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant("true")}},
+                 1,
+                 {" [GetAvailability] Availability value is not a boolean: '\"true\"'",
+                  " GetObject: Failed to get object value, urn=urn, status=invalid argument (1)"}},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(42)}},
+                 42,
+                 {" GetAvailability: Did not got value from availability adapter",
+                  "[trace] GetObject: Did not read from cache, urn=urn"}},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(1)}},
+                 1,
+                 {" GetAvailability: Failed to get value from availability adapter 'invalid argument (1)'",
+                  " GetObject: Failed to get object value, urn=urn, status=invalid argument (1)"}},
+                {{{VALUE, Constant(1)}, {QUALITY, Fail(42)}},
+                 42,
+                 {" GetQuality: Did not got value from quality adapter",
+                  " GetValueWithAvailabilityAndQuality: Failed to get quality",
+                  "[trace] GetObject: Did not read from cache, urn=urn"}},
+                {{{VALUE, Constant(1)}, {QUALITY, Fail(20)}},
+                 20,
+                 {" GetQuality: Failed to get value from quality adapter 'already set (20)'",
+                  " GetValueWithAvailabilityAndQuality: Failed to get quality",
+                  " GetObject: Failed to get object value, urn=urn, status=already set (20)"}}};
+    for (const auto& row : ROWS) {
+        CapturedLog log;
+        EXPECT_EQ(Fill(*MakeObject(row.adapters), nullptr, R"({"value": "old"})"),
+                  std::to_string(row.status) + " {" + DATE + R"(,"quality":"Bad","value":"old"})");
+        std::vector<std::string> lines;
+        for (const auto& line : log.Lines()) {
+            if (line.text.starts_with(module) && line.text.find("urn='urn', value=") == std::string::npos &&
+                line.text.find("default value is set") == std::string::npos) {
+                lines.push_back(line.text.substr(module.size()));
+            }
+        }
+        EXPECT_EQ(lines, row.lines);
+    }
+}
+
+TEST(DataObjectAdapter, ATimestampAdaptersStatusReplacesTheValues) {
+    CapturedLog log(OrbaLogLevel::INFORMATION);
+    EXPECT_EQ(Fill(*MakeObject({{VALUE, Fail(42)}, {TIMESTAMP, Constant("then")}}, "p")),
+              R"(0 {"elements":{"p":{"datetime":"then","quality":"Bad"}}})");
+    EXPECT_EQ(Fill(*MakeObject({{VALUE, Constant(1)}, {TIMESTAMP, Fail(42)}}), nullptr, R"({"datetime": "old"})"),
+              R"(42 {"datetime":"old","quality":"Good","value":1})");
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
+              std::vector<std::string>{"[DataModel::DataObjectAdapter] GetObject: Failed to get value from timestamp "
+                                       "adapter, status=value not available (42)"});
+    try {
+        Fill(*MakeObject({{VALUE, Constant(1)}, {TIMESTAMP, Constant(5)}}, "p"));
+        FAIL() << "a date-time under an element path must be a text";
+    } catch (const json::type_error& error) {
+        EXPECT_EQ(error.id, 302);
+        EXPECT_NE(std::string(error.what()).find("type must be string, but is number"), std::string::npos);
+    }
+}
+
+TEST(DataObjectAdapter, ARoleTakesOneAdapter) {
+    CapturedLog log;
+    const auto object = MakeObject({{VALUE, Constant(1)}});
+    EXPECT_EQ(Number(object->SetAdapter(VALUE, Constant(2))), 20);
+    EXPECT_EQ(Number(object->SetAdapter(TIMESTAMP, nullptr)), 28);
+    EXPECT_EQ(Number(object->SetAdapter(AVAILABILITY, object)), 28);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
+              (std::vector<std::string>{"[DataModel::DataObjectAdapter] SetAdapter: an adapter is already set",
+                                        "[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter",
+                                        "[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter"}));
+    const StoppedClock clock(NOW);
+    EXPECT_EQ(Fill(*object), "0 {" + DATE + R"(,"quality":"Good","value":1})");
+}
+
+TEST(DataObjectAdapter, FrameIndexesAreMergedOverRolesAndReplaceTheCallersSet) {
+    using Frames = std::set<std::uint8_t>;
+    const auto inner = MakeObject({{VALUE, MakeConverter({.frame = 2})}});
+    const auto object = MakeObject({{VALUE, MakeConverter({.frame = 1})}, {QUALITY, inner}});
+    Frames frames{7};
+    EXPECT_EQ(Number(object->ComputeAndGetFrameIndexes(frames)), 0);
+    EXPECT_EQ(frames, (Frames{1, 2}));
+    EXPECT_EQ(object->GetFrameIndexes(), (Frames{1, 2}));
+    EXPECT_EQ(object->GetModbusMeasurementInformation().mRegisterAddress, 100);
+    std::string className;
+    EXPECT_EQ(Number(object->GetClassName(className)), 0);
+
+    CapturedLog log;
+    frames = {7};
+    const auto failing = MakeObject({{VALUE, MakeConverter({.frame = 1})}, {QUALITY, Fail(1)}});
+    EXPECT_EQ(Number(failing->ComputeAndGetFrameIndexes(frames)), 1);
+    EXPECT_EQ(Number(MakeObject({})->ComputeFrameIndexes()), 1);
+    EXPECT_EQ(frames, Frames{7});
+    EXPECT_EQ(
+        log.Texts(OrbaLogLevel::ERROR),
+        std::vector<std::string>{"[DataModel::DataObjectAdapter] ComputeFrameIndexes: Failed to get frame indexes "
+                                 "from adapter, status=invalid argument (1)"});
+    EXPECT_EQ(Number(MakeObject({})->GetClassName(className)), 44);
+    EXPECT_EQ(MakeObject({})->GetModbusMeasurementInformation().mScaleFactor, 1.0);
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test

@@ -1,0 +1,183 @@
+#include "Device/DeviceModel.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+#include <thread>
+
+#include "DataModel/AttributeConstant.h"
+#include "DataModel/DataObjectAdapter.h"
+#include "kz/orba/VortaORBAObject.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "src/TestCache.h"
+
+namespace {
+
+thread_local std::size_t allocations = 0;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* memory = std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using namespace DataModel;
+using Device::DeviceModel;
+using DeviceProfile::FrameData;
+using kz::orba::VortaORBAObject;
+using Log::OrbaLogLevel;
+using StandIn::CapturedLog;
+using StandIn::StoppedClock;
+
+namespace {
+
+const std::string NAME = "ElectricalMeasurement.RmsCurrentPhsA";
+
+std::shared_ptr<DataObjectAdapter> MakeObject(const Traits& traits) {
+    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
+    object->SetAdapter(VALUE, MakeConverter(traits));
+    return object;
+}
+
+std::unique_ptr<DeviceModel> MakeModel(bool bigEndian = true) {
+    DeviceModel::ObjectAdapters adapters{{{NAME, ""}, MakeObject({.code = 14, .registers = 2})},
+                                         {{NAME, "second"}, MakeObject({})},
+                                         {{"null", ""}, nullptr}};
+    return std::make_unique<DeviceModel>(
+        std::move(adapters),
+        std::vector<FrameData>{{ModbusFunctionCode::READ_HOLDING_REGISTERS, false, 0, 2, std::uint16_t{100}}},
+        DeviceModel::TextByName{{NAME, "A"}}, DeviceModel::TextByName{}, DeviceModel::ComputedAlarms{}, bigEndian);
+}
+
+}  // namespace
+
+TEST(DeviceModel, FillsTheObjectOfThatNameAndAlias) {
+    const StoppedClock clock(NOW);
+    const auto cache = MakeCache("00010002");
+    for (const auto& [alias, bigEndian, expected] :
+         {std::tuple{"", true, 65538}, {"", false, 131073}, {"second", true, 2}}) {
+        VortaORBAObject object("id", NAME, alias, nullptr);
+        EXPECT_EQ(Number(MakeModel(bigEndian)->GetVortaObjectValue(cache, false, object)), 0);
+        EXPECT_EQ(object.GetValue()["value"], expected);
+    }
+}
+
+TEST(DeviceModel, WhatItDoesNotHoldIsAStatus) {
+    CapturedLog log;
+    auto model = MakeModel();
+    model->SetModelName("PM");
+    const auto ask = [&](const char* name, const char* alias) {
+        VortaORBAObject object("id", name, alias, "before");
+        const auto status = model->GetVortaObjectValue(nullptr, false, object);
+        EXPECT_EQ(object.GetValue(), "before");
+        return Number(status);
+    };
+    EXPECT_EQ(ask(NAME.c_str(), "third"), 44);
+    EXPECT_EQ(ask("null", ""), 1);
+    EXPECT_EQ(log.Lines().at(0).text,
+              "[Device::DeviceModel][trace] GetVortaObjectValue: VortaObjectAdapter not found for 'PM', iot name ='" +
+                  NAME + "', status = not found (44)");
+    EXPECT_EQ(log.Lines().at(1).text,
+              "[Device::DeviceModel] GetVortaObjectValue: Object adapter is null for 'PM', iot name = 'null'");
+    std::string unit = "before";
+    EXPECT_EQ(Number(model->GetUnit("null", unit)), 44);
+    EXPECT_EQ(unit, "");
+    EXPECT_EQ(Number(model->GetUnit(NAME, unit)), 0);
+    EXPECT_EQ(unit, "A");
+    EXPECT_TRUE(model->GetElements(NAME, "").empty());
+    EXPECT_EQ(model->GetComputedAlarmElement({NAME, ""}), nullptr);
+    EXPECT_EQ(model->GetFrames().size(), 1U);
+    log.Clear();
+    model.reset();
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
+              std::vector<std::string>{"[Device::DeviceModel] DeviceModel::~DeviceModel Called"});
+}
+
+TEST(DeviceModel, OfElementsHasNoObjects) {
+    auto elements = std::make_shared<DeviceModel::Elements>();
+    elements->emplace(DeviceModel::Key{NAME, "a"}, std::make_shared<ElementData>(MakeElement({.code = 3})));
+    elements->emplace(DeviceModel::Key{NAME, "a"}, std::make_shared<ElementData>(MakeElement({.code = 4})));
+    const DeviceModel model(elements, {}, {}, {}, {}, true);
+    EXPECT_EQ(model.GetElements(NAME, "a").size(), 2U);
+    EXPECT_TRUE(model.GetElements(NAME, "").empty());
+    const DeviceModel serving(std::move(elements), {}, nullptr, false);
+    EXPECT_EQ(serving.GetElements(NAME, "a").size(), 2U);
+    VortaORBAObject object("id", NAME, "a", nullptr);
+    EXPECT_EQ(Number(serving.GetVortaObjectValue(nullptr, false, object)), 44);
+    EXPECT_NE(std::hash<ObjectKey>{}({"b", "a"}), std::hash<ObjectKey>{}({"a", "b"}));
+    EXPECT_EQ(pair_hash{}({"b", "a"}), pair_hash{}({"a", "b"}));
+}
+
+TEST(DeviceModel, KeepsWhatItIsToldOfTheDevice) {
+    auto model = MakeModel();
+    EXPECT_FALSE(model->IsEdmType() || model->IsUserDefinedModel());
+    model->SetEdmType();
+    model->SetUserDefinedModel(true);
+    model->SetModelVersion("1.2");
+    model->SetModelBaseConcept(static_cast<edm::ModelBaseConcept>(-7));
+    model->SetIdentification({{"a", "1"}});
+    model->SetIdentification(model->GetIdentification());
+    EXPECT_TRUE(model->IsEdmType() && model->IsUserDefinedModel());
+    EXPECT_EQ(model->GetModelVersion(), "1.2");
+    EXPECT_EQ(model->GetModelBaseConcept(), static_cast<edm::ModelBaseConcept>(-7));
+    EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"a", "1"}}));
+    model->SetIdentification({});
+    EXPECT_TRUE(model->GetIdentification().empty());
+}
+
+// A request that finds the attributes in place allocates for the texts that it writes into them, and for nothing else.
+TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
+    const StoppedClock clock(NOW);
+    const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");
+    const auto model = MakeModel();
+    VortaORBAObject object("id", NAME, "", nullptr);
+    ASSERT_EQ(Number(model->GetVortaObjectValue(cache, false, object)), 0);
+    auto element = MakeElement({.code = 14, .pattern = "0x80000000"});
+    auto quality = QUALITY_GOOD;
+    json value;
+
+    std::size_t before = allocations;
+    ASSERT_EQ(Number(AttributeConverter::GetValueFromElementData(cache, true, false, element, quality, value)), 0);
+    EXPECT_EQ(allocations - before, 0U);
+
+    before = allocations;
+    const json texts[] = {json("Good"), json(std::string(NOW_TEXT))};
+    const std::size_t forTexts = allocations - before;
+    before = allocations;
+    ASSERT_EQ(Number(model->GetVortaObjectValue(cache, false, object)), 0);
+    EXPECT_EQ(allocations - before, forTexts);
+}
+
+TEST(ThreadsDeviceModel, ManyThreadsAskOneModel) {
+    const StoppedClock clock(NOW);
+    const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");
+    const auto model = MakeModel();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 500; ++round) {
+                VortaORBAObject object("id", NAME, "", nullptr);
+                EXPECT_EQ(Number(model->GetVortaObjectValue(cache, false, object)), 0);
+                EXPECT_EQ(object.GetValue()["value"], 65538);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test
