@@ -24,11 +24,11 @@ struct Capture {
 
     std::vector<Snapshot> snapshots;  // in the order of time; at least one
 
-    // Reads a capture made with a profile. Any error (no JSON, an unknown frame, a wrong number of registers, times that
-    // run backwards, ...) is put into `problems`; the capture is then empty. Never throws for the text.
+    // Reads a capture made with a profile. Any error (no JSON, an unknown frame, a wrong number of registers, times
+    // that run backwards, ...) is put into `problems`; the capture is then empty. Never throws for the text.
     static Capture Parse(std::string_view text, const LoadedProfile& profile, Problems& problems);
 
-    // The frames of a cache as they are now.
+    // The frames of a cache as they are now. The snapshot's time is `time`, or that of the newest frame if it is later.
     static Snapshot Take(const RegisterCache& cache, const LoadedProfile& profile, std::uint64_t time);
 
     // The text form that Parse reads.
@@ -36,6 +36,9 @@ struct Capture {
 
     // Puts the frames of a snapshot into a cache. Frames that the snapshot does not hold stay as they are.
     static void Restore(const Snapshot& snapshot, RegisterCache& cache);
+
+    // The JSON Schema (draft 7) of captures.
+    static std::string_view GetSchema();
 };
 
 }  // namespace kzm::ModbusGateway

@@ -15,6 +15,8 @@ public:
     // Null adapters must not occur.
     explicit ObjectGroupAdapter(Adapters adapters);
 
+    const Adapters& GetAdapters() const { return mAdapters; }
+
     // Asks every adapter, whatever the others give; returns the first status that is not 0.
     kz::orba::StatusCode GetObject(
         const std::shared_ptr<ModbusDeviceModel::DeviceCache::CacheReadAccessInterface>& cache, bool deviceBigEndian,

@@ -21,4 +21,7 @@ using Problems = std::vector<Problem>;
 // Whether one of them is an error.
 bool HasError(const Problems& problems);
 
+// Puts them into the order of the lines, each once.
+void SortByLine(Problems& problems);
+
 }  // namespace kzm::ModbusGateway

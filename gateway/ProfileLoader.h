@@ -37,8 +37,8 @@ public:
         Problems problems;
     };
 
-    // Never throws for what stands in the profile. On success the labels of the profile's enumerations are made known to
-    // the platform's label dictionaries. Thread-safe.
+    // Never throws for what stands in the profile. On success the labels of the profile's enumerations are made known
+    // to the platform's label dictionaries. Thread-safe.
     static Result Load(std::string_view text);
 
     // The JSON Schema (draft 7) of profiles.

@@ -1,0 +1,77 @@
+#include "gateway/ProblemText.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <numeric>
+
+namespace kzm::ModbusGateway {
+
+namespace {
+
+constexpr std::size_t LONGEST_CITATION = 40;
+constexpr std::size_t MOST_LISTED_NAMES = 20;
+constexpr std::size_t LONGEST_COMPARED_NAME = 80;
+
+// How many characters must be put in, left out or replaced to make one text of the other.
+std::size_t Distance(std::string_view left, std::string_view right) {
+    std::vector<std::size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < right.size(); ++j) {
+            const std::size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+std::string ListOf(const Names& names) {
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), MOST_LISTED_NAMES); ++i) {
+        list += (i == 0 ? "" : ", ") + Quoted(names[i]);
+    }
+    return names.empty() ? "none" : names.size() > MOST_LISTED_NAMES ? list + ", ..." : list;
+}
+
+std::string Cited(const nlohmann::json& value) {
+    if (value.is_structured()) {
+        return value.is_array() ? "this list" : "this object";
+    }
+    std::string text = value.dump();
+    if (text.size() > LONGEST_CITATION) {
+        std::size_t end = LONGEST_CITATION;
+        while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {  // not within a UTF-8 sequence
+            --end;
+        }
+        text = text.substr(0, end) + "...";
+    }
+    return text;
+}
+
+std::string Alternatives(std::string_view unknown, const Names& known, const std::string& allowed) {
+    std::size_t least = std::max<std::size_t>(2, unknown.size() / 3) + 1;
+    std::string nearest;
+    for (const auto& name : known) {
+        if (std::max(name.size(), unknown.size()) > LONGEST_COMPARED_NAME) {
+            continue;
+        }
+        const std::size_t distance = Distance(unknown, name);
+        if (distance < least) {
+            least = distance;
+            nearest = name;
+        }
+    }
+    return (nearest.empty() ? "; allowed: " : "; did you mean " + Quoted(nearest) + "? Allowed: ") +
+           (allowed.empty() ? ListOf(known) : allowed);
+}
+
+}  // namespace kzm::ModbusGateway
