@@ -1,6 +1,7 @@
 #include "DataModel/ElementData.h"
 
 #include <algorithm>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -69,19 +70,18 @@ bool ElementData::Build(unsigned char* buffer, unsigned int length, bool deviceB
     if (MustSwapWords(deviceBigEndian)) {
         WordSwap(buffer, length);
     }
-    if (mValidityCheckEnabled && (!mValidityStatus || mValidityStatus->size() / 2 != length + 1)) {
+    if (mValidityCheckEnabled && !HasPatternFor(length)) {
         value = nullptr;
         return true;
     }
-    if (!mBitmask || mBitmask->size() < length) {
-        KZM_LOG(ERROR, "[%s] Bitmask has %zu bytes for %u bytes of data", __func__, mBitmask ? mBitmask->size() : 0,
-                length);
+    if (!HasMaskFor(length)) {
         return false;
     }
-    if (MatchesPatternWhileMasking(buffer, length)) {
+    if (mValidityCheckEnabled && MatchesPattern(buffer, length)) {
         value = nullptr;
         return true;
     }
+    MaskBytes(buffer, length);
     invalid = false;
     myData data;
     Gather(buffer, length, data);
@@ -94,16 +94,30 @@ bool ElementData::MustSwapWords(bool deviceBigEndian) const {
            IsLogicCodeManageInLittleEndian(mLogicCode);
 }
 
-bool ElementData::MatchesPatternWhileMasking(unsigned char* buffer, unsigned int length) const {
-    bool matches = mValidityCheckEnabled;
-    for (unsigned int i = 0; i < length; ++i) {
-        if (matches) {
-            // Two characters fit into the string object itself: no allocation.
-            matches = std::stoi(mValidityStatus->substr(2 + 2 * std::size_t{i}, 2), nullptr, 16) == buffer[i];
+bool ElementData::HasPatternFor(unsigned int length) const {
+    return mValidityStatus && mValidityStatus->size() / 2 == std::size_t{length} + 1;
+}
+
+bool ElementData::MatchesPattern(const unsigned char* buffer, unsigned int length) const {
+    for (std::size_t i = 0; i < length; ++i) {
+        // Two characters fit into the string object itself: no allocation.
+        if (std::stoi(mValidityStatus->substr(2 + 2 * i, 2), nullptr, 16) != buffer[i]) {
+            return false;
         }
-        buffer[i] &= (*mBitmask)[i];
     }
-    return matches;
+    return true;
+}
+
+bool ElementData::HasMaskFor(unsigned int length) const {
+    if (mBitmask && mBitmask->size() >= length) {
+        return true;
+    }
+    KZM_LOG(ERROR, "[%s] Bitmask has %zu bytes for %u bytes of data", "Build", mBitmask ? mBitmask->size() : 0, length);
+    return false;
+}
+
+void ElementData::MaskBytes(unsigned char* buffer, unsigned int length) const {
+    std::transform(buffer, buffer + length, mBitmask->begin(), buffer, std::bit_and<unsigned char>());
 }
 
 void ElementData::Gather(unsigned char* buffer, unsigned int length, myData& data) const {

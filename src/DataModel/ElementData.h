@@ -105,6 +105,11 @@ public:
     static void SanitiseUTF8Sequence(std::string& text);
 
 protected:
+    // False, with a log line, for a mask that is missing or shorter than the bytes.
+    bool HasMaskFor(unsigned int length) const;
+    // ANDs every byte with its mask byte.
+    void MaskBytes(unsigned char* buffer, unsigned int length) const;
+
     // Converts a gathered record by the logic code. False: the code has no conversion, nothing is touched. True: as
     // Build.
     bool ApplyLogicConversion(int request, myData& data, bool& invalid, nlohmann::json& value,
@@ -120,7 +125,8 @@ protected:
 
 private:
     bool MustSwapWords(bool deviceBigEndian) const;
-    bool MatchesPatternWhileMasking(unsigned char* buffer, unsigned int length) const;
+    bool HasPatternFor(unsigned int length) const;
+    bool MatchesPattern(const unsigned char* buffer, unsigned int length) const;
     void Gather(unsigned char* buffer, unsigned int length, myData& data) const;
     double Scale(double raw) const;
     std::uint32_t MaskOfBits(unsigned int bits) const;

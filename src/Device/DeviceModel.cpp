@@ -1,5 +1,8 @@
 #include "Device/DeviceModel.h"
 
+#include "DataModel/ComputedAlarmElement.h"
+#include "Device/CustomAlarmObject.h"
+#include "Device/DynamicVorta.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 #include "kz/orba/VortaORBAObject.h"
@@ -9,7 +12,6 @@ namespace kzm::ModbusDeviceModel::Device {
 namespace {
 
 constexpr const char* LOG_MODULE = "Device::DeviceModel";
-constexpr std::size_t OBJECT_CATEGORIES = 9;
 
 }  // namespace
 
@@ -60,8 +62,49 @@ std::vector<std::shared_ptr<DataModel::ElementData>> DeviceModel::GetElements(co
     return elements;
 }
 
+ServiceMapping DeviceModel::GetServiceMapping(const std::string& name, const std::string& alias) const {
+    if (!mServiceSources) {
+        KZM_LOG(WARNING, "DeviceModel::GetServiceMapping %s.%s NOT FOUND (NO SERVICE MAPPING)", name.c_str(),
+                alias.c_str());
+        return ServiceMapping(mFrames);
+    }
+    const auto found = mServiceSources->find({name, alias});
+    if (found == mServiceSources->end() || !found->second) {
+        KZM_LOG(WARNING, "DeviceModel::GetServiceMapping %s.%s NOT FOUND", name.c_str(), alias.c_str());
+        return ServiceMapping(mFrames);
+    }
+    KZM_LOG(INFORMATION, "DeviceModel::GetServiceMapping %s.%s found", name.c_str(), alias.c_str());
+    return ServiceMapping(*found->second, mFrames);
+}
+
 const std::vector<DeviceProfile::FrameData>& DeviceModel::GetFrames() const {
     return mFrames;
+}
+
+kz::orba::StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
+    const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
+    kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const {
+    const auto alarm = GetComputedAlarmElement({object.GetName(), object.GetAlias()});
+    if (!alarm) {
+        const auto& id = object.GetId();
+        KZM_LOG(ERROR, "[%s] Custom alarm not found : %s", __func__, id.c_str());
+        return Status::INVALID_ARGUMENT;
+    }
+    CustomAlarmObject structure(object.GetValue());
+    structure.WriteIdentity(*alarm);
+    if (!structure.HasState()) {
+        KZM_LOG(ERROR, "[%s] Missing elements in custom device VORTA response structure", __func__);
+        return Status::OUT_OF_RANGE;
+    }
+    auto quality = DeviceCache::QUALITY_BAD;
+    nlohmann::json state;
+    const auto status = alarm->BuildVortaObjectValue(cache, IsBigEndian(), ignoreCacheAge, previous, quality, state);
+    // A chain that gives no boolean is a success without a state.
+    if (status == Status::SUCCESS && !state.is_null()) {
+        structure.WriteState(std::move(state));
+    }
+    structure.WriteQuality(quality);
+    return status;
 }
 
 kz::orba::StatusCode DeviceModel::GetVortaObjectValue(
@@ -98,6 +141,15 @@ kz::orba::StatusCode DeviceModel::GetUnit(const std::string& name, std::string& 
     return Status::SUCCESS;
 }
 
+kz::orba::StatusCode DeviceModel::GetComputedAlarmInstantaneousness(const Key& key, bool& instantaneous) const {
+    const auto alarm = GetComputedAlarmElement(key);
+    if (!alarm) {
+        return Status::OUT_OF_RANGE;
+    }
+    instantaneous = !alarm->IsHasChangedAlarm();
+    return Status::SUCCESS;
+}
+
 std::shared_ptr<DataModel::ComputedAlarmElement> DeviceModel::GetComputedAlarmElement(const Key& key) const {
     const auto found = mComputedAlarms.find(key);
     return found == mComputedAlarms.end() ? nullptr : found->second;
@@ -105,11 +157,27 @@ std::shared_ptr<DataModel::ComputedAlarmElement> DeviceModel::GetComputedAlarmEl
 
 void DeviceModel::SetEdmType() {
     mEdmType = true;
-    mSubgraphs.resize(OBJECT_CATEGORIES);
+    mSubgraphs.resize(VORTA_OBJECT_CATEGORIES);
 }
 
 bool DeviceModel::IsEdmType() const {
     return mEdmType;
+}
+
+const std::vector<std::string>& DeviceModel::GetVortaSubgraph(VortaObjectCategory category) const {
+    return DynamicVorta::GetVortaSubgraph(mSubgraphs, category);
+}
+
+bool DeviceModel::FindObject(VortaObjectCategory category, const std::string& name) const {
+    return DynamicVorta::FindObject(mSubgraphs, category, name);
+}
+
+void DeviceModel::SetVortaSubgraph(VortaObjectCategory category, const std::vector<std::string>& names) {
+    DynamicVorta::SetVortaSubgraph(mSubgraphs, category, names);
+}
+
+bool DeviceModel::IsSubgraphAvailable(VortaObjectCategory category) const {
+    return DynamicVorta::IsSubgraphAvailable(mSubgraphs, category);
 }
 
 void DeviceModel::SetModelName(const std::string& modelName) {

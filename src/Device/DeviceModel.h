@@ -8,10 +8,6 @@
 #include "DataModel/pair_hash.h"
 #include "Device/IDeviceModel.h"
 
-namespace kzm::ModbusDeviceModel::DataModel {
-struct ServiceSourceMapping;
-}
-
 namespace kzm::ModbusDeviceModel::Device {
 
 // The device model that a profile loader builds. Neither copied nor moved; see IDeviceModel for its operations.
@@ -39,14 +35,23 @@ public:
 
     std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
                                                                      const std::string& alias) const override;
+    ServiceMapping GetServiceMapping(const std::string& name, const std::string& alias) const override;
     const std::vector<DeviceProfile::FrameData>& GetFrames() const override;
+    kz::orba::StatusCode GetCustomAlarmVortaObjectValue(
+        const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
+        kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const override;
     kz::orba::StatusCode GetVortaObjectValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                              bool ignoreCacheAge, kz::orba::VortaORBAObject& object) const override;
     bool IsBigEndian() const override;
     kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const override;
+    kz::orba::StatusCode GetComputedAlarmInstantaneousness(const Key& key, bool& instantaneous) const override;
     std::shared_ptr<DataModel::ComputedAlarmElement> GetComputedAlarmElement(const Key& key) const override;
     void SetEdmType() override;
     bool IsEdmType() const override;
+    const std::vector<std::string>& GetVortaSubgraph(VortaObjectCategory category) const override;
+    bool FindObject(VortaObjectCategory category, const std::string& name) const override;
+    void SetVortaSubgraph(VortaObjectCategory category, const std::vector<std::string>& names) override;
+    bool IsSubgraphAvailable(VortaObjectCategory category) const override;
     ~DeviceModel() override;
     void SetModelName(const std::string& modelName) override;
     const std::string& GetModelName() const override;

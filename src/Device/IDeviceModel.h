@@ -7,7 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "DataModel/ComputedAlarmPreviousMeasurement.h"
 #include "DataModel/ElementData.h"
+#include "Device/ServiceMapping.h"
+#include "Device/VortaObjectCategory.h"
 #include "DeviceCache/CacheReadAccessInterface.h"
 #include "DeviceProfile/FrameData.h"
 #include "Export.h"
@@ -30,8 +33,20 @@ public:
     // Every element stored under (name, alias); empty where there is none.
     virtual std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
                                                                              const std::string& alias) const = 0;
+    // The elements of the service that handles (name, alias), bound to the model's frames; the frames alone where no
+    // such service is known (logged as a warning). The mapping must not outlive the model.
+    virtual ServiceMapping GetServiceMapping(const std::string& name, const std::string& alias) const = 0;
     // The device's read frames, in the order of their indexes.
     virtual const std::vector<DeviceProfile::FrameData>& GetFrames() const = 0;
+    // Evaluates the computed alarm that `object` names by its name and alias and writes it into the object's
+    // custom-alarm structure, as far as its leaves are there: name, description, type, criticality, and of the state
+    // the value, the date-time (both only for status 0) and the quality. `previous` is the caller's map of previous
+    // values; evaluations that share one are serialised by the caller. 1: no such alarm, nothing written. 28: no
+    // "elements", nothing written; or no "state", only the identity written. Otherwise the status of
+    // ComputedAlarmElement::BuildVortaObjectValue. 1 for a missing alarm and 28 are logged.
+    virtual kz::orba::StatusCode GetCustomAlarmVortaObjectValue(
+        const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
+        kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const = 0;
     // Fills the object that `object` names by its name and alias. `ignoreCacheAge`: see AttributeAdapter.
     // 44: no such object. 1: its adapter is null (logged). In both cases `object` is untouched. Otherwise what the
     // adapter returns; see SimpleObjectAdapter and DataObjectAdapter for what `object` then holds.
@@ -42,12 +57,20 @@ public:
     virtual bool IsBigEndian() const = 0;
     // The unit of a measurement, e.g. "A". 44, and an empty text, where none is known.
     virtual kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const = 0;
+    // Whether an alarm holds a state rather than reports a change. 28, and the output untouched, for an unknown alarm.
+    virtual kz::orba::StatusCode GetComputedAlarmInstantaneousness(const std::pair<std::string, std::string>& key,
+                                                                   bool& instantaneous) const = 0;
     // Null where there is no such alarm.
     virtual std::shared_ptr<DataModel::ComputedAlarmElement> GetComputedAlarmElement(
         const std::pair<std::string, std::string>& key) const = 0;
     // Marks the model as one of a dynamic class and gives it exactly nine sub-graphs; surplus ones are dropped.
     virtual void SetEdmType() = 0;
     virtual bool IsEdmType() const = 0;
+    // The sub-graphs of a device of a dynamic class; see DynamicVorta.
+    virtual const std::vector<std::string>& GetVortaSubgraph(VortaObjectCategory category) const = 0;
+    virtual bool FindObject(VortaObjectCategory category, const std::string& name) const = 0;
+    virtual void SetVortaSubgraph(VortaObjectCategory category, const std::vector<std::string>& names) = 0;
+    virtual bool IsSubgraphAvailable(VortaObjectCategory category) const = 0;
     virtual ~IDeviceModel();
     virtual void SetModelName(const std::string& modelName) = 0;
     virtual const std::string& GetModelName() const = 0;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace kzm::DataHandler::Alarm {
+
+// The gateway's alarm engine, as far as others need to know it.
+class Engine {
+public:
+    // How often the engine evaluates every alarm, in seconds.
+    static constexpr std::uint16_t EXPECTED_ALARM_PROCESSING_TIME_SEC = 30;
+};
+
+}  // namespace kzm::DataHandler::Alarm

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+#include "kz/orba/StatusCode.h"
+#include "kzm/Platform/Export.h"
+
+namespace kzm::Json {
+
+class KZM_PLATFORM_EXPORT Parser {
+public:
+    // Copies the value of a key of a parameter object. NOT_FOUND, and `value` left alone, for a missing key and for
+    // parameters that are no object. Thread-safe.
+    static kz::orba::StatusCode CheckAndParse(const nlohmann::json& parameters, const std::string& key,
+                                              nlohmann::json& value);
+};
+
+}  // namespace kzm::Json

@@ -1,0 +1,146 @@
+#include "DataModel/AttributeProcessor.h"
+
+#include <utility>
+
+#include "Support/Log.h"
+#include "Support/Status.h"
+#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
+#include "kzm/edm/dictionary/EdmEnumToIotValue.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+using edm::dictionary::EdmEnumToEdmValue;
+using edm::dictionary::EdmEnumToIotValue;
+using kz::orba::StatusCode;
+using nlohmann::json;
+
+namespace {
+
+constexpr const char* LOG_MODULE = "DataModel::AttributeProcessor";
+constexpr const char* GET_VALUE = "GetValue";
+const std::string NO_URN;
+
+}  // namespace
+
+AttributeProcessor::AttributeProcessor(const Inputs& inputs, std::shared_ptr<ProcessingChain> chain)
+    : mInputs(inputs), mChain(std::move(chain)) {}
+
+AttributeProcessor::~AttributeProcessor() = default;
+
+StatusCode AttributeProcessor::GetIotValue(const std::string& urn, const Cache& cache, bool deviceBigEndian,
+                                           bool ignoreCacheAge, DeviceCache::_Quality_t& quality, json& value) {
+    return GetValue(cache, deviceBigEndian, ignoreCacheAge, quality, value, /*edm=*/false, urn);
+}
+
+StatusCode AttributeProcessor::GetEdmValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
+                                           DeviceCache::_Quality_t& quality, json& value) {
+    return GetValue(cache, deviceBigEndian, ignoreCacheAge, quality, value, /*edm=*/true, NO_URN);
+}
+
+StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
+                                        DeviceCache::_Quality_t& quality, json& value, bool edm,
+                                        const std::string& urn) {
+    quality = DeviceCache::QUALITY_GOOD;
+    KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
+    json parameters = json::object();
+    auto status = ReadInputs(cache, deviceBigEndian, ignoreCacheAge, quality, parameters);
+    if (status != Status::SUCCESS) {
+        return status;
+    }
+    json result;
+    status = mChain ? mChain->Execute(parameters, result) : Status::INVALID_ARGUMENT;
+    if (status != Status::SUCCESS) {
+        KZM_LOG(ERROR, "[%s] Processing chain execution failed, status = %s", GET_VALUE, Logging::Text(status).c_str());
+        return status;
+    }
+    if (!mChain->HasEnumOutput()) {
+        value = result;
+    } else {
+        status = TranslateResult(result, value, edm, urn);
+        if (status != Status::SUCCESS) {
+            KZM_LOG(ERROR, "[%s] Failed to convert result %s to iot value, status = %s", GET_VALUE,
+                    Logging::Text(result).c_str(), Logging::Text(status).c_str());
+            return status;
+        }
+    }
+    KZM_LOG_TRACE(
+        "[%s] Executed processing chain '%s' with parameters=%s, result=%s, value=%s, quality=%s, status = %s",
+        GET_VALUE, mChain->GetName().c_str(), Logging::Text(parameters).c_str(), Logging::Text(result).c_str(),
+        Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
+    return status;
+}
+
+StatusCode AttributeProcessor::ReadInputs(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
+                                          DeviceCache::_Quality_t& quality, json& parameters) const {
+    auto status = Status::INVALID_ARGUMENT;
+    for (const auto& [name, adapter] : mInputs) {
+        if (!adapter) {
+            KZM_LOG(ERROR, "[%s] Missing input value for input='%s'", GET_VALUE, name.c_str());
+            continue;
+        }
+        auto inputQuality = DeviceCache::QUALITY_UNINITIALISED;
+        json value;
+        status = adapter->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, inputQuality, value);
+        if (status != Status::SUCCESS) {
+            KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
+                       "[%s] GetEdmValue failed for input='%s', quality='%s', value='%s', status = %s", GET_VALUE,
+                       name.c_str(), ConvertToString(inputQuality).c_str(), Logging::Text(value).c_str(),
+                       Logging::Text(status).c_str());
+            return status;
+        }
+        if (inputQuality == DeviceCache::QUALITY_BAD) {
+            quality = DeviceCache::QUALITY_BAD;
+            KZM_LOG(ERROR, "[%s] Bad quality for input='%s'", GET_VALUE, name.c_str());
+        }
+        parameters[name] = std::move(value);
+    }
+    return status;
+}
+
+StatusCode AttributeProcessor::TranslateResult(const json& result, json& value, bool edm,
+                                               const std::string& urn) const {
+    if (!result.is_string()) {
+        return Status::INVALID_ARGUMENT;
+    }
+    const auto& label = result.get_ref<const std::string&>();
+    return edm ? EdmEnumToEdmValue::ConvertEdmEnumToEdmValue(label, value)
+               : EdmEnumToIotValue::ConvertEdmEnumToIotValue(urn, label, value);
+}
+
+StatusCode AttributeProcessor::ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) {
+    if (mInputs.empty()) {
+        return Status::INVALID_ARGUMENT;
+    }
+    for (const auto& [name, adapter] : mInputs) {
+        if (!adapter) {
+            KZM_LOG(ERROR, "[%s]: Input value is null, status = %s", __func__,
+                    Logging::Text(Status::INVALID_ARGUMENT).c_str());
+            return Status::INVALID_ARGUMENT;
+        }
+        // A data object adapter replaces the set that it is handed; what the others added must stay.
+        std::set<std::uint8_t> inputsFrames;
+        const auto status = adapter->ComputeAndGetFrameIndexes(inputsFrames);
+        frameIndexes.merge(inputsFrames);
+        if (status != Status::SUCCESS) {
+            KZM_LOG(ERROR, "[%s]: Failed to get frames for '%s', status = %s", __func__, name.c_str(),
+                    Logging::Text(status).c_str());
+            return status;
+        }
+    }
+    return Status::SUCCESS;
+}
+
+StatusCode AttributeProcessor::GetClassName(std::string&) const {
+    return Status::NOT_SUPPORTED;
+}
+
+Device::ModbusMeasurementInformation AttributeProcessor::GetModbusMeasurementInformation() const {
+    KZM_LOG(ERROR, "[%s] Should not be called, empty value returned", __func__);
+    return {};
+}
+
+bool AttributeProcessor::HasEnumOutput() const {
+    return false;
+}
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

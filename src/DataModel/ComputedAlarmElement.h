@@ -1,0 +1,75 @@
+#pragma once
+
+#include "DataModel/ComputedAlarmOperand.h"
+#include "DataModel/ProcessingChain.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+// An alarm that the device does not report itself: a processing chain compares two operands. With a previous
+// measurement as one operand it reports a change. Evaluations run on many threads at once, each with its own map of
+// previous values; the setters must not run beside them.
+class KZM_MODBUS_EXPORT ComputedAlarmElement {
+public:
+    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;
+
+    // `hasChangedAlarm`: the alarm is momentary, it reports a change and holds no state. `priority`: "LOW", "MEDIUM" or
+    // "HIGH".
+    ComputedAlarmElement(std::string name, bool hasChangedAlarm, std::string priority, std::string description,
+                         std::string type, std::shared_ptr<ProcessingChain> processingChain,
+                         std::shared_ptr<ComputedAlarmOperand> leftOperand,
+                         std::shared_ptr<ComputedAlarmOperand> rightOperand);
+
+    const std::string& GetName() const { return mName; }
+    const std::string& GetDescription() const { return mDescription; }
+    void SetDescription(const std::string& description) { mDescription = description; }
+    const std::string& GetType() const { return mType; }
+    void SetType(const std::string& type) { mType = type; }
+    const std::string& GetPriority() const { return mPriority; }
+    void SetPriority(const std::string& priority) { mPriority = priority; }
+    bool IsHasChangedAlarm() const { return mHasChangedAlarm; }
+
+    // Evaluates the alarm, then keeps the measurement of a has-changed alarm in `previous`, whatever the outcome.
+    //
+    // 0: `value` is "Active" or "Inactive" and `quality` that of the operands together; "Inactive" with quality Bad
+    // while there is no usable previous value. Also 0, with `value` untouched and `quality` Bad, when the chain gives
+    // no boolean. 42: a measurement is Bad or missing. 1: an operand failed otherwise, or an operand or the chain is
+    // null. Any other: the chain's status. In these cases `value` is untouched and `quality` Bad.
+    kz::orba::StatusCode BuildVortaObjectValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
+                                               const PreviousMeasurements& previous, DeviceCache::_Quality_t& quality,
+                                               nlohmann::json& value);
+
+    // Keeps the value of the measurement that stands opposite to a previous-measurement operand, if its status is 0.
+    void UpdatePreviousValues(const nlohmann::json& leftValue, const DeviceCache::_Quality_t& leftQuality,
+                              const kz::orba::StatusCode& leftStatus, const nlohmann::json& rightValue,
+                              const DeviceCache::_Quality_t& rightQuality, const kz::orba::StatusCode& rightStatus,
+                              const PreviousMeasurements& previous) const;
+
+    // The frames of both operands.
+    std::set<std::uint8_t> GetFrameIndexes();
+
+    // Bad unless both are Good or Questionable; Questionable as soon as one is; else Good.
+    static DeviceCache::_Quality_t GetQualityFromOperands(const DeviceCache::_Quality_t& left,
+                                                          const DeviceCache::_Quality_t& right);
+    static bool IsOperandQualityBadOrValueMissing(const DeviceCache::_Quality_t& quality,
+                                                  const kz::orba::StatusCode& status);
+
+private:
+    struct Reading;
+    kz::orba::StatusCode Evaluate(const Reading& left, const Reading& right, DeviceCache::_Quality_t& quality,
+                                  nlohmann::json& value) const;
+    kz::orba::StatusCode Compare(const Reading& left, const Reading& right, DeviceCache::_Quality_t& quality,
+                                 nlohmann::json& value) const;
+    void KeepValue(const ComputedAlarmOperand& previousOperand, const nlohmann::json& value,
+                   DeviceCache::_Quality_t quality, std::uint64_t now, const PreviousMeasurements& previous) const;
+
+    std::string mName;
+    bool mHasChangedAlarm;
+    std::string mPriority;
+    std::string mDescription;
+    std::string mType;
+    std::shared_ptr<ProcessingChain> mProcessingChain;
+    std::shared_ptr<ComputedAlarmOperand> mLeftOperand;
+    std::shared_ptr<ComputedAlarmOperand> mRightOperand;
+};
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

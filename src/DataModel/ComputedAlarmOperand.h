@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "DataModel/ComputedAlarmPreviousMeasurement.h"
+#include "DeviceCache/CacheReadAccessInterface.h"
+#include "Export.h"
+#include "kz/orba/StatusCode.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+enum class ComputedAlarmOperandType : std::int32_t {
+    CONSTANT = 0,
+    MEASUREMENT = 1,
+    PREVIOUS_MEASUREMENT = 2,
+};
+
+// One side of the comparison that a computed alarm is. Immutable; evaluated by many threads at once. Never logs.
+class KZM_MODBUS_EXPORT ComputedAlarmOperand {
+public:
+    virtual ~ComputedAlarmOperand();
+
+    // The frames that the operand reads; nothing for an operand that reads none.
+    virtual std::optional<std::set<std::uint8_t>> GetFrameIndexes() const;
+    // The name under which an earlier value is kept; nothing for an operand without one.
+    virtual std::optional<std::string> GetPreviousValueName() const;
+    // 0: `quality` and `value` are set. 42: the value is missing, with the outputs untouched but for what reading the
+    // cache left in them.
+    virtual kz::orba::StatusCode GetValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
+                                          bool deviceBigEndian, bool ignoreCacheAge,
+                                          const PreviousMeasurements& previous, const std::string& alarmName,
+                                          DeviceCache::_Quality_t& quality, nlohmann::json& value) const = 0;
+
+    // The key of the operand's value in the parameters of the alarm's processing chain.
+    const std::string& GetName() const { return mName; }
+    ComputedAlarmOperandType GetType() const { return mType; }
+
+protected:
+    ComputedAlarmOperand(std::string name, ComputedAlarmOperandType type);
+
+private:
+    std::string mName;
+    ComputedAlarmOperandType mType;
+};
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

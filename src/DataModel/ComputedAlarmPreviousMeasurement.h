@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "DeviceCache/Quality.h"
+
+namespace kzm::ModbusDeviceModel::DataModel {
+
+// A measurement as it was at an earlier evaluation of a computed alarm.
+struct ComputedAlarmPreviousMeasurement {
+    nlohmann::json value;
+    DeviceCache::_Quality_t quality = DeviceCache::QUALITY_UNINITIALISED;
+    std::uint64_t timestamp = 0;  // when it was stored: milliseconds since 1970
+};
+
+// The previous values that the caller keeps between evaluations, by the alarm's name followed by the operand's
+// previous-value name. Evaluations change it in place: those that share one map are serialised by the caller.
+using PreviousMeasurements = std::shared_ptr<std::map<std::string, ComputedAlarmPreviousMeasurement>>;
+
+}  // namespace kzm::ModbusDeviceModel::DataModel

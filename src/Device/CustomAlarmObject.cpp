@@ -1,0 +1,60 @@
+#include "Device/CustomAlarmObject.h"
+
+#include <utility>
+
+#include "kzm/DateTime/DateTime.h"
+
+namespace kzm::ModbusDeviceModel::Device {
+
+using nlohmann::json;
+
+namespace {
+
+constexpr const char* STATE = "state";
+
+json* FindMember(json* parent, const char* key) {
+    if (parent == nullptr || !parent->is_object()) {
+        return nullptr;
+    }
+    const auto found = parent->find(key);
+    return found == parent->end() ? nullptr : &*found;
+}
+
+const char* CriticalityOf(const std::string& priority) {
+    if (priority == "HIGH") {
+        return "High";
+    }
+    return priority == "MEDIUM" ? "Medium" : "Low";
+}
+
+}  // namespace
+
+CustomAlarmObject::CustomAlarmObject(json& value) : mElements(FindMember(&value, "elements")) {}
+
+bool CustomAlarmObject::HasState() const {
+    return FindMember(mElements, STATE) != nullptr;
+}
+
+void CustomAlarmObject::WriteIdentity(const DataModel::ComputedAlarmElement& alarm) {
+    Write("customer_alarm_name", "value", alarm.GetName());
+    Write("customer_alarm_description", "value", alarm.GetDescription());
+    Write("type", "value", alarm.GetType());
+    Write("criticality", "value", CriticalityOf(alarm.GetPriority()));
+}
+
+void CustomAlarmObject::WriteState(json&& state) {
+    Write(STATE, "value", std::move(state));
+    Write(STATE, "datetime", DateTime::DateTime::GetCalendarTime());
+}
+
+void CustomAlarmObject::WriteQuality(DeviceCache::_Quality_t quality) {
+    Write(STATE, "quality", ConvertToString(quality));
+}
+
+void CustomAlarmObject::Write(const char* element, const char* leaf, json&& value) {
+    if (json* const place = FindMember(FindMember(mElements, element), leaf)) {
+        *place = std::move(value);
+    }
+}
+
+}  // namespace kzm::ModbusDeviceModel::Device

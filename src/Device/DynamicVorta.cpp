@@ -1,0 +1,33 @@
+#include "Device/DynamicVorta.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kzm::ModbusDeviceModel::Device {
+
+void DynamicVorta::SetVortaSubgraph(Table& table, VortaObjectCategory category, const std::vector<std::string>& names) {
+    if (table.size() < VORTA_OBJECT_CATEGORIES) {
+        table.resize(VORTA_OBJECT_CATEGORIES);
+    }
+    auto& subgraph = table.at(static_cast<std::size_t>(category));
+    subgraph = names;
+    std::sort(subgraph.begin(), subgraph.end());
+    subgraph.shrink_to_fit();
+}
+
+const std::vector<std::string>& DynamicVorta::GetVortaSubgraph(const Table& table, VortaObjectCategory category) {
+    static const std::vector<std::string> NONE;
+    return IsSubgraphAvailable(table, category) ? table.at(static_cast<std::size_t>(category)) : NONE;
+}
+
+bool DynamicVorta::IsSubgraphAvailable(const Table& table, VortaObjectCategory category) {
+    const auto index = static_cast<std::size_t>(category);
+    return index < table.size() && !table[index].empty();
+}
+
+bool DynamicVorta::FindObject(const Table& table, VortaObjectCategory category, const std::string& name) {
+    const auto& subgraph = GetVortaSubgraph(table, category);
+    return std::binary_search(subgraph.begin(), subgraph.end(), name);
+}
+
+}  // namespace kzm::ModbusDeviceModel::Device

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+
+#include "dictionary/StructureTemplate.h"
+
+// What the structure templates consist of. The templates are built from these rows, and the dictionary's rows are held
+// against them at compile time.
+namespace kz::orba::VortaExtensionModbus::Device::Structures {
+
+inline constexpr std::string_view OUTER_MEMBER = "IoTElementDynamicClassForDevice";
+inline constexpr std::string_view READ_ONLY = "Ro";
+inline constexpr std::string_view READ_WRITE = "Rw";
+
+using Members = std::array<std::string_view, 5>;  // unused ones are empty
+
+struct ValueTemplate {
+    StructureTemplate structure;
+    std::string_view mode;
+    Members members;  // beside "_id", "name", "value" and "mode"
+};
+
+struct AlarmTemplate {
+    StructureTemplate structure;
+    std::string_view criticality;
+    std::string_view type;
+    unsigned groups;  // of sub-elements, beside those of EVERY alarm
+};
+
+// Which alarms a sub-element belongs to.
+enum Group : unsigned { EVERY = 0, HANDLING = 1, PHASES = 2, THRESHOLD = 4 };
+
+struct SubElement {
+    Group group;
+    std::string_view key;
+    std::string_view name;
+    Members members;  // beside "name", "value" and "mode"
+};
+
+// clang-format off
+inline constexpr ValueTemplate VALUES[] = {
+    {StructureTemplate::MEASUREMENT,       READ_ONLY,  {"datetime", "quality", "unit"}},
+    {StructureTemplate::TIMESTAMPED_VALUE, READ_ONLY,  {"datetime", "quality"}},
+    {StructureTemplate::ENUMERATED_VALUE,  READ_WRITE, {"locked", "enum", "quality"}},
+    {StructureTemplate::PLAIN_VALUE,       READ_ONLY,  {"quality"}},
+    {StructureTemplate::STEPPED_VALUE,     READ_WRITE, {"locked", "min", "max", "step", "quality"}},
+    {StructureTemplate::UNIT_VALUE,        READ_ONLY,  {"unit", "quality"}},
+};
+
+inline constexpr AlarmTemplate ALARMS[] = {
+    {StructureTemplate::HIGH_PROTECTION_PHASES_THRESHOLD, "High",   "Protection",  PHASES | THRESHOLD},
+    {StructureTemplate::MEDIUM_HEALTH_HANDLED,            "Medium", "AssetHealth", HANDLING},
+    {StructureTemplate::HIGH_PROTECTION_PHASES,           "High",   "Protection",  PHASES},
+    {StructureTemplate::HIGH_PROTECTION,                  "High",   "Protection",  EVERY},
+    {StructureTemplate::LOW_PROTECTION,                   "Low",    "Protection",  EVERY},
+    {StructureTemplate::HIGH_HEALTH,                      "High",   "AssetHealth", EVERY},
+    {StructureTemplate::MEDIUM_HEALTH,                    "Medium", "AssetHealth", EVERY},
+    {StructureTemplate::LOW_HEALTH,                       "Low",    "AssetHealth", EVERY},
+    {StructureTemplate::MEDIUM_PROTECTION,                "Medium", "Protection",  EVERY},
+    {StructureTemplate::HIGH_PROTECTION_HANDLED,          "High",   "Protection",  HANDLING},
+    {StructureTemplate::LOW_HEALTH_HANDLED,               "Low",    "AssetHealth", HANDLING},
+    {StructureTemplate::HIGH_HEALTH_HANDLED,              "High",   "AssetHealth", HANDLING},
+    {StructureTemplate::LOW_PROTECTION_HANDLED,           "Low",    "Protection",  HANDLING},
+};
+
+inline constexpr SubElement SUB_ELEMENTS[] = {
+    {EVERY,     "state",                          "Alarm.ActiveState",                                  {"datetime", "quality"}},
+    {EVERY,     "criticality",                    "Alarm.Criticality",                                  {}},
+    {EVERY,     "type",                           "Alarm.Type",                                         {}},
+    {HANDLING,  "acknowledgment_state",           "Alarm.AcknowledgmentState",                          {"datetime"}},
+    {HANDLING,  "shelve_state",                   "Alarm.ShelveState",                                  {"datetime"}},
+    {HANDLING,  "detection_state",                "Alarm.DetectionState",                               {"datetime"}},
+    {HANDLING,  "confirmation_state",             "Alarm.ConfirmationState",                            {"datetime"}},
+    {PHASES,    "snapshot_rms_current_phs_a",     "ElectricalMeasurement.SnapshotRmsCurrentPhsA",       {"datetime", "quality", "unit"}},
+    {PHASES,    "snapshot_rms_current_phs_b",     "ElectricalMeasurement.SnapshotRmsCurrentPhsB",       {"datetime", "quality", "unit"}},
+    {PHASES,    "snapshot_rms_current_phs_c",     "ElectricalMeasurement.SnapshotRmsCurrentPhsC",       {"datetime", "quality", "unit"}},
+    {THRESHOLD, "snapshot_overcurrent_threshold", "ElectricalMeasurement.SnapshotOverCurrentThreshold", {"datetime", "quality", "unit"}},
+};
+// clang-format on
+
+template <typename Template, std::size_t N>
+constexpr const Template* Find(const Template (&templates)[N], StructureTemplate structure) {
+    const auto* found = std::find_if(std::begin(templates), std::end(templates),
+                                     [&](const Template& row) { return row.structure == structure; });
+    return found == std::end(templates) ? nullptr : found;
+}
+
+constexpr bool Has(const Members& members, std::string_view name) {
+    return std::find(members.begin(), members.end(), name) != members.end();
+}
+
+constexpr bool BelongsTo(const SubElement& element, const AlarmTemplate& alarm) {
+    return element.group == EVERY || (alarm.groups & element.group) != 0;
+}
+
+}  // namespace kz::orba::VortaExtensionModbus::Device::Structures

@@ -1,0 +1,82 @@
+#include "dictionary/StructureTemplate.h"
+
+#include <nlohmann/json.hpp>
+
+#include "dictionary/StructureTable.h"
+
+namespace kz::orba::VortaExtensionModbus::Device {
+
+namespace {
+
+using nlohmann::json;
+
+// What stands in a member until the device fills it. Snapshots are currents and fix their unit.
+json InitialValue(std::string_view member, std::string_view unit) {
+    if (member == "unit") {
+        return unit;
+    }
+    if (member == "locked") {
+        return false;
+    }
+    if (member == "enum") {
+        return json::array({"On", "Off"});
+    }
+    return nullptr;
+}
+
+void AddMembers(json& skeleton, const Structures::Members& members, std::string_view unit) {
+    for (const std::string_view member : members) {
+        if (!member.empty()) {
+            skeleton[std::string(member)] = InitialValue(member, unit);
+        }
+    }
+}
+
+json ValueSkeleton(const Structures::ValueTemplate& row) {
+    json skeleton{{"_id", nullptr}, {"name", nullptr}, {"value", nullptr}, {"mode", row.mode}};
+    AddMembers(skeleton, row.members, "");
+    return skeleton;
+}
+
+json FixedValue(const Structures::AlarmTemplate& row, std::string_view element) {
+    if (element == "criticality") {
+        return row.criticality;
+    }
+    if (element == "type") {
+        return row.type;
+    }
+    return nullptr;
+}
+
+json AlarmSkeleton(const Structures::AlarmTemplate& row) {
+    json elements = json::object();
+    for (const Structures::SubElement& element : Structures::SUB_ELEMENTS) {
+        if (Structures::BelongsTo(element, row)) {
+            json& skeleton = elements[std::string(element.key)];
+            skeleton = {
+                {"name", element.name}, {"value", FixedValue(row, element.key)}, {"mode", Structures::READ_ONLY}};
+            AddMembers(skeleton, element.members, "A");
+        }
+    }
+    return {{"_id", nullptr}, {"name", nullptr}, {"elements", std::move(elements)}};
+}
+
+json Wrapped(json skeleton) {
+    json structure;
+    structure[std::string(Structures::OUTER_MEMBER)] = std::move(skeleton);
+    return structure;
+}
+
+}  // namespace
+
+json BuildStructure(StructureTemplate structure) {
+    if (const auto* value = Structures::Find(Structures::VALUES, structure)) {
+        return Wrapped(ValueSkeleton(*value));
+    }
+    if (const auto* alarm = Structures::Find(Structures::ALARMS, structure)) {
+        return Wrapped(AlarmSkeleton(*alarm));
+    }
+    return nullptr;
+}
+
+}  // namespace kz::orba::VortaExtensionModbus::Device

@@ -1,0 +1,112 @@
+#include "DataModel/ExtendedElementData.h"
+
+#include <gtest/gtest.h>
+
+#include "DataModel/IValueProcesser.h"
+#include "DataModel/LogicCodeDependency.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "src/TestElement.h"
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using DataModel::ExtendedElementData;
+using Dependencies = std::vector<DataModel::LogicCodeDependency>;
+
+namespace {
+
+// Answers by name; keeps what it was asked for.
+struct Answers : ServiceImpl::IValueProcesser {
+    explicit Answers(std::map<std::string, json> given) : answers(std::move(given)) {}
+    bool GetValue(const std::string& name, json& value) override {
+        asked += name + "=" + value.dump() + " ";
+        if (!answers.count(name)) {
+            return false;
+        }
+        value = answers[name];
+        return true;
+    }
+    std::map<std::string, json> answers;
+    std::string asked;
+};
+
+ExtendedElementData MakeExtended(const Traits& traits) {
+    return ExtendedElementData(
+        100, traits.registers,
+        traits.mask ? std::make_shared<Bytes>(Hex(traits.mask)) : std::make_shared<Bytes>(256, std::uint8_t{0xFF}),
+        traits.scale, traits.pattern ? std::make_shared<std::string>(traits.pattern) : nullptr,
+        static_cast<LogicCodeIdentifier>(traits.code), 0, "path", traits.offset, traits.pairs, 0xFFFE, 7,
+        std::make_shared<Dependencies>(Dependencies{{"a", "", 1}, {"b", "x", "default"}}),
+        ByteOrderingEnum::LITTLE_ENDIAN_WORDS);
+}
+
+std::string Extended(const Traits& traits, const std::string& hex, ServiceImpl::IValueProcesser* processer = nullptr) {
+    auto element = MakeExtended(traits);
+    Bytes bytes = Hex(hex);
+    bool invalid = false;
+    json value = "before";
+    if (!element.Build(bytes.data(), static_cast<unsigned>(bytes.size()), false, 0, invalid, value, processer)) {
+        return invalid ? "refused!" : "refused";
+    }
+    return Typed(value) + (invalid ? "!" : "");
+}
+
+}  // namespace
+
+TEST(ExtendedElementData, TakesTheBytesAsTheyWereReadWhateverOrderAndMask) {
+    EXPECT_EQ(Extended({.code = 14, .registers = 2}, "00010002"), "u65538");
+    EXPECT_EQ(Extended({.code = 14, .mask = "00000000", .registers = 2}, "00010002"), "u65538");
+    EXPECT_EQ(Extended({.code = 34, .registers = 4}, "0000000000010002"), "f65538.0");
+    EXPECT_EQ(Extended({.code = 2}, ""), "refused");
+    EXPECT_EQ(Extended({.code = 63}, "0001"), "refused");
+    const StandIn::CapturedLog quiet(Log::OrbaLogLevel::NONE);
+    EXPECT_EQ(Extended({.code = 2, .mask = "FF"}, "0001"), "refused!");
+    const auto element = MakeExtended({});
+    EXPECT_EQ(element.GetSlaveOffset(), -2);
+    EXPECT_EQ(element.GetExtraParameter(), 7U);
+    EXPECT_EQ(element.GetLogicCodeDependency()->size(), 2U);
+    EXPECT_EQ(MakeElement({}).GetSlaveOffset(), 0);
+    EXPECT_EQ(MakeElement({}).GetLogicCodeDependency(), nullptr);
+}
+
+TEST(ExtendedElementData, ThePatternIsComparedAsTextWithoutLeadingZeros) {
+    const struct {
+        const char *pattern, *bytes, *expected;
+    } ROWS[] = {{"0xFFFF", "FFFF", "null!"}, {"0xffff", "FFFF", "u65535"}, {"0xFF", "00FF", "null!"},
+                {"0x00FF", "00FF", "u255"},  {"0x0", "0000", "null!"},     {"0x1234", "12345678", "null!"}};
+    for (const auto& row : ROWS) {
+        EXPECT_EQ(Extended({.code = 2, .pattern = row.pattern}, row.bytes), row.expected) << row.pattern;
+    }
+}
+
+TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) {
+    const struct {
+        std::map<std::string, json> answers;
+        double scale;
+        const char* expected;
+    } ROWS[] = {{{}, 1, "f12345.0"},
+                {{{"a", -2}}, 1, "f123.45"},
+                {{{"a", 3U}}, 2, "f24690000.0"},
+                {{{"a", 1}, {"b", "-1"}}, 1, "f1234.5"},
+                {{{"a", 1}, {"b", "one"}}, 1, "f123450.0"},
+                {{{"a", 1.0}, {"b", true}}, 0.5, "f61720.0"},
+                {{{"a", 400}}, 1, "null!"},
+                {{{"a", -400}}, 1, "f0.0"},
+                {{}, -1, "null!"},
+                {{}, 1e18, "null!"},
+                {{}, INFINITY, "null!"},
+                {{}, NAN, "null!"}};
+    for (const auto& row : ROWS) {
+        for (const int code : {34, 35, 36, 37}) {
+            Answers answers(row.answers);
+            EXPECT_EQ(Extended({.code = code, .scale = row.scale, .registers = 2}, "00003039", &answers), row.expected)
+                << json(row.answers) << " " << row.scale;
+            EXPECT_EQ(answers.asked, "a=1 b=\"default\" ");
+        }
+    }
+    Answers answers({{"a", 2}});
+    EXPECT_EQ(Extended({.code = 8, .scale = 0.5}, "0003", &answers), "f1.5");
+    EXPECT_NE(answers.asked, "");
+    EXPECT_EQ(Extended({.code = 36, .registers = 4}, "FFFFFFFFFFFFFFFF"), "f1.8446744073709552e+19");
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test
