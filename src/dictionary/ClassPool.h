@@ -9,9 +9,9 @@
 namespace kz::orba::VortaExtensionModbus::Device {
 
 // How many of the classes are dynamic: the first ones.
-inline constexpr std::size_t DYNAMIC_CLASS_COUNT =
-    std::size(ClassNames::ALARMS) + std::size(ClassNames::MEASUREMENTS) + std::size(ClassNames::PROTECTIONS) +
-    std::size(ClassNames::CIRCUIT_BREAKERS);
+inline constexpr std::size_t DYNAMIC_CLASS_COUNT = std::size(ClassNames::ALARMS) + std::size(ClassNames::MEASUREMENTS) +
+                                                   std::size(ClassNames::PROTECTIONS) +
+                                                   std::size(ClassNames::CIRCUIT_BREAKERS);
 
 // The whole name of the class at that place, which must be one of ClassNames::LISTS. A constant of the library.
 std::string_view ClassNameAt(std::size_t index);

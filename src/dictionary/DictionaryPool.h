@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <limits>
 #include <string_view>
 
 #include "dictionary/ClassPool.h"
@@ -34,8 +33,7 @@ constexpr bool IsClassOf(const DictionaryRow& row, std::string_view candidate) {
     const bool goesOn = row.className.empty() || row.className.back() == '.';
     const std::string_view rest = goesOn ? LastPart(row.name) : std::string_view();
     return candidate.size() == row.className.size() + rest.size() &&
-           candidate.substr(0, row.className.size()) == row.className &&
-           candidate.substr(row.className.size()) == rest;
+           candidate.substr(0, row.className.size()) == row.className && candidate.substr(row.className.size()) == rest;
 }
 
 constexpr std::size_t TextSize(const DictionaryRow& row) {
@@ -51,8 +49,13 @@ constexpr std::size_t TextSize(const DictionaryRow (&rows)[N]) {
     return size;
 }
 
-// Packs a table whose classes begin with the prefix. A text that is too long or a class that is unknown ends the
-// compilation.
+template <std::size_t N>
+constexpr bool KeysAscend(const DictionaryRow (&rows)[N]) {
+    return std::is_sorted(std::begin(rows), std::end(rows),
+                          [](const DictionaryRow& left, const DictionaryRow& right) { return left.key <= right.key; });
+}
+
+// Packs a table whose classes begin with the prefix. A class that is unknown ends the compilation.
 template <const auto& ROWS>
 consteval auto Pack(std::string_view classPrefix) {
     DictionaryPool<std::size(ROWS), TextSize(ROWS)> pool;
@@ -60,9 +63,6 @@ consteval auto Pack(std::string_view classPrefix) {
     const auto append = [&](std::string_view text) {
         std::copy(text.begin(), text.end(), pool.text.begin() + end);
         end += static_cast<std::uint32_t>(text.size());
-        if (text.size() > std::numeric_limits<std::uint8_t>::max()) {
-            throw "a text of a row is longer than 255 bytes";
-        }
         return static_cast<std::uint8_t>(text.size());
     };
     for (std::size_t i = 0; i < std::size(ROWS); ++i) {

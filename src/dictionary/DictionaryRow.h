@@ -5,21 +5,8 @@
 #include "dictionary/AttributeSources.h"
 #include "dictionary/StructureTable.h"
 
-// The dictionary's rows as their tables write them, and what must hold for each; everything here is used at compile
-// time only. DictionaryPool.h packs the rows.
+// The dictionary's rows as their tables write them, and what must hold for each.
 namespace kz::orba::VortaExtensionModbus::Device {
-
-struct DictionaryRow {
-    std::string_view key;
-    std::string_view name;
-    StructureTemplate structure;
-    // "path=id" joined by ";". A path without id is fed by an id of the key: the first by the text before the key's ";",
-    // the next by the text after it.
-    std::string_view sources;
-    std::string_view unit = "";
-    // After the prefix of the table's classes. One that is empty or ends in "." goes on with the last part of the name.
-    std::string_view className = "";
-};
 
 // Takes the text up to the separator off the front; all of it where there is no separator.
 constexpr std::string_view TakePart(std::string_view& text, char separator) {
@@ -29,6 +16,12 @@ constexpr std::string_view TakePart(std::string_view& text, char separator) {
     return part;
 }
 
+constexpr std::string_view LastPart(std::string_view name) {
+    return name.substr(name.rfind('.') + 1);
+}
+
+// "path=id" joined by ";". A path without id is fed by an id of the key: the first by the text before the key's ";",
+// the next by the text after it.
 constexpr AttributeSources ParseSources(std::string_view key, std::string_view text) {
     AttributeSources sources;
     while (!text.empty()) {
@@ -40,72 +33,57 @@ constexpr AttributeSources ParseSources(std::string_view key, std::string_view t
     return sources;
 }
 
-constexpr std::string_view LastPart(std::string_view name) {
-    return name.substr(name.rfind('.') + 1);
-}
-
-namespace Proof {
-
-constexpr bool Holds(StructureTemplate structure, std::string_view path) {
-    if (const auto* value = Structures::Find(Structures::VALUES, structure)) {
-        return path == "value" || Structures::Has(value->members, path);
+// One row of a table. What does not hold ends the compilation at the row.
+struct DictionaryRow {
+    // Sources: see ParseSources. Class: after the prefix of the table's classes; one that is empty or ends in "." goes
+    // on with the last part of the name.
+    consteval DictionaryRow(std::string_view rowKey, std::string_view rowName, StructureTemplate rowStructure,
+                            std::string_view rowSources, std::string_view rowUnit = "", std::string_view rowClass = "")
+        : key(rowKey), name(rowName), structure(rowStructure), sources(rowSources), unit(rowUnit), className(rowClass) {
+        CheckTexts();
+        CheckSources();
     }
-    const auto* alarm = Structures::Find(Structures::ALARMS, structure);
-    if (alarm == nullptr || TakePart(path, '.') != "elements") {
-        return false;
-    }
-    const std::string_view key = TakePart(path, '.');
-    for (const Structures::SubElement& element : Structures::SUB_ELEMENTS) {
-        if (element.key == key) {
-            return Structures::BelongsTo(element, *alarm) && (path == "value" || Structures::Has(element.members, path));
+
+    std::string_view key;
+    std::string_view name;
+    StructureTemplate structure;
+    std::string_view sources;
+    std::string_view unit;
+    std::string_view className;
+
+private:
+    consteval void CheckTexts() const {
+        if (key.empty() || name.empty()) {
+            throw "a row needs key and name";
+        }
+        if (key.size() > 255 || name.size() > 255 || sources.size() > 255 || unit.size() > 255) {
+            throw "a text of a row is longer than 255 bytes";
+        }
+        if (!unit.empty() && !Structures::Holds(structure, "unit")) {
+            throw "the structure has no unit";
         }
     }
-    return false;
-}
 
-// A quality id is the value id with "_Qual".
-constexpr bool QualityFits(const AttributeSources& sources, std::string_view value, std::string_view quality) {
-    const std::string_view id = sources.Find(quality);
-    const std::string_view of = sources.Find(value);
-    return id.empty() || (id.substr(0, of.size()) == of && id.substr(of.size()) == "_Qual");
-}
-
-constexpr bool SourcesFit(const DictionaryRow& row) {
-    const AttributeSources sources = ParseSources(row.key, row.sources);
-    std::size_t expected = 0;
-    for (std::string_view rest = row.sources; !rest.empty(); ++expected) {
-        TakePart(rest, ';');
+    consteval void CheckSources() const {
+        const AttributeSources parsed = ParseSources(key, sources);
+        if (parsed.size() != 1U + static_cast<std::size_t>(std::count(sources.begin(), sources.end(), ';'))) {
+            throw "a row has more sources than AttributeSources can hold";
+        }
+        for (const AttributeSource& source : parsed) {
+            if (source.id.empty() || !Structures::Holds(structure, source.path)) {
+                throw "a source without id, or for an attribute that the structure does not have";
+            }
+        }
+        CheckQuality(parsed.Find("value"), parsed.Find("quality"));
+        CheckQuality(parsed.Find("elements.state.value"), parsed.Find("elements.state.quality"));
     }
-    for (const AttributeSource& source : sources) {
-        if (source.id.empty() || !Holds(row.structure, source.path)) {
-            return false;
+
+    static consteval void CheckQuality(std::string_view value, std::string_view quality) {
+        if (!quality.empty() &&
+            !(quality.substr(0, value.size()) == value && quality.substr(value.size()) == "_Qual")) {
+            throw "a quality comes from the id of the value with \"_Qual\"";
         }
     }
-    return expected > 0 && sources.size() == expected && QualityFits(sources, "value", "quality") &&
-           QualityFits(sources, "elements.state.value", "elements.state.quality");
-}
-
-constexpr bool IsAlarm(const DictionaryRow& row) {
-    return Structures::Find(Structures::ALARMS, row.structure) != nullptr;
-}
-
-constexpr bool AscendingKeys(const DictionaryRow* row, std::size_t count) {
-    for (std::size_t i = 1; i < count; ++i) {
-        if (!(row[i - 1].key < row[i].key)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// What every row of a table must fulfil.
-template <std::size_t N>
-constexpr bool RowsHold(const DictionaryRow (&rows)[N], bool alarms) {
-    return AscendingKeys(rows, N) && std::all_of(std::begin(rows), std::end(rows), [&](const DictionaryRow& row) {
-               return SourcesFit(row) && IsAlarm(row) == alarms && (row.unit.empty() || Holds(row.structure, "unit"));
-           });
-}
-
-}  // namespace Proof
+};
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

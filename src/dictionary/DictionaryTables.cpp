@@ -10,12 +10,11 @@ namespace kz::orba::VortaExtensionModbus::Device {
 
 namespace {
 
-constexpr bool ALARMS = true;
-constexpr bool VALUES = false;
-static_assert(std::size(Rows::ALARMS) == 124 && Proof::RowsHold(Rows::ALARMS, ALARMS));
-static_assert(std::size(Rows::MEASUREMENTS) == 928 && Proof::RowsHold(Rows::MEASUREMENTS, VALUES));
-static_assert(std::size(Rows::PROTECTIONS) == 46 && Proof::RowsHold(Rows::PROTECTIONS, VALUES));
-static_assert(std::size(Rows::CIRCUIT_BREAKERS) == 42 && Proof::RowsHold(Rows::CIRCUIT_BREAKERS, VALUES));
+static_assert(KeysAscend(Rows::ALARMS) && KeysAscend(Rows::MEASUREMENTS) && KeysAscend(Rows::PROTECTIONS) &&
+                  KeysAscend(Rows::CIRCUIT_BREAKERS),
+              "the keys of a table must be in byte order, each once");
+static_assert(std::size(Rows::ALARMS) == 124 && std::size(Rows::MEASUREMENTS) == 928 &&
+              std::size(Rows::PROTECTIONS) == 46 && std::size(Rows::CIRCUIT_BREAKERS) == 42);
 
 constexpr auto ALARM_POOL = Pack<Rows::ALARMS>("$iot.alm.");
 constexpr auto MEASUREMENT_POOL = Pack<Rows::MEASUREMENTS>("$iot.measurement.");

@@ -89,12 +89,29 @@ constexpr const Template* Find(const Template (&templates)[N], StructureTemplate
     return found == std::end(templates) ? nullptr : found;
 }
 
-constexpr bool Has(const Members& members, std::string_view name) {
-    return std::find(members.begin(), members.end(), name) != members.end();
-}
-
 constexpr bool BelongsTo(const SubElement& element, const AlarmTemplate& alarm) {
     return element.group == EVERY || (alarm.groups & element.group) != 0;
+}
+
+constexpr bool HoldsMember(const Members& members, std::string_view name) {
+    return name == "value" || std::find(members.begin(), members.end(), name) != members.end();
+}
+
+// Whether objects of the structure have that attribute, e.g. "value" or "elements.state.quality".
+constexpr bool Holds(StructureTemplate structure, std::string_view path) {
+    if (const auto* value = Find(VALUES, structure)) {
+        return HoldsMember(value->members, path);
+    }
+    constexpr std::string_view ELEMENTS = "elements.";
+    const auto* alarm = Find(ALARMS, structure);
+    const std::size_t dot = path.rfind('.');
+    if (alarm == nullptr || !path.starts_with(ELEMENTS) || dot < ELEMENTS.size()) {
+        return false;
+    }
+    const std::string_view key = path.substr(ELEMENTS.size(), dot - ELEMENTS.size());
+    return std::any_of(std::begin(SUB_ELEMENTS), std::end(SUB_ELEMENTS), [&](const SubElement& element) {
+        return element.key == key && BelongsTo(element, *alarm) && HoldsMember(element.members, path.substr(dot + 1));
+    });
 }
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Structures

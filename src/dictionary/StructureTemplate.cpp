@@ -38,27 +38,27 @@ json ValueSkeleton(const Structures::ValueTemplate& row) {
     return skeleton;
 }
 
-json FixedValue(const Structures::AlarmTemplate& row, std::string_view element) {
-    if (element == "criticality") {
+json FixedValue(const Structures::AlarmTemplate& row, std::string_view key) {
+    if (key == "criticality") {
         return row.criticality;
     }
-    if (element == "type") {
+    if (key == "type") {
         return row.type;
     }
     return nullptr;
 }
 
 json AlarmSkeleton(const Structures::AlarmTemplate& row) {
-    json elements = json::object();
+    json alarm{{"_id", nullptr}, {"name", nullptr}};
     for (const Structures::SubElement& element : Structures::SUB_ELEMENTS) {
         if (Structures::BelongsTo(element, row)) {
-            json& skeleton = elements[std::string(element.key)];
-            skeleton = {
+            json skeleton{
                 {"name", element.name}, {"value", FixedValue(row, element.key)}, {"mode", Structures::READ_ONLY}};
             AddMembers(skeleton, element.members, "A");
+            alarm["elements"][std::string(element.key)] = std::move(skeleton);
         }
     }
-    return {{"_id", nullptr}, {"name", nullptr}, {"elements", std::move(elements)}};
+    return alarm;
 }
 
 json Wrapped(json skeleton) {

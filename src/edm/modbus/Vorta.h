@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "Export.h"
+#include "edm/modbus/StringCleaner.h"
+#include "kz/orba/StatusCode.h"
+
+// Names of device elements in the data model. Elements of the dictionary and identification elements are published
+// under a name alone; measurements and alarms that a user defines share one name each and differ by alias, and the id
+// of their device element is a short id followed by the encoded alias. All of it is thread-safe.
+namespace kzm::edm::modbus::Vorta {
+
+inline constexpr std::string_view FIRMWARE_MODULE_VORTA_SHORT_ID = "250";
+inline constexpr std::string_view CUSTOM_MEASUREMENT_VORTA_SHORT_ID = "7b8";
+inline constexpr std::string_view CUSTOM_MEASUREMENT_IOT_NAME = "Measurement.CustomMeasurement";
+
+KZM_MODBUS_EXPORT bool IsCustomMeasurementIoTName(const std::string& name);
+
+// Whether the id is that of a custom measurement: begins with the short id.
+KZM_MODBUS_EXPORT bool IsCustomMeasurementVortaSuffix(const std::string& id);
+
+// The codecs between alias and element id.
+KZM_MODBUS_EXPORT StringCleaner GetCustomMeasurementNameCodec();
+KZM_MODBUS_EXPORT StringCleaner GetCustomAlarmNameCodec();
+
+KZM_MODBUS_EXPORT std::string GetCustomAlarmIotName();
+
+// Name and alias under which the element with that data-model id is published. An id that nobody knows is its own name;
+// only custom ones have an alias. 0, or 28 for a custom id without alias. Throws what the platform throws for a custom
+// id whose alias cannot be decoded. Name and alias are unchanged unless 0 is returned.
+KZM_MODBUS_EXPORT kz::orba::StatusCode GetIoTNameAndAlias(const std::string& id, std::string& iotName,
+                                                          std::string& alias);
+
+}  // namespace kzm::edm::modbus::Vorta
