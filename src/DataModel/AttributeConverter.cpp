@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "DataModel/MeasurementInformationOf.h"
 #include "Device/CustomMeasureClassName.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
@@ -166,16 +167,7 @@ StatusCode AttributeConverter::GetClassName(std::string& className) const {
 }
 
 Device::ModbusMeasurementInformation AttributeConverter::GetModbusMeasurementInformation() const {
-    Device::ModbusMeasurementInformation information;
-    information.mRegisterAddress = GetDeviceRegister();
-    information.mNumberOfRegisters = GetNumberOfRegisters();
-    information.mLogicCode = GetLogicCode();
-    information.mScaleFactor = GetScaleFactor();
-    information.mOffset = GetOffset();
-    information.mByteOrdering = GetLocalByteOrdering();
-    information.mBitmask = GetBitmaskVector();
-    information.mEnumerationPairs = GetEnumerationPairs();
-    return information;
+    return MeasurementInformationOf(*this);
 }
 
 bool AttributeConverter::HasEnumOutput() const {

@@ -1,17 +1,33 @@
 #include "Device/DeviceModel.h"
 
 #include "DataModel/ComputedAlarmElement.h"
+#include "DataModel/LogicCodeDependency.h"
+#include "DataModel/MeasurementInformationOf.h"
 #include "Device/CustomAlarmObject.h"
 #include "Device/DynamicVorta.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
+#include "dictionary/DeviceElementLookUp.h"
+#include "edm/modbus/Vorta.h"
 #include "kz/orba/VortaORBAObject.h"
 
 namespace kzm::ModbusDeviceModel::Device {
 
+using kz::orba::VortaExtensionModbus::Device::DeviceElementLookUp;
+
 namespace {
 
 constexpr const char* LOG_MODULE = "Device::DeviceModel";
+constexpr const char* GENERIC_NUMERICAL_CLASS = "$iot.measurement.NumericalMeasurementValue";
+
+// False for an id without an alias where one belongs, and for an alias that cannot be decoded.
+bool SplitId(const std::string& id, std::string& name, std::string& alias) {
+    try {
+        return edm::modbus::Vorta::GetIoTNameAndAlias(id, name, alias) == Status::SUCCESS;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
 
 }  // namespace
 
@@ -48,6 +64,33 @@ DeviceModel::DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<Devic
 
 DeviceModel::~DeviceModel() {
     KZM_LOG(INFORMATION, "DeviceModel::~DeviceModel Called");
+}
+
+ModbusMeasurementInformation DeviceModel::GetMeasurementInformation(const std::string& suffix) const {
+    std::string name;
+    std::string alias;
+    if (!SplitId(suffix, name, alias)) {
+        KZM_LOG(ERROR, "[%s] Failed to get IoT Name and Alias for shortId=%s", __func__, suffix.c_str());
+        return {};
+    }
+    KZM_LOG_TRACE("%s: Measure shortId=%s, name=%s, alias=%s", __func__, suffix.c_str(), name.c_str(), alias.c_str());
+    ModbusMeasurementInformation information;
+    const auto found = mObjectAdapters.find(KeyLess::View(name, alias));
+    const auto elements = GetElements(name, alias);
+    if (found != mObjectAdapters.end() && found->second) {
+        information = found->second->GetModbusMeasurementInformation();
+    } else if (found == mObjectAdapters.end() && elements.size() == 1 && elements.front()) {
+        information = DataModel::MeasurementInformationOf(*elements.front());
+        if (elements.front()->GetFrameIndex() < mFrames.size()) {
+            information.mFunctionCode = mFrames[elements.front()->GetFrameIndex()].mFunctionCode;
+        }
+    } else {
+        KZM_LOG(ERROR, "[%s] Failed to get Measurement Information for suffix=%s, iotName='%s', alias='%s'", __func__,
+                suffix.c_str(), name.c_str(), alias.c_str());
+        return information;
+    }
+    GetUnit(suffix, information.mUnit);
+    return information;
 }
 
 std::vector<std::shared_ptr<DataModel::ElementData>> DeviceModel::GetElements(const std::string& name,
@@ -112,19 +155,92 @@ kz::orba::StatusCode DeviceModel::GetVortaObjectValue(
     kz::orba::VortaORBAObject& object) const {
     const auto& name = object.GetName();
     const auto& alias = object.GetAlias();
+    std::shared_ptr<DataModel::VortaObjectAdapter> adapter;
+    const auto status = FindAdapter(__func__, name, alias, adapter);
+    return adapter ? adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object) : status;
+}
+
+kz::orba::StatusCode DeviceModel::FindAdapter(const char* operation, std::string_view name, std::string_view alias,
+                                              std::shared_ptr<DataModel::VortaObjectAdapter>& adapter) const {
     const auto found = mObjectAdapters.find(KeyLess::View(name, alias));
     if (found == mObjectAdapters.end()) {
-        KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", __func__,
-                      mModelName.c_str(), name.c_str(), Logging::Text(Status::NOT_FOUND).c_str());
+        KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", operation,
+                      mModelName.c_str(), std::string(name).c_str(), Logging::Text(Status::NOT_FOUND).c_str());
         return Status::NOT_FOUND;
     }
     if (!found->second) {
-        KZM_LOG(ERROR, "%s: Object adapter is null for '%s', iot name = '%s'", __func__, mModelName.c_str(),
-                name.c_str());
+        KZM_LOG(ERROR, "%s: Object adapter is null for '%s', iot name = '%s'", operation, mModelName.c_str(),
+                std::string(name).c_str());
         return Status::INVALID_ARGUMENT;
     }
-    const auto adapter = found->second;
-    return adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object);
+    adapter = found->second;
+    return Status::SUCCESS;
+}
+
+kz::orba::StatusCode DeviceModel::GetFramesForIoTNameAndAlias(const std::string& name, const std::string& alias,
+                                                              Frames& frames) const {
+    const auto elements = GetElements(name, alias);
+    for (const auto& element : elements) {
+        if (element) {
+            AddFrames({element->GetFrameIndex()}, frames);
+        }
+    }
+    if (!elements.empty()) {
+        return Status::SUCCESS;
+    }
+    std::shared_ptr<DataModel::VortaObjectAdapter> adapter;
+    const auto status = FindAdapter(__func__, name, alias, adapter);
+    if (adapter) {
+        AddFrames(adapter->GetFrameIndexes(), frames);
+    }
+    return status;
+}
+
+// Indexes past the frames are skipped; that of an element in no frame is one of them unless there are 256 frames.
+void DeviceModel::AddFrames(const std::set<std::uint8_t>& frameIndexes, Frames& frames) const {
+    for (const std::uint8_t index : frameIndexes) {
+        if (index != DataModel::ElementData::INVALID_FRAME_INDEX && index < mFrames.size()) {
+            frames.emplace(index, &mFrames[index]);
+        }
+    }
+}
+
+DeviceModel::Frames DeviceModel::GetDependencyFrame(const std::string& name, const std::string& alias) const {
+    Frames frames;
+    if (const auto alarm = GetComputedAlarmElement({name, alias})) {
+        AddFrames(alarm->GetFrameIndexes(), frames);
+        return frames;
+    }
+    const auto adapter = mObjectAdapters.find(KeyLess::View(name, alias));
+    if (adapter != mObjectAdapters.end()) {
+        if (adapter->second) {
+            AddFrames(adapter->second->GetFrameIndexes(), frames);
+        } else {
+            KZM_LOG(ERROR, "[%s] VortaObjectAdapter is null for '%s', iot name = '%s'", __func__, mModelName.c_str(),
+                    name.c_str());
+        }
+        return frames;
+    }
+    GetFramesForIoTNameAndAlias(name, alias, frames);
+    if (!frames.empty()) {
+        AddDependencies(GetElements(name, alias), frames);
+    }
+    return frames;
+}
+
+void DeviceModel::AddDependencies(const std::vector<std::shared_ptr<DataModel::ElementData>>& elements,
+                                  Frames& frames) const {
+    for (const auto& element : elements) {
+        const auto dependencies = element ? element->GetLogicCodeDependency() : nullptr;
+        if (!dependencies) {
+            continue;
+        }
+        for (const DataModel::LogicCodeDependency& dependency : *dependencies) {
+            if (mElements->count({dependency.name, dependency.alias}) > 0) {
+                GetFramesForIoTNameAndAlias(dependency.name, dependency.alias, frames);
+            }
+        }
+    }
 }
 
 bool DeviceModel::IsBigEndian() const {
@@ -138,6 +254,20 @@ kz::orba::StatusCode DeviceModel::GetUnit(const std::string& name, std::string& 
         return Status::NOT_FOUND;
     }
     unit = found->second;
+    return Status::SUCCESS;
+}
+
+kz::orba::StatusCode DeviceModel::GetClassName(const std::string& name, std::string& className) const {
+    className = DeviceElementLookUp::GetClass(name);
+    if (className != GENERIC_NUMERICAL_CLASS) {
+        return Status::SUCCESS;
+    }
+    const auto found = mClassNames.find(name);
+    if (found == mClassNames.end()) {
+        KZM_LOG(ERROR, "[%s] Measurement class name not found for vortaSuffix=%s", __func__, name.c_str());
+        return Status::NOT_FOUND;
+    }
+    className = found->second;
     return Status::SUCCESS;
 }
 

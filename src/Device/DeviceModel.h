@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string_view>
 #include <unordered_map>
 
@@ -19,6 +20,7 @@ public:
     using ComputedAlarms = std::map<Key, std::shared_ptr<DataModel::ComputedAlarmElement>>;
     using ServiceSources = std::unordered_map<DataModel::ObjectKey, std::shared_ptr<DataModel::ServiceSourceMapping>>;
     using TextByName = std::map<std::string, std::string>;
+    using Frames = std::map<std::uint8_t, const DeviceProfile::FrameData*>;
 
     // A model of object adapters. Every adapter computes its frame indexes now; one that cannot has logged why.
     // `units`, `classNames`: by measurement name.
@@ -33,6 +35,7 @@ public:
     DeviceModel(const DeviceModel&) = delete;
     DeviceModel& operator=(const DeviceModel&) = delete;
 
+    ModbusMeasurementInformation GetMeasurementInformation(const std::string& suffix) const override;
     std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
                                                                      const std::string& alias) const override;
     ServiceMapping GetServiceMapping(const std::string& name, const std::string& alias) const override;
@@ -42,8 +45,10 @@ public:
         kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const override;
     kz::orba::StatusCode GetVortaObjectValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                              bool ignoreCacheAge, kz::orba::VortaORBAObject& object) const override;
+    Frames GetDependencyFrame(const std::string& name, const std::string& alias) const override;
     bool IsBigEndian() const override;
     kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const override;
+    kz::orba::StatusCode GetClassName(const std::string& name, std::string& className) const override;
     kz::orba::StatusCode GetComputedAlarmInstantaneousness(const Key& key, bool& instantaneous) const override;
     std::shared_ptr<DataModel::ComputedAlarmElement> GetComputedAlarmElement(const Key& key) const override;
     void SetEdmType() override;
@@ -64,6 +69,11 @@ public:
     void SetIdentification(const std::map<std::string, std::string>& identification) override;
     const std::map<std::string, std::string>& GetIdentification() const override;
 
+    // Adds the frames of the elements of (name, alias), or where it has none of its object adapter, to `frames`; the
+    // pointers refer into the model. 44: neither is there. 1: the adapter is null (logged).
+    kz::orba::StatusCode GetFramesForIoTNameAndAlias(const std::string& name, const std::string& alias,
+                                                     Frames& frames) const;
+
 private:
     // Orders keys as std::pair does, and finds one without building a pair of strings.
     struct KeyLess {
@@ -76,6 +86,11 @@ private:
             return ViewOf(left) < ViewOf(right);
         }
     };
+
+    kz::orba::StatusCode FindAdapter(const char* operation, std::string_view name, std::string_view alias,
+                                     std::shared_ptr<DataModel::VortaObjectAdapter>& adapter) const;
+    void AddDependencies(const std::vector<std::shared_ptr<DataModel::ElementData>>& elements, Frames& frames) const;
+    void AddFrames(const std::set<std::uint8_t>& frameIndexes, Frames& frames) const;
 
     std::shared_ptr<Elements> mElements;
     std::shared_ptr<ServiceSources> mServiceSources;

@@ -9,6 +9,7 @@
 
 #include "DataModel/ComputedAlarmPreviousMeasurement.h"
 #include "DataModel/ElementData.h"
+#include "Device/ModbusMeasurementInformation.h"
 #include "Device/ServiceMapping.h"
 #include "Device/VortaObjectCategory.h"
 #include "DeviceCache/CacheReadAccessInterface.h"
@@ -30,6 +31,9 @@ namespace kzm::ModbusDeviceModel::Device {
 // then on the const operations run on many threads at once, and no setter may run beside them.
 class KZM_MODBUS_EXPORT IDeviceModel {
 public:
+    // How a measurement is read from the device, by the id of its element, e.g. "625" or a custom measurement's id. The
+    // default record, with an error in the log, where that cannot be said.
+    virtual ModbusMeasurementInformation GetMeasurementInformation(const std::string& suffix) const = 0;
     // Every element stored under (name, alias); empty where there is none.
     virtual std::vector<std::shared_ptr<DataModel::ElementData>> GetElements(const std::string& name,
                                                                              const std::string& alias) const = 0;
@@ -53,10 +57,18 @@ public:
     virtual kz::orba::StatusCode GetVortaObjectValue(
         const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
         kz::orba::VortaORBAObject& object) const = 0;
+    // The frames to read before the object, or the computed alarm, of (name, alias) can be built, by their index; with
+    // the frames of the elements that its own elements depend on. Empty where nothing is known. The pointers refer into
+    // the model.
+    virtual std::map<std::uint8_t, const DeviceProfile::FrameData*> GetDependencyFrame(
+        const std::string& name, const std::string& alias) const = 0;
     // Whether the device sends the most significant word first.
     virtual bool IsBigEndian() const = 0;
     // The unit of a measurement, e.g. "A". 44, and an empty text, where none is known.
     virtual kz::orba::StatusCode GetUnit(const std::string& name, std::string& unit) const = 0;
+    // The data-model class of a measurement: the dictionary's, or for what the dictionary only calls numerical the
+    // model's own. 44, logged as an error, where neither knows more; `className` is then the numerical class.
+    virtual kz::orba::StatusCode GetClassName(const std::string& name, std::string& className) const = 0;
     // Whether an alarm holds a state rather than reports a change. 28, and the output untouched, for an unknown alarm.
     virtual kz::orba::StatusCode GetComputedAlarmInstantaneousness(const std::pair<std::string, std::string>& key,
                                                                    bool& instantaneous) const = 0;

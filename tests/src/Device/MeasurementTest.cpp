@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include "DataModel/ComputedAlarmElement.h"
+#include "DataModel/DataObjectAdapter.h"
+#include "DataModel/ExtendedElementData.h"
+#include "DataModel/LogicCodeDependency.h"
+#include "DataModel/MeasurementComputedAlarmOperand.h"
+#include "Device/DeviceModel.h"
+#include "edm/modbus/Vorta.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "src/TestCache.h"
+
+namespace kzm::ModbusDeviceModel::Test {
+
+using namespace DataModel;
+using Device::DeviceModel;
+using DeviceProfile::FrameData;
+using Log::OrbaLogLevel;
+using StandIn::CapturedLog;
+
+namespace {
+
+const std::string MODULE = "[Device::DeviceModel] ";
+const std::string CUSTOM = "Measurement.CustomMeasurement";
+
+std::vector<FrameData> MakeFrames(std::uint16_t count) {
+    std::vector<FrameData> frames;
+    for (std::uint16_t i = 0; i < count; ++i) {
+        frames.emplace_back(ModbusFunctionCode::READ_INPUT_REGISTERS, false, std::int16_t{0}, std::uint16_t{10}, i);
+    }
+    return frames;
+}
+
+std::shared_ptr<ElementData> ElementOf(std::uint8_t frame) {
+    return std::make_shared<ElementData>(MakeElement({.code = 31, .registers = 2, .frame = frame}));
+}
+
+std::shared_ptr<DataObjectAdapter> ObjectOf(std::uint8_t frame) {
+    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
+    object->SetAdapter(VALUE, MakeConverter({.scale = 0.5, .frame = frame}));
+    return object;
+}
+
+// Indexes of the frames, each with its first register, which is its index.
+std::vector<int> Indexes(const DeviceModel::Frames& frames) {
+    std::vector<int> indexes;
+    for (const auto& [index, frame] : frames) {
+        EXPECT_EQ(frame->mAddress.mAddress, index);
+        indexes.push_back(index);
+    }
+    return indexes;
+}
+
+}  // namespace
+
+TEST(Measurement, ItsClassIsTheDictionarysUnlessThatIsOnlyNumerical) {
+    const DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {{"mine", "my class"}, {"625", "not asked"}}, {},
+                            true);
+    CapturedLog log(OrbaLogLevel::ERROR);
+    const auto ask = [&](const char* name) {
+        std::string className = "before";
+        return std::to_string(Number(model.GetClassName(name, className))) + " " + className;
+    };
+    EXPECT_EQ(ask("625"), "0 $iot.measurement.NumericalMeasurementValue<Float>");
+    EXPECT_EQ(ask("1d"), "0 $iot.alm.GroundFaultAlarm");
+    EXPECT_EQ(ask("mine"), "0 my class");
+    EXPECT_EQ(ask("other"), "44 $iot.measurement.NumericalMeasurementValue");
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
+              std::vector<std::string>{MODULE + "[GetClassName] Measurement class name not found for "
+                                                "vortaSuffix=other"});
+}
+
+TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
+    std::string custom = "my pump";
+    edm::modbus::Vorta::GetCustomMeasurementNameCodec().Encode(custom);
+    CapturedLog log(OrbaLogLevel::ERROR);
+    const DeviceModel ofObjects(
+        DeviceModel::ObjectAdapters{{{CUSTOM, "my pump"}, ObjectOf(0)}, {{"null", ""}, nullptr}}, MakeFrames(1),
+        {{custom, "bar"}}, {}, {}, true);
+    const auto pump = ofObjects.GetMeasurementInformation(custom);
+    EXPECT_EQ(pump.mRegisterAddress, 100);
+    EXPECT_EQ(pump.mScaleFactor, 0.5);
+    EXPECT_EQ(pump.mUnit, "bar");
+
+    auto elements = std::make_shared<DeviceModel::Elements>();
+    elements->emplace(DeviceModel::Key{"Measurement.BatteryVoltage", ""}, ElementOf(0));
+    elements->emplace(DeviceModel::Key{"two", ""}, ElementOf(0));
+    elements->emplace(DeviceModel::Key{"two", ""}, ElementOf(0));
+    elements->emplace(DeviceModel::Key{"lost", ""}, ElementOf(9));
+    const DeviceModel ofElements(elements, MakeFrames(1), {{"625", "V"}}, {}, {}, true);
+    const auto battery = ofElements.GetMeasurementInformation("625");
+    EXPECT_EQ(battery.mFunctionCode, ModbusFunctionCode::READ_INPUT_REGISTERS);
+    EXPECT_EQ(battery.mNumberOfRegisters, 2);
+    EXPECT_EQ(battery.mUnit, "V");
+    EXPECT_EQ(ofElements.GetMeasurementInformation("lost").mFunctionCode, ModbusFunctionCode{});
+    EXPECT_TRUE(log.Lines().empty());
+
+    for (const char* id : {"7b8", "7b8_z"}) {
+        EXPECT_EQ(ofElements.GetMeasurementInformation(id).mNumberOfRegisters, 0);
+    }
+    EXPECT_EQ(ofElements.GetMeasurementInformation("two").mScaleFactor, 1.0);
+    EXPECT_EQ(ofObjects.GetMeasurementInformation("null").mNumberOfRegisters, 0);
+    const std::string failed = MODULE + "[GetMeasurementInformation] Failed to get ";
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
+              (std::vector<std::string>{failed + "IoT Name and Alias for shortId=7b8",
+                                        failed + "IoT Name and Alias for shortId=7b8_z",
+                                        failed + "Measurement Information for suffix=two, iotName='two', alias=''",
+                                        failed + "Measurement Information for suffix=null, iotName='null', alias=''"}));
+}
+
+TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
+    const auto operand = std::make_shared<MeasurementComputedAlarmOperand>("a", ElementOf(2));
+    const auto alarm = std::make_shared<ComputedAlarmElement>("alarm", false, "LOW", "", "", nullptr, operand, operand);
+    CapturedLog log;
+    const DeviceModel ofObjects(DeviceModel::ObjectAdapters{{{"object", ""}, ObjectOf(1)},
+                                                            {{"alarm", ""}, ObjectOf(1)},
+                                                            {{"lost", ""}, ObjectOf(9)},
+                                                            {{"null", ""}, nullptr}},
+                                MakeFrames(3), {}, {}, {{{"alarm", ""}, alarm}}, true);
+    const auto ask = [&](const DeviceModel& model, const char* name, const char* alias = "") {
+        return Indexes(model.GetDependencyFrame(name, alias));
+    };
+    using Expected = std::vector<int>;
+    EXPECT_EQ(ask(ofObjects, "object"), Expected{1});
+    EXPECT_EQ(ask(ofObjects, "alarm"), Expected{2});
+    EXPECT_EQ(ask(ofObjects, "lost"), Expected{});
+    EXPECT_EQ(ask(ofObjects, "none"), Expected{});
+    EXPECT_EQ(ask(ofObjects, "null"), Expected{});
+    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
+              std::vector<std::string>{MODULE + "[GetDependencyFrame] VortaObjectAdapter is null for '', iot name = "
+                                                "'null'"});
+    DeviceModel::Frames frames;
+    EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("null", "", frames)), 1);
+    EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("none", "", frames)), 44);
+    EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("object", "", frames)), 0);
+    EXPECT_EQ(Indexes(frames), Expected{1});
+
+    using Dependencies = std::vector<LogicCodeDependency>;
+    const auto dependencies =
+        std::make_shared<Dependencies>(Dependencies{{"factor", "x", nullptr}, {"unknown", "", nullptr}});
+    auto elements = std::make_shared<DeviceModel::Elements>();
+    elements->emplace(
+        DeviceModel::Key{"power", ""},
+        std::make_shared<ExtendedElementData>(std::uint16_t{100}, std::uint8_t{1}, std::make_shared<Bytes>(2), 1.0,
+                                              nullptr, LogicCodeIdentifier{36}, std::uint8_t{0}, "", 0.0F, nullptr,
+                                              std::uint16_t{0}, 0U, dependencies, ByteOrderingEnum::DEVICE_ORDER));
+    elements->emplace(DeviceModel::Key{"factor", "x"}, ElementOf(2));
+    elements->emplace(DeviceModel::Key{"factor", "x"}, ElementOf(1));
+    elements->emplace(DeviceModel::Key{"nowhere", ""}, ElementOf(255));
+    elements->emplace(DeviceModel::Key{"nowhere", ""}, nullptr);
+    const DeviceModel ofElements(elements, MakeFrames(3), {}, {}, {}, true);
+    EXPECT_EQ(ask(ofElements, "power"), (Expected{0, 1, 2}));
+    EXPECT_EQ(ask(ofElements, "factor", "x"), (Expected{1, 2}));
+    EXPECT_EQ(ask(ofElements, "nowhere"), Expected{});
+}
+
+}  // namespace kzm::ModbusDeviceModel::Test
