@@ -43,17 +43,11 @@ private:
     TextPosition* mPosition;
 };
 
-// What the JSON library says about a text, without its own words around it and without long or unprintable citations.
+// What the JSON library says about a text, without its own words around it and without citations.
 std::string WithoutJargon(std::string text) {
     const auto detail = text.find(" - ");
     text.erase(0, detail != std::string::npos ? detail + 3 : text.find("] ") + 2);
-    const auto citation = text.find("; last read: ");
-    const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
-    if (citation != std::string::npos &&
-        (text.size() - citation > 60 || !std::all_of(text.begin(), text.end(), printable))) {
-        text.erase(citation);
-    }
-    return text;
+    return text.substr(0, std::min(text.find("; last read: "), text.find(" parsing '")));
 }
 
 }  // namespace
@@ -77,6 +71,11 @@ public:
 
     bool key(string_t& name) override {
         Level& level = mLevels.back();
+        if (name.size() > MAX_NAME_LENGTH) {
+            Report(PointerTo(mLevels.size() - 1),
+                   "a member's name is longer than " + std::to_string(MAX_NAME_LENGTH) + " bytes");
+            return false;
+        }
         level.child = mDocument.mLines.size();
         mDocument.mLines.push_back(mPosition.line);
         if (level.value->contains(name)) {

@@ -16,8 +16,10 @@ class LocatedJson {
 public:
     // The most lists and objects that may stand one in another.
     static constexpr std::size_t MAX_DEPTH = 64;
+    // The most bytes of a member's name, so that pointers stay short.
+    static constexpr std::size_t MAX_NAME_LENGTH = 256;
 
-    // Never throws for the text. A text that is no JSON, or nested too deeply, gives one problem with its line; a
+    // Never throws for the text. A text that is no JSON, or passes these limits, gives one problem with its line; a
     // member that stands twice in one object gives one, and the first counts. The root is null when the text could not
     // be read.
     static LocatedJson Parse(std::string_view text, Problems& problems);

@@ -176,7 +176,7 @@ std::shared_ptr<const ProfileElement> ProfileElements::Read(const JsonCursor& pl
     const auto offset = ReadFactor<float>(place, "offset", 0.0F, type);
     const auto count = ReadCount(place, type);
     const auto address = place.At("address").Number();
-    if (!count || !address) {
+    if (!pairs || !count || !address) {
         return nullptr;
     }
     const std::size_t byteCount = std::size_t{2} * *count;
@@ -186,12 +186,12 @@ std::shared_ptr<const ProfileElement> ProfileElements::Read(const JsonCursor& pl
     if (!element->frame) {
         return nullptr;
     }
-    element->labels = LabelsOf(pairs);
+    element->labels = LabelsOf(*pairs);
     element->adapter = std::make_shared<AttributeConverter>(
         static_cast<std::uint16_t>(*address), *count,
         std::make_shared<Bytes>(mask.value_or(Bytes(byteCount, std::uint8_t{0xFF}))), scale,
         hasPattern ? std::make_shared<std::string>(place.At("notAvailable").Text()) : nullptr,
-        LogicCodeIdentifier{type.code}, *element->frame, offset, pairs, ReadOrder(place.At("order")), hasPattern);
+        LogicCodeIdentifier{type.code}, *element->frame, offset, *pairs, ReadOrder(place.At("order")), hasPattern);
     return element;
 }
 

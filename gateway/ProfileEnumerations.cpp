@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <optional>
 
 #include "gateway/ProblemText.h"
 
@@ -72,6 +71,24 @@ bool SameRawValue(const EnumerationPairData& left, const EnumerationPairData& ri
     return false;  // texts that differ are different raw values
 }
 
+// Nothing for a faulty enumeration.
+std::optional<ProfileEnumerations::Pairs> ReadPairs(const JsonCursor& enumeration, const LogicCodeRow& type) {
+    auto pairs = std::make_shared<std::vector<EnumerationPairData>>();
+    enumeration.ForEach([&](const std::string& raw, const JsonCursor& label) {
+        const auto pair = ParsePair(raw, label.Text(), type);
+        if (!pair) {
+            label.Error(Quoted(raw) + " is no raw value of the type " + Quoted(type.name) +
+                        "; allowed: " + AllowedRawValues(type));
+        } else if (std::any_of(pairs->begin(), pairs->end(),
+                               [&](const EnumerationPairData& other) { return SameRawValue(*pair, other); })) {
+            label.Error("the raw value " + Quoted(raw) + " stands in the enumeration already, written differently");
+        } else if (!label->is_null()) {
+            pairs->push_back(*pair);
+        }
+    });
+    return pairs->empty() || pairs->size() < enumeration->size() ? std::nullopt : std::optional(pairs);
+}
+
 }  // namespace
 
 ProfileEnumerations::ProfileEnumerations(const JsonCursor& section) {
@@ -79,13 +96,13 @@ ProfileEnumerations::ProfileEnumerations(const JsonCursor& section) {
         [this](const std::string& name, const JsonCursor& place) { mEnumerations.emplace(name, Enumeration{place}); });
 }
 
-ProfileEnumerations::Pairs ProfileEnumerations::Get(const JsonCursor& element, const LogicCodeRow& type) {
-    const bool isText = PairTypeOf(type) == EnumerationType::STRING;
+std::optional<ProfileEnumerations::Pairs> ProfileEnumerations::Get(const JsonCursor& element,
+                                                                   const LogicCodeRow& type) {
     if (!element.Has("enumeration")) {
-        if (isText) {
+        if (PairTypeOf(type) == EnumerationType::STRING) {
             element.Error("the type " + Quoted(type.name) + " needs an \"enumeration\"");
         }
-        return nullptr;
+        return Pairs();
     }
     const JsonCursor use = element.At("enumeration");
     const auto found = mEnumerations.find(use.Text());
@@ -95,27 +112,14 @@ ProfileEnumerations::Pairs ProfileEnumerations::Get(const JsonCursor& element, c
             names.push_back(known.first);
         }
         use.Error("there is no such enumeration" + Alternatives(use.Text(), names));
-        return nullptr;
+        return std::nullopt;
     }
     found->second.used = true;
     if (PairTypeOf(type) == EnumerationType::NONE) {
         use.Error("values of the type " + Quoted(type.name) + " have no labels");
-        return nullptr;
+        return std::nullopt;
     }
-    auto pairs = std::make_shared<std::vector<EnumerationPairData>>();
-    found->second.place.ForEach([&](const std::string& raw, const JsonCursor& label) {
-        const auto pair = ParsePair(raw, label.Text(), type);
-        if (!pair) {
-            label.Error(Quoted(raw) + " is no raw value of the type " + Quoted(type.name) +
-                        "; allowed: " + AllowedRawValues(type));
-        } else if (std::any_of(pairs->begin(), pairs->end(),
-                               [&](const EnumerationPairData& other) { return SameRawValue(*pair, other); })) {
-            label.Error("the raw value " + Quoted(raw) + " stands in the enumeration already, written differently");
-        } else {
-            pairs->push_back(*pair);
-        }
-    });
-    return pairs;
+    return ReadPairs(found->second.place, type);
 }
 
 void ProfileEnumerations::ReportUnused() const {

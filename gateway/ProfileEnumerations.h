@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,9 +20,9 @@ public:
 
     explicit ProfileEnumerations(const JsonCursor& section);
 
-    // The pairs of the enumeration that an element names; null for an element without one, and for a faulty one, which
-    // is reported.
-    Pairs Get(const JsonCursor& element, const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
+    // The pairs of the enumeration that an element names, null when it names none. Nothing for a faulty enumeration,
+    // and for one that does not suit the type; that is reported.
+    std::optional<Pairs> Get(const JsonCursor& element, const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
 
     // Warns of enumerations that were not asked for.
     void ReportUnused() const;

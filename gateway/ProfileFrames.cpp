@@ -48,6 +48,7 @@ ProfileFrames::ProfileFrames(const JsonCursor& section) {
         }
         frame.sorted = frame.addresses;
         std::sort(frame.sorted.begin(), frame.sorted.end());
+        frame.sorted.erase(std::unique(frame.sorted.begin(), frame.sorted.end()), frame.sorted.end());
         mComplete = mComplete && !frame.name.empty() && !frame.addresses.empty();
         mFrames.push_back(std::move(frame));
     });
@@ -123,8 +124,8 @@ std::optional<std::uint8_t> ProfileFrames::Find(const JsonCursor& element, std::
         return static_cast<std::uint8_t>(holder);
     }
     if (!holders.empty()) {
-        element.Error(Registers(address, count) +
-                      " are in more than one frame; say which one by \"frame\": " + ListOf(holders));
+        element.Error("more than one frame holds " + Registers(address, count) +
+                      "; say which one by \"frame\": " + ListOf(holders));
     } else if (mComplete) {
         element.At("address").Error("no frame holds " + Registers(address, count) + "; nearest: " + NearestTo(address));
     }
@@ -143,7 +144,7 @@ std::optional<std::uint8_t> ProfileFrames::FindNamed(const JsonCursor& element, 
         return std::nullopt;
     }
     if (!frame->addresses.empty() && !frame->Holds(address, count)) {
-        element.At("address").Error(Registers(address, count) + " is not within the frame " + frame->Describe());
+        element.At("address").Error("the frame " + frame->Describe() + " does not hold " + Registers(address, count));
         return std::nullopt;
     }
     return static_cast<std::uint8_t>(frame - mFrames.begin());

@@ -35,8 +35,8 @@ private:
         std::string name;
         ModbusDeviceModel::ModbusFunctionCode functionCode{};
         bool contiguous = true;
-        std::vector<std::uint16_t> addresses;  // in the order of the profile; empty for a faulty frame
-        std::vector<std::uint16_t> sorted = {};
+        std::vector<std::uint16_t> addresses;    // in the order of the profile; empty for a faulty frame
+        std::vector<std::uint16_t> sorted = {};  // each once
         bool used = false;
 
         bool Holds(std::uint32_t address, std::uint32_t count) const;
