@@ -51,8 +51,8 @@ constexpr std::size_t TextSize(const DictionaryRow (&rows)[N]) {
 
 template <std::size_t N>
 constexpr bool KeysAscend(const DictionaryRow (&rows)[N]) {
-    return std::is_sorted(std::begin(rows), std::end(rows),
-                          [](const DictionaryRow& left, const DictionaryRow& right) { return left.key <= right.key; });
+    const auto notBefore = [](const DictionaryRow& left, const DictionaryRow& right) { return left.key >= right.key; };
+    return std::adjacent_find(std::begin(rows), std::end(rows), notBefore) == std::end(rows);
 }
 
 // Packs a table whose classes begin with the prefix. A class that is unknown ends the compilation.

@@ -8,13 +8,7 @@
 // The dictionary's rows as their tables write them, and what must hold for each.
 namespace kz::orba::VortaExtensionModbus::Device {
 
-// Takes the text up to the separator off the front; all of it where there is no separator.
-constexpr std::string_view TakePart(std::string_view& text, char separator) {
-    const std::size_t end = text.find(separator);
-    const std::string_view part = text.substr(0, end);
-    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
-    return part;
-}
+using Structures::TakePart;
 
 constexpr std::string_view LastPart(std::string_view name) {
     return name.substr(name.rfind('.') + 1);

@@ -1,18 +1,12 @@
 #include "dictionary/DictionaryTable.h"
 
-#include <algorithm>
-
 #include "dictionary/DictionaryPool.h"
+#include "dictionary/FindIndex.h"
 
 namespace kz::orba::VortaExtensionModbus::Device {
 
 DictionaryTable::const_iterator DictionaryTable::find(std::string_view key) const {
-    const auto* row =
-        std::lower_bound(mRows, mRows + mSize, key, [&](const PackedRow& candidate, std::string_view wanted) {
-            return std::string_view(mText + candidate.text, candidate.keySize) < wanted;
-        });
-    const auto index = static_cast<std::size_t>(row - mRows);
-    return {*this, index < mSize && KeyAt(index) == key ? index : mSize};
+    return {*this, FindIndex(key, mSize, [this](std::size_t index) { return KeyAt(index); })};
 }
 
 std::string_view DictionaryTable::KeyAt(std::size_t index) const {

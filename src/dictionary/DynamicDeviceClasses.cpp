@@ -1,9 +1,7 @@
 #include "dictionary/DynamicDeviceClasses.h"
 
-#include <algorithm>
-#include <ranges>
-
 #include "dictionary/ClassPool.h"
+#include "dictionary/FindIndex.h"
 
 namespace kz::orba::VortaExtensionModbus::Device {
 
@@ -16,9 +14,7 @@ std::string_view DynamicDeviceClasses::ValueAt(std::size_t index) const {
 }
 
 DynamicDeviceClasses::const_iterator DynamicDeviceClasses::find(std::string_view name) const {
-    const auto places = std::views::iota(std::size_t{0}, DYNAMIC_CLASS_COUNT);
-    const auto place = std::ranges::lower_bound(places, name, {}, ClassNameAt);
-    return place != places.end() && ClassNameAt(*place) == name ? const_iterator(*this, *place) : end();
+    return {*this, FindIndex(name, DYNAMIC_CLASS_COUNT, ClassNameAt)};
 }
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -16,12 +15,10 @@ inline constexpr std::string_view OUTER_MEMBER = "IoTElementDynamicClassForDevic
 inline constexpr std::string_view READ_ONLY = "Ro";
 inline constexpr std::string_view READ_WRITE = "Rw";
 
-using Members = std::array<std::string_view, 5>;  // unused ones are empty
-
 struct ValueTemplate {
     StructureTemplate structure;
     std::string_view mode;
-    Members members;  // beside "_id", "name", "value" and "mode"
+    std::string_view members;  // beside "_id", "name", "value" and "mode"
 };
 
 struct AlarmTemplate {
@@ -38,17 +35,17 @@ struct SubElement {
     Group group;
     std::string_view key;
     std::string_view name;
-    Members members;  // beside "name", "value" and "mode"
+    std::string_view members;  // beside "name", "value" and "mode"
 };
 
 // clang-format off
 inline constexpr ValueTemplate VALUES[] = {
-    {StructureTemplate::MEASUREMENT,       READ_ONLY,  {"datetime", "quality", "unit"}},
-    {StructureTemplate::TIMESTAMPED_VALUE, READ_ONLY,  {"datetime", "quality"}},
-    {StructureTemplate::ENUMERATED_VALUE,  READ_WRITE, {"locked", "enum", "quality"}},
-    {StructureTemplate::PLAIN_VALUE,       READ_ONLY,  {"quality"}},
-    {StructureTemplate::STEPPED_VALUE,     READ_WRITE, {"locked", "min", "max", "step", "quality"}},
-    {StructureTemplate::UNIT_VALUE,        READ_ONLY,  {"unit", "quality"}},
+    {StructureTemplate::MEASUREMENT,       READ_ONLY,  "datetime quality unit"},
+    {StructureTemplate::TIMESTAMPED_VALUE, READ_ONLY,  "datetime quality"},
+    {StructureTemplate::ENUMERATED_VALUE,  READ_WRITE, "locked enum quality"},
+    {StructureTemplate::PLAIN_VALUE,       READ_ONLY,  "quality"},
+    {StructureTemplate::STEPPED_VALUE,     READ_WRITE, "locked min max step quality"},
+    {StructureTemplate::UNIT_VALUE,        READ_ONLY,  "unit quality"},
 };
 
 inline constexpr AlarmTemplate ALARMS[] = {
@@ -68,19 +65,27 @@ inline constexpr AlarmTemplate ALARMS[] = {
 };
 
 inline constexpr SubElement SUB_ELEMENTS[] = {
-    {EVERY,     "state",                          "Alarm.ActiveState",                                  {"datetime", "quality"}},
-    {EVERY,     "criticality",                    "Alarm.Criticality",                                  {}},
-    {EVERY,     "type",                           "Alarm.Type",                                         {}},
-    {HANDLING,  "acknowledgment_state",           "Alarm.AcknowledgmentState",                          {"datetime"}},
-    {HANDLING,  "shelve_state",                   "Alarm.ShelveState",                                  {"datetime"}},
-    {HANDLING,  "detection_state",                "Alarm.DetectionState",                               {"datetime"}},
-    {HANDLING,  "confirmation_state",             "Alarm.ConfirmationState",                            {"datetime"}},
-    {PHASES,    "snapshot_rms_current_phs_a",     "ElectricalMeasurement.SnapshotRmsCurrentPhsA",       {"datetime", "quality", "unit"}},
-    {PHASES,    "snapshot_rms_current_phs_b",     "ElectricalMeasurement.SnapshotRmsCurrentPhsB",       {"datetime", "quality", "unit"}},
-    {PHASES,    "snapshot_rms_current_phs_c",     "ElectricalMeasurement.SnapshotRmsCurrentPhsC",       {"datetime", "quality", "unit"}},
-    {THRESHOLD, "snapshot_overcurrent_threshold", "ElectricalMeasurement.SnapshotOverCurrentThreshold", {"datetime", "quality", "unit"}},
+    {EVERY,     "state",                          "Alarm.ActiveState",                                  "datetime quality"},
+    {EVERY,     "criticality",                    "Alarm.Criticality",                                  ""},
+    {EVERY,     "type",                           "Alarm.Type",                                         ""},
+    {HANDLING,  "acknowledgment_state",           "Alarm.AcknowledgmentState",                          "datetime"},
+    {HANDLING,  "shelve_state",                   "Alarm.ShelveState",                                  "datetime"},
+    {HANDLING,  "detection_state",                "Alarm.DetectionState",                               "datetime"},
+    {HANDLING,  "confirmation_state",             "Alarm.ConfirmationState",                            "datetime"},
+    {PHASES,    "snapshot_rms_current_phs_a",     "ElectricalMeasurement.SnapshotRmsCurrentPhsA",       "datetime quality unit"},
+    {PHASES,    "snapshot_rms_current_phs_b",     "ElectricalMeasurement.SnapshotRmsCurrentPhsB",       "datetime quality unit"},
+    {PHASES,    "snapshot_rms_current_phs_c",     "ElectricalMeasurement.SnapshotRmsCurrentPhsC",       "datetime quality unit"},
+    {THRESHOLD, "snapshot_overcurrent_threshold", "ElectricalMeasurement.SnapshotOverCurrentThreshold", "datetime quality unit"},
 };
 // clang-format on
+
+// Takes the text up to the separator off the front; all of it where there is no separator.
+constexpr std::string_view TakePart(std::string_view& text, char separator) {
+    const std::size_t end = text.find(separator);
+    const std::string_view part = text.substr(0, end);
+    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+    return part;
+}
 
 template <typename Template, std::size_t N>
 constexpr const Template* Find(const Template (&templates)[N], StructureTemplate structure) {
@@ -93,8 +98,13 @@ constexpr bool BelongsTo(const SubElement& element, const AlarmTemplate& alarm) 
     return element.group == EVERY || (alarm.groups & element.group) != 0;
 }
 
-constexpr bool HoldsMember(const Members& members, std::string_view name) {
-    return name == "value" || std::find(members.begin(), members.end(), name) != members.end();
+constexpr bool HoldsMember(std::string_view members, std::string_view name) {
+    while (!members.empty()) {
+        if (TakePart(members, ' ') == name) {
+            return true;
+        }
+    }
+    return name == "value";
 }
 
 // Whether objects of the structure have that attribute, e.g. "value" or "elements.state.quality".

@@ -24,11 +24,10 @@ json InitialValue(std::string_view member, std::string_view unit) {
     return nullptr;
 }
 
-void AddMembers(json& skeleton, const Structures::Members& members, std::string_view unit) {
-    for (const std::string_view member : members) {
-        if (!member.empty()) {
-            skeleton[std::string(member)] = InitialValue(member, unit);
-        }
+void AddMembers(json& skeleton, std::string_view members, std::string_view unit) {
+    while (!members.empty()) {
+        const std::string_view member = Structures::TakePart(members, ' ');
+        skeleton[std::string(member)] = InitialValue(member, unit);
     }
 }
 

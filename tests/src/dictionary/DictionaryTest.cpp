@@ -1,0 +1,259 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "dictionary/CustomAlarmElementStructure.h"
+#include "dictionary/DeviceElementLookUp.h"
+#include "dictionary/DynamicDeviceClasses.h"
+
+namespace kz::orba::VortaExtensionModbus::Device {
+
+namespace {
+
+using LookUp = DeviceElementLookUp;
+using nlohmann::json;
+using Sources = std::unordered_multimap<std::string, std::string>;
+using enum StructureTemplate;
+
+const std::map<std::string, const DictionaryTable*> TABLES{
+    {"alarm", &LookUp::mIotAlmFunctionElement},
+    {"measurement", &LookUp::mIotMeasurementFunctionElement},
+    {"protection", &LookUp::mIotProtectionFunctionElement},
+    {"circuit breaker", &LookUp::mIotSwitchgearCircuitBreakerFunctionElement}};
+
+// The tables that the Check operations find a key in.
+std::set<std::string> TablesOf(const std::string& key) {
+    std::set<std::string> tables;
+    const std::map<std::string, bool> checks{{"alarm", LookUp::CheckAlmElement(key)},
+                                             {"measurement", LookUp::CheckMeasurementElement(key)},
+                                             {"protection", LookUp::CheckProtectionElement(key)},
+                                             {"circuit breaker", LookUp::CheckSwitchgearCircuitBreakerElement(key)}};
+    for (const auto& [table, found] : checks) {
+        if (found) {
+            tables.insert(table);
+        }
+    }
+    return tables;
+}
+
+json SkeletonOf(const json& structure) {
+    EXPECT_EQ(structure.size(), 1U);
+    return structure.at("IoTElementDynamicClassForDevice");
+}
+
+json AlarmElement(const char* name, const json& value, const json& more) {
+    json element{{"name", name}, {"value", value}, {"mode", "Ro"}};
+    element.update(more);
+    return element;
+}
+
+json Alarm(const char* criticality, const char* type, const json& more) {
+    json elements{{"state", AlarmElement("Alarm.ActiveState", nullptr, {{"datetime", nullptr}, {"quality", nullptr}})},
+                  {"criticality", AlarmElement("Alarm.Criticality", criticality, json::object())},
+                  {"type", AlarmElement("Alarm.Type", type, json::object())}};
+    elements.update(more);
+    return {{"_id", nullptr}, {"name", nullptr}, {"elements", elements}};
+}
+
+}  // namespace
+
+TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
+    const std::string measurement = "$iot.measurement.", numerical = measurement + "NumericalMeasurementValue";
+    const std::string text = measurement + "DiscreteMeasurementValue<String>", electrical = "ElectricalMeasurement.";
+    struct Row {
+        std::string table, key;
+        Sources sources;
+        std::string name, unit, className;
+        StructureTemplate structure;
+    };
+    // clang-format off
+    const std::vector<Row> rows{
+        {"alarm", "15", {{"elements.state.value", "XCBR1_Pos"}},
+         "Alarm.CircuitBreakerOpenedAlarm", "", "$iot.alm.CircuitBreakerOpenedAlarm", MEDIUM_PROTECTION},
+        {"alarm", "1d", {{"elements.state.value", "G_PTOC1_Op"}},
+         "Alarm.GroundFaultAlarm", "", "$iot.alm.GroundFaultAlarm", HIGH_PROTECTION},
+        {"alarm", "24", {{"elements.state.value", "CALH1_IOverloadVLoss3PhsAlm"},
+                         {"elements.snapshot_overcurrent_threshold.value", "CALH1_IOverloadThreshold"}},
+         "Alarm.OverCurrentVoltageLossAlarm", "", "$iot.alm.OverCurrentVoltageLossAlarm", HIGH_PROTECTION_PHASES_THRESHOLD},
+        {"alarm", "25", {{"elements.state.value", "CALH1_VLoss3PhsAlm"},
+                         {"elements.snapshot_rms_current_phs_a.value", "IA _VLoss"},
+                         {"elements.snapshot_rms_current_phs_b.value", "IB _VLoss"},
+                         {"elements.snapshot_rms_current_phs_c.value", "IC _VLoss"}},
+         "Alarm.VoltageLossAlarm", "", "$iot.alm.VoltageLossAlarm", HIGH_PROTECTION_PHASES},
+        {"alarm", "5dd", {{"elements.state.value", "EF_PTOC2_OpReq"}, {"elements.state.quality", "EF_PTOC2_OpReq_Qual"}},
+         "Alarm.EarthLeakageProtectionPreAlarm", "", "$iot.alm.EarthLeakageProtectionPreAlarm", MEDIUM_PROTECTION},
+        {"protection", "78b", {{"value", "EF_PTOC1_Op"}, {"quality", "EF_PTOC1_Op_Qual"}},
+         "ElPtoc.OperateStatus", "", "$iot.protection.el_ptoc.OperateStatus", TIMESTAMPED_VALUE},
+        {"protection", "8bf", {{"value", "GGIO1_ThmFault"}},
+         "Protection.TripThermalFaultStatus", "", "$iot.protection.TripThermalFaultStatus", TIMESTAMPED_VALUE},
+        {"circuit breaker", "59", {{"value", "XCBR1_Pos"}, {"quality", "XCBR1_Pos_Qual"}},
+         "CircuitBreaker.PositionInformation", "", "$iot.switchgear.circuit_breaker.PositionInformation", TIMESTAMPED_VALUE},
+        {"circuit breaker", "76e", {{"value", "SCBR1_TtlCumA2"}}, "CircuitBreaker.TotalCumulativeBreakingCurrent",
+         "A²", "$iot.switchgear.circuit_breaker.TotalCumulativeBreakingCurrent", UNIT_VALUE},
+        {"circuit breaker", "76f", {{"value", "SCBR1_AccAbr_DT"}}, "CircuitBreaker.WorstAbrasionPhs",
+         "", "$iot.switchgear.circuit_breaker.WorstAbrasionPhs", PLAIN_VALUE},
+        {"measurement", "625", {{"value", "LPHD1_BatV"}},
+         "Measurement.BatteryVoltage", "V", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "85f", {{"value", "dV_dt_water"}},
+         "Measurement.WaterFlowRate", "m³/s", measurement + "WaterFlowRate", MEASUREMENT},
+        {"measurement", "9ae", {{"value", "SPDC1_AcqEnaPhsC"}},
+         "Measurement.ChannelMonitoringControlPhsC", "", measurement + "ChannelMonitoringControlPhs", ENUMERATED_VALUE},
+        {"measurement", "DTMinIA;MinIA", {{"datetime", "DTMinIA"}, {"value", "MinIA"}},
+         electrical + "RmsMinCurrentPhsA", "A", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "DTMinIG_KELO;MinIG_KELO", {{"datetime", "DTMinIG_KELO"}, {"value", "MinIG_KELO"}},
+         electrical + "RmsMinCurrentEarthLeakage", "A", numerical + "<Float>", MEASUREMENT},
+        // Pairs whose date-time id does not repeat the value id.
+        {"measurement", "DTMinPF;MinPFTtl", {{"datetime", "DTMinPF"}, {"value", "MinPFTtl"}},
+         electrical + "TotalRmsMinPowerFactor", "", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "DTMaxkVATtl;MaxVA_Ttl", {{"datetime", "DTMaxkVATtl"}, {"value", "MaxVA_Ttl"}},
+         electrical + "TotalMaxApparentPower", "VA", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "DTPkkWAD;PkWAD", {{"datetime", "DTPkkWAD"}, {"value", "PkWAD"}},
+         electrical + "DemandMaxActivePowerPhsA", "W", measurement + "electrical.DemandMaxMeasurement", MEASUREMENT},
+        // A date-time that is no part of the key.
+        {"measurement", "PkWDDel-Rec", {{"datetime", "DTPkWDDel-Rec"}, {"value", "PkWDDel-Rec"}},
+         electrical + "DemandMaxActivePowerDeliveredLessReceived", "W",
+         measurement + "electrical.DemandMaxMeasurement", MEASUREMENT},
+        {"measurement", "ZCAP1_BrokenStStep10;ZCAP1_BrokenStStep10_Qual",
+         {{"value", "ZCAP1_BrokenStStep10"}, {"quality", "ZCAP1_BrokenStStep10_Qual"}},
+         electrical + "BrokenStatusCapacitorBankStep10", "", text, TIMESTAMPED_VALUE},
+        {"measurement", "Hz", {{"value", "Hz"}}, electrical + "RmsFrequency", "Hz", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "H11VAB_Mag", {{"value", "H11VAB_Mag"}},
+         electrical + "RatioFundamentalVoltageHarmonic11PhsAB", "", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "thd_VLN", {{"value", "thd_VLN"}},
+         electrical + "RmsThdVoltageLineToNeutral", "", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "MaxVUnbalLL_PH", {{"value", "MaxVUnbalLL_PH"}},
+         electrical + "PhaseOfMaxUnbalanceVoltageLineToLine", "", text, TIMESTAMPED_VALUE},
+        {"measurement", "WHr2Del+Rec", {{"value", "WHr2Del+Rec"}},
+         electrical + "ActiveEnergyDeliveredPlusReceivedTariffRate2", "Wh", numerical + "<Integer>", MEASUREMENT},
+        {"measurement", "VAHrCRec_Nonreset", {{"value", "VAHrCRec_Nonreset"}},
+         electrical + "ApparentEnergyReceivedNonResettablePhsC", "VAh", numerical + "<Integer>", MEASUREMENT},
+        {"measurement", "SPDC1_PulseNPRPhsBAng07", {{"value", "SPDC1_PulseNPRPhsBAng07"}},
+         electrical + "PartialDischargePulseRatePhsBAngle07", "1/s", numerical + "<Float>", MEASUREMENT},
+        {"measurement", "TCM1_PM2_5", {{"value", "TCM1_PM2_5"}}, "EnvironmentalMeasurement.ParticulateMatter2_5Concentration",
+         "", measurement + "NumericalMeasurementValueWithInformation<Float>", MEASUREMENT},
+        // Of unknown keys nothing is known; a part of a key is none, nor is the id that feeds an element.
+        {"", "", {}, "", "", numerical, MEASUREMENT},
+        {"", "MinIA", {}, "", "", numerical, MEASUREMENT},
+        {"", "DTMinIA;MinIA ", {}, "", "", numerical, MEASUREMENT},
+        {"", "hz", {}, "", "", numerical, MEASUREMENT},
+        {"", "XCBR1_Pos", {}, "", "", numerical, MEASUREMENT},
+        {"", "\x7f", {}, "", "", numerical, MEASUREMENT},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.key);
+        EXPECT_EQ(TablesOf(row.key), row.table.empty() ? std::set<std::string>() : std::set{row.table});
+        EXPECT_EQ(LookUp::GetPdmId(row.key), row.sources);
+        EXPECT_EQ(LookUp::GetName(row.key), row.name);
+        EXPECT_EQ(LookUp::GetUnit(row.key), row.unit);
+        EXPECT_EQ(LookUp::GetClass(row.key), row.className);
+        EXPECT_EQ(LookUp::GetStructure(row.key), BuildStructure(row.structure));
+        for (const char* path : {"value", "datetime", "quality", "elements.state.value"}) {
+            const auto source = row.sources.find(path);
+            EXPECT_EQ(LookUp::GetMappedAttributePath(row.key, path), source == row.sources.end() ? "" : source->second);
+        }
+    }
+}
+
+TEST(Dictionary, TablesAreOrderedMapsOverAllTheirRows) {
+    std::set<std::string_view> names, keys;
+    for (const auto& [table, rows] : TABLES) {
+        std::string_view last;
+        for (const auto& [key, entry] : *rows) {
+            EXPECT_LT(last, key) << table;
+            EXPECT_EQ(rows->find(key)->second.name, entry.name) << key;
+            EXPECT_TRUE(keys.insert(key).second && names.insert(entry.name).second) << key << " " << entry.name;
+            last = key;
+        }
+        EXPECT_EQ(rows->find("~"), rows->end());
+        EXPECT_EQ(rows->count("") + rows->count(last), 1U);
+    }
+    EXPECT_EQ(keys.size(), 1140U);
+}
+
+TEST(Dictionary, ValueStructuresHaveTheMembersThatSuitTheirUse) {
+    const json common{{"_id", nullptr}, {"name", nullptr}, {"value", nullptr}, {"mode", "Ro"}, {"quality", nullptr}};
+    const std::map<StructureTemplate, json> more{
+        {MEASUREMENT, {{"datetime", nullptr}, {"unit", ""}}},
+        {TIMESTAMPED_VALUE, {{"datetime", nullptr}}},
+        {ENUMERATED_VALUE, {{"mode", "Rw"}, {"locked", false}, {"enum", {"On", "Off"}}}},
+        {PLAIN_VALUE, json::object()},
+        {STEPPED_VALUE, {{"mode", "Rw"}, {"locked", false}, {"min", nullptr}, {"max", nullptr}, {"step", nullptr}}},
+        {UNIT_VALUE, {{"unit", ""}}}};
+    for (const auto& [structure, members] : more) {
+        json expected = common;
+        expected.update(members);
+        EXPECT_EQ(SkeletonOf(BuildStructure(structure)), expected);
+    }
+    EXPECT_EQ(BuildStructure(static_cast<StructureTemplate>(200)), nullptr);
+}
+
+TEST(Dictionary, AlarmStructuresCarryWhatTheAlarmNeeds) {
+    const json snapshot{{"datetime", nullptr}, {"quality", nullptr}, {"unit", "A"}};
+    const auto snapshotOf = [&](const std::string& what) {
+        return AlarmElement(("ElectricalMeasurement.Snapshot" + what).c_str(), nullptr, snapshot);
+    };
+    const json phases{{"snapshot_rms_current_phs_a", snapshotOf("RmsCurrentPhsA")},
+                      {"snapshot_rms_current_phs_b", snapshotOf("RmsCurrentPhsB")},
+                      {"snapshot_rms_current_phs_c", snapshotOf("RmsCurrentPhsC")}};
+    json threshold = phases;
+    threshold["snapshot_overcurrent_threshold"] = snapshotOf("OverCurrentThreshold");
+    const json dated{{"datetime", nullptr}};
+    const json handled{{"acknowledgment_state", AlarmElement("Alarm.AcknowledgmentState", nullptr, dated)},
+                       {"shelve_state", AlarmElement("Alarm.ShelveState", nullptr, dated)},
+                       {"detection_state", AlarmElement("Alarm.DetectionState", nullptr, dated)},
+                       {"confirmation_state", AlarmElement("Alarm.ConfirmationState", nullptr, dated)}};
+    const json none = json::object();
+    const std::map<std::string, json> skeletons{{"24", Alarm("High", "Protection", threshold)},
+                                                {"25", Alarm("High", "Protection", phases)},
+                                                {"484", Alarm("High", "Protection", none)},  // a trip
+                                                {"55e", Alarm("Low", "Protection", none)},
+                                                {"5e1", Alarm("Medium", "Protection", none)},  // a warning of one
+                                                {"87f", Alarm("High", "Protection", handled)},
+                                                {"5e4", Alarm("High", "AssetHealth", none)},
+                                                {"561", Alarm("Medium", "AssetHealth", none)},
+                                                {"889", Alarm("Low", "AssetHealth", none)},
+                                                {"21", Alarm("High", "AssetHealth", handled)},
+                                                {"23", Alarm("Medium", "AssetHealth", handled)},
+                                                {"22", Alarm("Low", "AssetHealth", handled)}};
+    for (const auto& [key, skeleton] : skeletons) {
+        EXPECT_EQ(SkeletonOf(LookUp::GetStructure(key)), skeleton) << key;
+    }
+    EXPECT_EQ(SkeletonOf(BuildStructure(LOW_PROTECTION_HANDLED)), Alarm("Low", "Protection", handled));
+}
+
+TEST(Dictionary, CustomAlarmsGetACopyOfTheirStructure) {
+    const json expected = json::parse(R"({"_id": null, "name": null, "alias": null, "elements": {
+        "state": {"name": "Alarm.ActiveState", "mode": "Ro", "value": null, "datetime": null, "quality": null},
+        "criticality": {"name": "Alarm.Criticality", "mode": "Ro", "value": null},
+        "type": {"name": "Alarm.Type", "mode": "Ro", "value": null},
+        "customer_alarm_name": {"name": "Alarm.CustomerAlarmName", "mode": "Rw", "value": null,
+                                "locked": true, "max_length": 50},
+        "customer_alarm_description": {"name": "Alarm.CustomerAlarmDescription", "mode": "Rw", "value": null,
+                                       "locked": true, "max_length": 500}}})");
+    CustomAlarmElementStructure::GetStructure()["IoTElementDynamicClassForDevice"]["name"] = "changed";
+    EXPECT_EQ(SkeletonOf(CustomAlarmElementStructure::GetStructure()), expected);
+}
+
+TEST(Dictionary, DynamicClassesAreThoseOfItsRowsButOneAndOneMore) {
+    std::set<std::string_view> classes{"$iot.alm.TripCircuitSupervisionTrippedAlarm"};
+    for (const auto& [table, rows] : TABLES) {
+        for (const auto& [key, entry] : *rows) {
+            classes.insert(entry.className);
+        }
+    }
+    EXPECT_EQ(classes.erase("$iot.switchgear.circuit_breaker.WorstAbrasionPhs"), 1U);
+    EXPECT_EQ(classes,
+              std::set<std::string_view>(DYNAMIC_DEVICE_CLASS_NAMES.begin(), DYNAMIC_DEVICE_CLASS_NAMES.end()));
+    for (const std::string_view name : classes) {
+        EXPECT_TRUE(IsDynamicDeviceClassName(name)) << name;
+    }
+    for (const char* name : {"", "$iot.measurement.NumericalMeasurementValue", "$iot.alm.groundfaultalarm", "~",
+                             "$iot.switchgear.circuit_breaker.WorstAbrasionPhs"}) {
+        EXPECT_FALSE(IsDynamicDeviceClassName(name)) << name;
+    }
+}
+
+}  // namespace kz::orba::VortaExtensionModbus::Device
