@@ -1,9 +1,9 @@
 #include "gateway/ProfileEnumerations.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <set>
 
 #include "gateway/ProblemText.h"
 
@@ -58,29 +58,23 @@ std::string AllowedRawValues(const LogicCodeRow& type) {
                : "0 to " + std::to_string(LargestRawValue(type)) + ", in decimal digits or as \"0x...\"";
 }
 
-bool SameRawValue(const EnumerationPairData& left, const EnumerationPairData& right) {
-    switch (left.mType) {
-        case EnumerationType::UNSIGNED_INTEGER:
-            return right.matches(left.mValue.mUnsigned);
-        case EnumerationType::FLOAT:
-            return right.matches(left.mValue.mFloat);
-        case EnumerationType::STRING:
-        case EnumerationType::NONE:
-            break;
-    }
-    return false;  // texts that differ are different raw values
+// False for a number that was seen before. Texts that differ are different raw values.
+bool IsNew(const EnumerationPairData& pair, std::set<double>& seen) {
+    const double number =
+        pair.mType == EnumerationType::FLOAT ? double{pair.mValue.mFloat} : double{pair.mValue.mUnsigned};
+    return pair.mType == EnumerationType::STRING || seen.insert(number).second;
 }
 
 // Nothing for a faulty enumeration.
 std::optional<ProfileEnumerations::Pairs> ReadPairs(const JsonCursor& enumeration, const LogicCodeRow& type) {
     auto pairs = std::make_shared<std::vector<EnumerationPairData>>();
+    std::set<double> seen;
     enumeration.ForEach([&](const std::string& raw, const JsonCursor& label) {
         const auto pair = ParsePair(raw, label.Text(), type);
         if (!pair) {
             label.Error(Quoted(raw) + " is no raw value of the type " + Quoted(type.name) +
                         "; allowed: " + AllowedRawValues(type));
-        } else if (std::any_of(pairs->begin(), pairs->end(),
-                               [&](const EnumerationPairData& other) { return SameRawValue(*pair, other); })) {
+        } else if (!IsNew(*pair, seen)) {
             label.Error("the raw value " + Quoted(raw) + " stands in the enumeration already, written differently");
         } else if (!label->is_null()) {
             pairs->push_back(*pair);
