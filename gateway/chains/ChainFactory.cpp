@@ -1,0 +1,186 @@
+#include "gateway/chains/ChainFactory.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <utility>
+
+#include "Support/Status.h"
+#include "gateway/chains/ChainCall.h"
+#include "gateway/chains/ChainTable.h"
+#include "gateway/chains/NumberOrder.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::ProcessingChain;
+using nlohmann::json;
+namespace Status = ModbusDeviceModel::Status;
+
+namespace {
+
+class TableChain final : public ProcessingChain {
+public:
+    TableChain(const ChainRow& row, Names inputs, ChainSettings settings)
+        : ProcessingChain(SignaturesOf(row, inputs), std::string(row.name), row.result == ChainResult::LABEL),
+          mRow(row),
+          mInputs(std::move(inputs)),
+          mSettings(std::move(settings)) {}
+
+private:
+    static std::vector<Signature> SignaturesOf(const ChainRow& row, const Names& inputs) {
+        std::vector<Signature> signatures;
+        for (const auto& types : row.types) {
+            Signature& signature = signatures.emplace_back();
+            for (const auto& input : inputs) {
+                signature.emplace(input, signature.empty() ? types.first : types.others);
+            }
+        }
+        return signatures;
+    }
+
+    kz::orba::StatusCode Process(const json& parameters, json& result) const override {
+        const ChainCall call{mInputs, parameters, mSettings};
+        for (std::size_t i = 0; i < mInputs.size(); ++i) {
+            if (call[i].is_number() && !std::isfinite(call[i].get<double>())) {
+                return Status::OUT_OF_RANGE;
+            }
+        }
+        json value;
+        const auto status = mRow.compute(call, value);
+        if (status == Status::SUCCESS) {
+            result = std::move(value);
+        }
+        return status;
+    }
+
+    const ChainRow& mRow;
+    Names mInputs;
+    ChainSettings mSettings;
+};
+
+constexpr auto ANY = [](const auto&) { return true; };
+constexpr auto GIVES_BOOLEAN = [](const ChainRow& row) { return row.result == ChainResult::BOOLEAN; };
+
+Names NamesOf(const auto& rows, auto suits) {
+    Names names;
+    for (const auto& row : rows) {
+        if (suits(row)) {
+            names.emplace_back(row.name);
+        }
+    }
+    return names;
+}
+
+// The row of a chain that suits; null, and a fault, where there is none.
+const ChainRow* Find(const std::string& name, auto suits, ChainFactory::Result& result) {
+    const ChainRow* row = FindChain(name);
+    if (row && suits(*row)) {
+        return row;
+    }
+    const Names known = NamesOf(AllChains(), suits);
+    std::string list;  // not cut, however many there are
+    for (const auto& other : known) {
+        list += (list.empty() ? "" : ", ") + Quoted(other);
+    }
+    result.faults.push_back({{"chain"},
+                             row ? "the chain " + Quoted(name) + " does not give true or false; allowed: " + list
+                                 : "there is no chain " + Quoted(name) + Alternatives(name, known, list)});
+    return nullptr;
+}
+
+// Puts the inputs into the order of the chain's own ones; a fault where they do not suit.
+void CheckInputs(const ChainRow& row, Names& inputs, ChainFactory::Result& result) {
+    const Names roles(row.inputs.names.begin(), row.inputs.names.end());
+    if (!roles.empty()) {
+        if (!std::is_permutation(roles.begin(), roles.end(), inputs.begin(), inputs.end())) {
+            result.faults.push_back({{"inputs"},
+                                     "the chain " + Quoted(row.name) + " has other inputs than " + ListOf(inputs) +
+                                         "; allowed: just " + ListOf(roles)});
+        }
+        inputs = roles;
+    } else if (inputs.size() < row.inputs.least || inputs.size() > row.inputs.most) {
+        result.faults.push_back({{"inputs"},
+                                 "the chain " + Quoted(row.name) + " cannot have " + std::to_string(inputs.size()) +
+                                     " inputs; allowed: " + (row.inputs.most == 1 ? "one" : "two or more") +
+                                     ", under any name"});
+    }
+}
+
+void ReadSetting(const ChainRow& row, const std::string& name, const json& value, ChainSettings& settings,
+                 ChainFactory::Result& result) {
+    const auto setting =
+        std::find_if(row.settings.begin(), row.settings.end(), [&](const auto& known) { return known.name == name; });
+    std::string message;
+    if (setting == row.settings.end()) {
+        message = "the chain " + Quoted(row.name) + " has no setting " + Quoted(name) +
+                  Alternatives(name, NamesOf(row.settings, ANY));
+    } else if (!setting->read(value, settings)) {
+        message = Quoted(name) + " cannot be " + Cited(value) + "; allowed: " + std::string(setting->allowed);
+    } else {
+        return;
+    }
+    result.faults.push_back({{"settings", name}, message});
+}
+
+ChainSettings ReadSettings(const ChainRow& row, const json& given, ChainFactory::Result& result) {
+    ChainSettings settings;
+    if (!given.is_object() && !given.is_null()) {
+        result.faults.push_back({{"settings"}, "settings cannot be " + Cited(given) + "; allowed: an object"});
+        return settings;
+    }
+    for (const auto& [name, value] : given.items()) {
+        ReadSetting(row, name, value, settings, result);
+    }
+    for (const auto& setting : row.settings) {
+        if (setting.isRequired && !given.contains(setting.name)) {
+            result.faults.push_back({{},
+                                     "the chain " + Quoted(row.name) + " needs the setting " + Quoted(setting.name) +
+                                         "; allowed: " + std::string(setting.allowed)});
+        }
+    }
+    if (settings.low.is_number() && settings.high.is_number() && OrderOf(settings.low, settings.high, 0) > 0) {
+        result.faults.push_back(
+            {{"settings", "low"}, "\"low\" is above \"high\"; allowed: up to " + Cited(settings.high)});
+    }
+    return settings;
+}
+
+Names LabelsOf(const ChainSettings& settings) {
+    std::set<std::string> labels{settings.defaultLabel};
+    for (const auto& choice : settings.choices) {
+        labels.insert(choice.label);
+    }
+    labels.erase("");
+    return {labels.begin(), labels.end()};
+}
+
+void Finish(const ChainRow& row, Names inputs, const json& given, ChainFactory::Result& result) {
+    ChainSettings settings = ReadSettings(row, given, result);
+    if (result.faults.empty()) {
+        result.labels = LabelsOf(settings);
+        result.chain = std::make_shared<TableChain>(row, std::move(inputs), std::move(settings));
+    }
+}
+
+}  // namespace
+
+ChainFactory::Result ChainFactory::Make(const std::string& name, const Names& inputs, const json& settings) {
+    Result result;
+    if (const ChainRow* row = Find(name, ANY, result)) {
+        Names ordered = inputs;
+        CheckInputs(*row, ordered, result);
+        Finish(*row, std::move(ordered), settings, result);
+    }
+    return result;
+}
+
+ChainFactory::Result ChainFactory::MakeForAlarm(const std::string& name, const std::string& left,
+                                                const std::string& right, const json& settings) {
+    Result result;
+    if (const ChainRow* row = Find(name, GIVES_BOOLEAN, result)) {
+        Finish(*row, row->inputs.most == 1 ? Names{left} : Names{left, right}, settings, result);
+    }
+    return result;
+}
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <nlohmann/json_fwd.hpp>
+#include <span>
+#include <string_view>
+
+#include "DataModel/ProcessingChain.h"
+
+// The processing chains that a device profile can name, one row each.
+namespace kzm::ModbusGateway {
+
+struct ChainCall;
+struct ChainSettings;
+
+enum class ChainResult { NUMBER, BOOLEAN, LABEL };
+
+// How many inputs a chain takes, and their names where each has a role of its own; else any names will do.
+struct ChainInputs {
+    std::span<const std::string_view> names;
+    std::size_t least;
+    std::size_t most = std::numeric_limits<std::size_t>::max();
+};
+
+// The types that inputs must have together.
+struct ChainTypes {
+    ModbusDeviceModel::ProcessingChainOperandType first;
+    ModbusDeviceModel::ProcessingChainOperandType others;
+};
+
+struct ChainSetting {
+    std::string_view name;
+    bool isRequired;
+    std::string_view allowed;
+    // False for a value that is not allowed.
+    bool (*read)(const nlohmann::json& value, ChainSettings& settings);
+};
+
+struct ChainRow {
+    std::string_view name;  // as profiles write it
+    ChainInputs inputs;
+    std::span<const ChainTypes> types;  // alternatives
+    ChainResult result;
+    std::span<const ChainSetting> settings;
+    kz::orba::StatusCode (*compute)(const ChainCall& call, nlohmann::json& result);
+};
+
+std::span<const ChainRow> AllChains();
+
+// Null for an unknown name.
+const ChainRow* FindChain(std::string_view name);
+
+}  // namespace kzm::ModbusGateway
