@@ -22,6 +22,7 @@ struct RtuLine {
 struct ModbusConnection {
     std::variant<TcpEndpoint, RtuLine> line;
     std::uint8_t unit = 1;  // 0 to 247 on a serial line, 255 for a TCP device without sub-devices
+    // For a whole answer, and for connecting. Host names are looked up by the system, within times of its own.
     std::chrono::milliseconds timeout{1000};
     // The pause before a lost connection is opened again doubles from the first to the last of these.
     std::chrono::milliseconds firstPause{500};

@@ -27,9 +27,9 @@ public:
     explicit RegisterCache(const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames);
     ~RegisterCache() override;
 
-    // Replaces a frame whole. For coils and discrete inputs a register is one bit, 0 or 1. `timestamp`: milliseconds since
-    // 1970. Throws std::out_of_range for an unknown frame, std::invalid_argument for a wrong number of registers; the
-    // frame then stays as it was.
+    // Replaces a frame whole. For coils and discrete inputs a register is one bit, 0 or 1. `timestamp`: milliseconds
+    // since 1970. Throws std::out_of_range for an unknown frame, std::invalid_argument for a wrong number of registers;
+    // the frame then stays as it was.
     void Update(std::uint8_t frameIndex, std::span<const std::uint16_t> registers, std::uint64_t timestamp,
                 Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_GOOD);
 
@@ -40,8 +40,8 @@ public:
     // A copy of what a frame holds. Throws std::out_of_range for an unknown frame.
     Frame GetFrame(std::uint8_t frameIndex) const;
 
-    // No data (0 bytes, quality Uninitialised) for an unknown frame, a frame never received, registers that are not all in
-    // the frame, and more bytes than the buffer holds.
+    // No data (0 bytes, quality Uninitialised) for an unknown frame, a frame never received, registers that are not all
+    // in the frame, and more bytes than the buffer holds.
     std::uint32_t ReadFrame(const std::uint8_t& frameIndex, const std::uint16_t& address, std::uint8_t count,
                             std::uint8_t* buffer, std::uint32_t capacity, Quality& quality) const override;
     // 0 for an unknown frame and one never received.

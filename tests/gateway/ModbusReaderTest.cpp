@@ -1,0 +1,224 @@
+#include "gateway/ModbusReader.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include "PymodbusServer.h"
+#include "ScriptedDevice.h"
+#include "ServedCache.h"
+#include "gateway/FrameAddresses.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "kzm/StandIn/Clock.h"
+
+namespace kzm::ModbusGateway {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace ModbusDeviceModel;
+using namespace ModbusDeviceModel::DeviceCache;
+using DeviceProfile::FrameData;
+using Log::OrbaLogLevel;
+using Registers = std::vector<std::uint16_t>;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto HOLDING = ModbusFunctionCode::READ_HOLDING_REGISTERS;
+
+ModbusConnection To(std::uint16_t port) {
+    return {.line = TcpEndpoint{"127.0.0.1", port}, .timeout = 200ms, .firstPause = 20ms, .longestPause = 80ms};
+}
+
+// The same values as pymodbus_server.py.
+std::uint16_t ValueAt(ModbusFunctionCode functionCode, std::uint16_t address) {
+    switch (functionCode) {
+        case ModbusFunctionCode::READ_COILS:
+            return address % 3 == 0;
+        case ModbusFunctionCode::READ_DISCRETE_INPUTS:
+            return address % 5 == 0;
+        case ModbusFunctionCode::READ_HOLDING_REGISTERS:
+            return static_cast<std::uint16_t>(address * 31 + 1);
+        default:
+            return static_cast<std::uint16_t>(65535 - address);
+    }
+}
+
+const std::vector<FrameData> DEVICE_FRAMES{
+    FrameData(ModbusFunctionCode::READ_COILS, false, 0, 11, std::uint16_t{2}),
+    FrameData(ModbusFunctionCode::READ_DISCRETE_INPUTS, false, 0, 1900, std::uint16_t{1}),
+    FrameData(HOLDING, false, 0, 5, std::vector<std::uint16_t>{7, 300, 6, 8, 5}),
+    FrameData(ModbusFunctionCode::READ_INPUT_REGISTERS, false, 0, 125, std::uint16_t{1000}),
+    FrameData(HOLDING, false, 0, 2, std::uint16_t{3000}),                                   // not on the device
+    FrameData(ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, false, 0, 2, std::uint16_t{5})  // no reading
+};
+
+Registers ValuesOf(const FrameData& frame) {
+    Registers values;
+    for (const std::uint16_t address : AddressesOf(frame)) {
+        values.push_back(ValueAt(frame.mFunctionCode, address));
+    }
+    return values;
+}
+
+void ExpectDeviceIsRead(std::uint16_t port) {
+    RegisterCache cache(DEVICE_FRAMES);
+    ModbusReader reader(To(port), DEVICE_FRAMES, cache);
+    const ModbusReader::Round round = reader.ReadAllFrames();
+    EXPECT_EQ(round.connectionError, "");
+    EXPECT_EQ(round.framesRead, 4U);
+    for (std::uint8_t index = 0; index < 4; ++index) {
+        EXPECT_EQ(cache.GetFrame(index).registers, ValuesOf(DEVICE_FRAMES[index])) << "frame " << +index;
+    }
+    ASSERT_EQ(round.errors.size(), 2U);
+    EXPECT_EQ(round.errors[0].frameIndex, 4);
+    EXPECT_EQ(round.errors[0].reason, "Illegal data address");
+    EXPECT_EQ(round.errors[1].reason, "function code 16 reads nothing");
+}
+
+TEST(ModbusReader, ReadsTheSimulator) {
+    ServedCache served(DEVICE_FRAMES);
+    for (std::uint8_t index = 0; index < 4; ++index) {
+        served.cache.Update(index, ValuesOf(DEVICE_FRAMES[index]), 1);
+    }
+    ExpectDeviceIsRead(served.GetPort());
+}
+
+TEST(ModbusReader, ReadsTheServerOfPymodbus) {
+    const PymodbusServer server;
+    ASSERT_NE(server.GetPort(), 0) << "/usr/bin/python3 with python3-pymodbus is needed";
+    ExpectDeviceIsRead(server.GetPort());
+}
+
+const std::vector<FrameData> SCRIPTED_FRAMES{
+    FrameData(HOLDING, false, 0, 4, std::uint16_t{10}),
+    FrameData(HOLDING, false, 0, 4, std::vector<std::uint16_t>{40, 21, 20, 30}),
+};
+const Registers SCRIPTED_VALUES[] = {{10, 11, 12, 13}, {40, 21, 20, 30}};
+
+struct FaultRow {
+    const char* name;
+    std::deque<Treatment> script;       // requests in the order of the frames: 10-13, 20-21, 30, 40
+    std::optional<std::uint8_t> fails;  // the frame that is not read
+    std::string reason;
+    RegisterCache::Quality quality = QUALITY_GOOD;  // of that frame then
+};
+
+template <typename Device>
+void ExpectFaultHitsOneFrameOnce(Device& device, const ModbusConnection& connection, const FaultRow& row) {
+    SCOPED_TRACE(row.name);
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader reader(connection, SCRIPTED_FRAMES, cache);
+    for (const std::uint64_t time : {1000U, 2000U, 3000U}) {
+        const bool isFaulty = time == 2000;
+        device.Treat(isFaulty ? row.script : std::deque<Treatment>{});
+        const StandIn::StoppedClock clock(time);
+        const ModbusReader::Round round = reader.ReadAllFrames();
+        EXPECT_EQ(round.connectionError, "");
+        EXPECT_EQ(round.errors.size(), isFaulty && row.fails ? 1U : 0U);
+        EXPECT_EQ(round.framesRead + round.errors.size(), 2U);
+        for (const ModbusReader::FrameError& error : round.errors) {
+            EXPECT_EQ(error.reason, row.reason);
+        }
+        for (std::uint8_t index = 0; index < 2; ++index) {
+            const bool fails = isFaulty && row.fails == index;
+            EXPECT_EQ(cache.GetFrame(index).registers, SCRIPTED_VALUES[index]);
+            EXPECT_EQ(cache.GetFrame(index).quality, fails ? row.quality : QUALITY_GOOD);
+            EXPECT_EQ(cache.GetFrameTimestamp(index), fails ? 1000U : time) << "frame " << +index;
+        }
+    }
+}
+
+TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnTcp) {
+    using enum Treatment;
+    const FaultRow rows[] = {
+        {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
+        {"exception within a frame", {ANSWER, ANSWER, EXCEPTION}, 1, "Slave device or server failure", QUALITY_BAD},
+        {"closed while idle", {CLOSE}, {}, ""},
+        {"closed within a frame", {ANSWER, ANSWER, CLOSE}, {}, ""},
+        {"closed at a request", {CLOSE, CLOSE}, 0, "Connection reset by peer"},
+        {"late", {LATE}, 0, "Connection timed out"},
+        {"part of an answer", {ANSWER, ANSWER, TRUNCATED}, 1, "Connection timed out"},
+        {"too few registers", {TOO_FEW}, 0, "Invalid data"},
+        {"answer to another request", {OTHER_TRANSACTION}, 0, "Invalid data"},
+        {"garbage", {GARBAGE}, 0, "Invalid data"},
+    };
+    for (const FaultRow& row : rows) {
+        ScriptedTcpDevice device;
+        ExpectFaultHitsOneFrameOnce(device, To(device.GetPort()), row);
+    }
+}
+
+TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnASerialLine) {
+    using enum Treatment;
+    const FaultRow rows[] = {
+        {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
+        // A request for as many registers comes next, and the answer does not tell to which it belongs.
+        {"late", {ANSWER, ANSWER, LATE}, 1, "Connection timed out"},
+        {"part of an answer", {TOO_FEW}, 0, "Invalid data"},
+        {"disturbed", {BAD_CHECKSUM}, 0, "Invalid CRC"},
+    };
+    for (const FaultRow& row : rows) {
+        ScriptedRtuDevice device(225ms);
+        ModbusConnection connection{.line = RtuLine{device.GetLineName()}, .timeout = 150ms};
+        ExpectFaultHitsOneFrameOnce(device, connection, row);
+    }
+}
+
+TEST(ModbusReader, CoalescesNeighboursIntoOneRequest) {
+    ScriptedTcpDevice device;
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader(To(device.GetPort()), SCRIPTED_FRAMES, cache).ReadAllFrames();
+    EXPECT_EQ(device.GetRequestCount(), 4U);
+}
+
+TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
+    StandIn::CapturedLog log(OrbaLogLevel::INFORMATION);
+    auto device = std::make_unique<ScriptedTcpDevice>();
+    const std::uint16_t port = device->GetPort();
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader reader(To(port), SCRIPTED_FRAMES, cache);
+    EXPECT_EQ(reader.ReadAllFrames().framesRead, 2U);
+    device.reset();
+    const auto expectUnreachable = [&](std::size_t framesInError) {
+        const ModbusReader::Round round = reader.ReadAllFrames();
+        EXPECT_EQ(round.connectionError, "Connection refused");
+        EXPECT_EQ(round.errors.size(), framesInError);
+        EXPECT_EQ(cache.GetFrame(0).quality, QUALITY_GOOD);
+    };
+    expectUnreachable(2);
+    expectUnreachable(2);
+    std::this_thread::sleep_for(25ms);
+    const Clock::time_point secondFailure = Clock::now();
+    expectUnreachable(2);
+    device = std::make_unique<ScriptedTcpDevice>(port);
+    while (reader.ReadAllFrames().framesRead == 0) {
+        ASSERT_LT(Clock::now() - secondFailure, 5s);
+        std::this_thread::sleep_for(1ms);
+    }
+    EXPECT_GE(Clock::now() - secondFailure, 40ms);
+    const std::string name = "127.0.0.1:" + std::to_string(port);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::WARNING),
+              std::vector<std::string>{"[ModbusLine] [Read] " + name + " cannot be reached: Connection refused"});
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
+              std::vector<std::string>{"[ModbusLine] [Read] " + name + " answers again"});
+}
+
+TEST(ModbusReader, RefusesAConnectionThatCannotBe) {
+    const ModbusConnection connections[] = {
+        {.line = TcpEndpoint{""}},
+        {.line = TcpEndpoint{"127.0.0.1"}, .unit = 248},
+        {.line = RtuLine{""}},
+        {.line = RtuLine{"/dev/null", 19201}},
+        {.line = RtuLine{"/dev/null", 19200, 'X'}},
+        {.line = RtuLine{"/dev/null"}, .unit = 255},
+    };
+    RegisterCache cache({});
+    for (const ModbusConnection& connection : connections) {
+        EXPECT_THROW(ModbusReader(connection, {}, cache), std::invalid_argument) << &connection - connections;
+    }
+}
+
+}  // namespace
+}  // namespace kzm::ModbusGateway
