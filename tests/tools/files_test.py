@@ -1,0 +1,123 @@
+"""check, show and the command line: what they print, and what they end with."""
+
+import json
+import re
+import sys
+import unittest
+
+from program import MAIN, PROFILES, PUMP, capture_of, file, run
+
+PROFILE = file("pump.jsonc", PUMP)
+CAPTURE = file("pump.capture.json", capture_of((33, [("main", MAIN, 0, {"quality": "Questionable"}),
+                                                     ("slow", "0007", 20, {})])))
+SHOW = ["show", PROFILE, "--capture"]
+POLL = ["poll", PROFILE, "--count", "1"]
+
+
+class FilesTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_every_failure_has_its_status_and_one_line_that_tells_why(self):
+        rows = [
+            (0, [], ["--help"], r"(?s)check.*show.*poll.*capture.*simulate.*Exit status:"),
+            (0, [], ["--version"], r"^kzm-modbus \d+\.\d+\.\d+$"),
+            *[(0, [], [name, "--help"], r"Examples?:\n +kzm-modbus " + name)
+              for name in ("check", "show", "poll", "capture", "simulate")],
+            (1, SHOW, [PROFILE], r"pump.jsonc has errors"),
+            (1, ["check"], [file("junk", bytes(range(256)))], r"junk:1: error: .*"),
+            (1, ["check"], [file("empty", "")], r"empty:1: error: .*"),
+            (2, [], [], r"A command is required"),
+            (2, [], ["draw"], r"draw"),
+            (2, ["check"], [], r"PROFILE is required"),
+            (2, POLL, [], r"--tcp"),
+            (2, POLL, ["--tcp", "a", "--rtu", "/dev/null:9600:N"], r"--tcp"),
+            *[(2, POLL, ["--tcp", text], r'--tcp: "' + re.escape(text) + '" is not HOST.*with a port from 1')
+              for text in ("host:", ":502", "host:0", "host:65536", "host:5x", "::1", "[::1", "[]:502", "[::1]502",
+                          "")],
+            *[(2, POLL, ["--rtu", text], r"is not DEVICE:BAUD:PARITY")
+              for text in ("/dev/x", "/dev/x:9600", ":9600:N", "/dev/x:9600:", "/dev/x:9600:X", "/dev/x:1e4:N")],
+            (2, POLL, ["--rtu", "/dev/x:12345:N"], r"no such unit, or no such baud rate"),
+            (2, POLL, ["--rtu", "/dev/x:9600:N", "--unit", "255"], r"no such unit"),
+            *[(2, POLL, ["--tcp", "a", "--unit", text], r"is no unit number") for text in ("-1", "248", "256", "one")],
+            *[(2, ["poll", PROFILE, "--tcp", "a"], ["--count", text], r"is no number from 1")
+              for text in ("0", "-1", "99999999999999999999", "two")],
+            *[(2, POLL, ["--tcp", "a", "--interval", text], r"is no number of seconds")
+              for text in ("0", "-1", "nan", "inf", "1e300", "soon")],
+            (2, SHOW, [CAPTURE, "--log", "loud"], r'--log: "loud" is none of error'),
+            (2, ["simulate", PROFILE, "--capture"], [CAPTURE, "--listen", "localhost"], r"is not HOST:PORT"),
+            (3, ["check"], ["/nowhere/profile"], r"/nowhere/profile: cannot read: No such file"),
+            (3, ["check"], ["/proc/self"], r"/proc/self: cannot read: Is a directory"),
+            (3, ["check"], ["/dev/zero"], r"larger than 64 MiB"),
+            (3, ["capture", PROFILE, "--tcp", "a"], ["-o", "/nowhere/x"], r"/nowhere/x: cannot write: No such file"),
+            (3, ["capture", PROFILE, "--tcp", "a"], ["-o", ""], r"cannot write: No such file"),
+            (5, SHOW, [CAPTURE, "--object", "level"], r'"level"; nearest: Level/east, Level/west'),
+            (5, SHOW, [CAPTURE, "--object", "Flw/x"], r'"Flw/x"; nearest: Flow'),
+        ]
+        for status, command, arguments, text in rows:
+            with self.subTest(arguments=command + arguments):
+                done = run(*command, *arguments)
+                self.assertEqual(done.returncode, status, done.stderr)
+                self.assertRegex(done.stderr if status > 1 or command == SHOW else done.stdout, text)
+                if status > 1:
+                    self.assertEqual((done.stderr.count("\n"), done.stdout), (1, ""))
+
+    def test_check_tells_every_problem_then_counts(self):
+        idle = '"frames": [\n{"name": "idle", "function": "coils", "address": 0, "count": 1},'
+        unused = PUMP.replace('"frames": [', idle)
+        rows = [
+            (0, PUMP, r"^\S+: 9 objects in 3 frames; 0 errors, 0 warnings\n$"),
+            (6, unused, r"(?s)^\S+:4: warning: /frames/0.*\n\S+: 9 objects in 4 frames; 0 errors, 1 warning\n$"),
+            (1, unused.replace("float32", "float33").replace('40, "type": "uint16"', '50, "type": "uint16"'),
+             r"^\S+:10: error: /objects/0/\S+: .*\n\S+:25: error: /objects/8/\S+: .*\n\S+: 2 errors, 0 warnings\n$"),
+        ]
+        for status, text, expected in rows:
+            done = run("check", file("checked.jsonc", text))
+            self.assertEqual((done.returncode, done.stderr), (status, ""), done.stdout)
+            self.assertRegex(done.stdout, expected)
+
+    def test_a_table_aligns_and_tells_why_a_value_is_missing(self):
+        done = run(*SHOW, CAPTURE)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        now = "2026-03-14T09:26:33.000Z"
+        self.assertEqual(done.stdout.splitlines(), [
+            "NAME       ALIAS  VALUE                             UNIT  QUALITY       DATE-TIME",
+            "Flow                                           0.1  m³/h  Questionable  " + now,
+            "Total                                    305419896  m³    Questionable  " + now,
+            "Level      east   not available or out of range     %     Bad           2026-01-01T00:00:00.000Z",
+            "Level      west   not available by its flag         %     Bad           " + now,
+            "Note              a?[m                                    Questionable  " + now,
+            "Heat: in                                        -5  °C    Questionable  " + now,
+            "Heat: out         frame slow is out of date (13 s)  °C    Bad           " + now,
+            "Raw: a                                          -5",
+            "Raw: a/b                                         0",
+            "Raw               frame never was never received",
+            "Sum                                            0.3        Good          " + now,
+            "Spare             frame never was never received          Bad           " + now,
+        ])
+
+    def test_a_series_is_replayed_with_the_clock_of_each_snapshot(self):
+        series = file("series.json", capture_of((0, [("slow", "0001", 0, {})]), (12, []), (13, []),
+                                                (14, [("slow", "0002", 0, {})])))
+        done = run(*SHOW, series, "--object", "Heat", "--json")
+        lines = [json.loads(line) for line in done.stdout.splitlines()]
+        self.assertEqual([(line["time"][17:19], line["value"]["elements"]["out"].get("value"),
+                           line["why"].split("; ")[1:]) for line in lines],
+                         [("00", 1, []), ("12", 1, []), ("13", None, ["out: frame slow is out of date (13 s)"]),
+                          ("14", 2, [])])
+        self.assertRegex(run(*SHOW, series).stdout,
+                         r"(?s)^2026-03-14T09:26:00.000Z\nNAME.*\n\n2026-03-14T09:26:12.000Z\nNAME")
+
+    def test_the_example_becomes_the_expected_objects(self):
+        done = run("show", PROFILES / "energy-meter.jsonc", "--json",
+                   "--capture", PROFILES / "energy-meter.capture.json")
+        expected = json.loads((PROFILES / "energy-meter.expected.json").read_text(encoding="utf-8"))
+        self.assertEqual([json.loads(line) for line in done.stdout.splitlines()], expected)
+
+    def test_log_lines_go_to_standard_error_when_asked_for(self):
+        for level, shown in [((), False), (("--log", "6"), True), (("--log", "information"), True)]:
+            done = run(*SHOW, CAPTURE, "--object", "Spare", *level)
+            self.assertEqual("[DataModel::" in done.stderr, shown, done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

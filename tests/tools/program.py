@@ -1,0 +1,90 @@
+"""Runs kzm-modbus, whose command (with an emulator before it, where there is one) the test gets as its arguments."""
+
+import contextlib
+import json
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+
+COMMAND = sys.argv[1:]
+PROFILES = pathlib.Path(__file__).resolve().parents[2] / "profiles"
+FOLDER = tempfile.TemporaryDirectory()
+
+PUMP = """{
+    "device": {"model": "Pump"},
+    "frames": [
+        {"name": "main", "function": "holding", "address": 10, "count": 10},
+        {"name": "slow", "function": "input", "address": 20, "count": 1},
+        {"name": "never", "function": "holding", "address": 40, "count": 1}
+    ],
+    "objects": [
+        {"name": "Flow", "unit": "m³/h", "value": {"address": 10, "type": "float32"}},
+        {"name": "Total", "unit": "m³", "value": {"address": 12, "type": "uint32"}},
+        {"name": "Level", "alias": "east", "unit": "%", "timestamp": {"constant": "2026-01-01T00:00:00.000Z"},
+         "value": {"address": 14, "type": "uint16", "notAvailable": "0xFFFF"}},
+        {"name": "Level", "alias": "west", "unit": "%", "value": {"address": 14, "type": "uint16"},
+         "availability": {"address": 15, "type": "boolean"}},
+        {"name": "Note", "value": {"address": 16, "type": "text", "count": 2}},
+        {"name": "Heat", "unit": "°C", "elements": {
+            "in": {"value": {"address": 18, "type": "int16"}},
+            "out": {"value": {"address": 20, "type": "int16"}}}},
+        {"name": "Raw", "plain": true, "elements": {
+            "a": {"value": {"address": 18, "type": "int16"}},
+            "a/b": {"value": {"address": 19, "type": "int16"}},
+            "c": {"value": {"address": 40, "type": "int16"}}}},
+        {"name": "Sum", "value": {"constant": 0.30000000000000004}},
+        {"name": "Spare", "value": {"address": 40, "type": "uint16"}}
+    ]
+}"""
+
+# Flow 0.1, Total 305419896, Level not available, its flag 0, Note "a" ESC "[m", Heat -5.
+MAIN = "3DCC CCCD 1234 5678 FFFF 0000 611B 5B6D FFFB 0000"
+
+
+def capture_of(*snapshots):
+    """Each snapshot: its second, and its frames as (name, registers, more members)."""
+    def time(second):
+        return "2026-03-14T09:26:%06.3fZ" % second
+    return json.dumps({"snapshots": [
+        {"time": time(second), "frames": [
+            {"frame": name, "registers": [registers], **({"time": time(own)} if own else {}), **more}
+            for name, registers, own, more in frames]}
+        for second, frames in snapshots]})
+
+
+def file(name, content):
+    path = pathlib.Path(FOLDER.name, name)
+    path.write_bytes(content if isinstance(content, bytes) else content.encode())
+    return str(path)
+
+
+def run(*arguments):
+    return subprocess.run([*COMMAND, *map(str, arguments)], capture_output=True, text=True, timeout=30, check=False)
+
+
+def start(*arguments, **streams):
+    streams = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, "text": True, **streams}
+    return subprocess.Popen([*COMMAND, *map(str, arguments)], **streams)
+
+
+def end(process):
+    """Ends it as a user does, and gives its exit status."""
+    process.send_signal(signal.SIGINT)
+    status = process.wait(timeout=10)
+    for stream in (process.stdout, process.stderr):
+        if stream:
+            stream.close()
+    return status
+
+
+@contextlib.contextmanager
+def simulator(profile, capture):
+    """Serves a capture, and gives the address."""
+    process = start("simulate", profile, "--capture", capture, "--listen", "127.0.0.1:0", stderr=None)
+    try:
+        yield process.stdout.readline().removeprefix("listening on ").strip()
+    finally:
+        status = end(process)
+    assert status == 0, status

@@ -1,0 +1,66 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "Commands.h"
+#include "DeviceRounds.h"
+#include "Files.h"
+#include "Options.h"
+#include "Text.h"
+#include "kzm/DateTime/DateTime.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+
+namespace {
+
+struct CaptureOptions {
+    std::string profile;
+    ModbusConnection connection;
+    Repetition repetition{1};
+    std::string output;
+};
+
+ExitStatus Record(const CaptureOptions& options) {
+    const auto profile = LoadProfile(options.profile);
+    OutputFile file(options.output);
+    RegisterCache cache(profile->model->GetFrames());
+    Capture capture;
+    ErrorReport report;
+    const auto takeSnapshot = [&](const ModbusReader::Round& round) {
+        report.Report(DescribeErrors(round, *profile));
+        Capture::Snapshot snapshot = Capture::Take(cache, *profile, DateTime::DateTime::GetRealTimeInMilliseconds());
+        if (!snapshot.frames.empty()) {
+            capture.snapshots.push_back(std::move(snapshot));
+        }
+    };
+    ReadRounds(options.connection, options.repetition, *profile, cache, takeSnapshot);
+    if (capture.snapshots.empty()) {
+        throw Failure(ExitStatus::NOT_REACHED, "no frame could be read; " + options.output + " is not written");
+    }
+    file.Commit(capture.Write(*profile));
+    std::cout << options.output << ": " << Counted(capture.snapshots.size(), "snapshot") << ", "
+              << capture.snapshots.back().frames.size() << " of " << Counted(profile->frameNames.size(), "frame")
+              << '\n';
+    return ExitStatus::OK;
+}
+
+}  // namespace
+
+void AddCaptureCommand(CLI::App& app, Command& command) {
+    CLI::App* capture = app.add_subcommand("capture", "Record the frames of a live device, for replay and bug reports");
+    const auto options = std::make_shared<CaptureOptions>();
+    AddProfileArgument(*capture, options->profile);
+    AddConnectionOptions(*capture, options->connection);
+    AddRepetitionOptions(*capture, options->repetition);
+    capture->add_option("-o,--output", options->output, "The capture to write; appears whole at the end")
+        ->required()
+        ->type_name("FILE");
+    capture->footer(
+        "Example:\n"
+        "  kzm-modbus capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o "
+        "meter.capture.json");
+    capture->callback([options, &command] { command = [options] { return Record(*options); }; });
+}
+
+}  // namespace kzm::ModbusTool

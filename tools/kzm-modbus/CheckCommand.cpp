@@ -1,0 +1,41 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+
+#include "Commands.h"
+#include "Files.h"
+#include "Options.h"
+#include "Text.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+
+namespace {
+
+ExitStatus Check(const std::string& path) {
+    const ProfileLoader::Result result = ProfileLoader::Load(ReadFile(path));
+    PrintProblems(std::cout, path, result.problems);
+    const auto errors = static_cast<std::size_t>(
+        std::count_if(result.problems.begin(), result.problems.end(),
+                      [](const Problem& problem) { return problem.severity == Problem::Severity::ERROR; }));
+    std::cout << path << ": ";
+    if (result.profile) {
+        std::cout << Counted(result.profile->objects.size(), "object") << " in "
+                  << Counted(result.profile->frameNames.size(), "frame") << "; ";
+    }
+    std::cout << Counted(errors, "error") << ", " << Counted(result.problems.size() - errors, "warning") << '\n';
+    return errors > 0 ? ExitStatus::FAULTY_INPUT : result.problems.empty() ? ExitStatus::OK : ExitStatus::ONLY_WARNINGS;
+}
+
+}  // namespace
+
+void AddCheckCommand(CLI::App& app, Command& command) {
+    CLI::App* check = app.add_subcommand("check", "Tell everything that is wrong with a profile");
+    const auto path = std::make_shared<std::string>();
+    AddProfileArgument(*check, *path);
+    check->footer("Example:\n  kzm-modbus check profiles/energy-meter.jsonc");
+    check->callback([path, &command] { command = [path] { return Check(*path); }; });
+}
+
+}  // namespace kzm::ModbusTool

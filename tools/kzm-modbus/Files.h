@@ -1,0 +1,41 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "gateway/Capture.h"
+#include "gateway/ProfileLoader.h"
+
+namespace kzm::ModbusTool {
+
+// The content of a file of at most 64 MiB. Throws Failure when it cannot be read.
+std::string ReadFile(const std::string& path);
+
+// One line for each: "FILE:LINE: error: POINTER: message".
+void PrintProblems(std::ostream& stream, const std::string& path, const ModbusGateway::Problems& problems);
+
+// A profile or a capture without errors; warnings are left to the command `check`. Errors are shown on standard error,
+// with the warnings among them, and end in a Failure.
+std::unique_ptr<ModbusGateway::LoadedProfile> LoadProfile(const std::string& path);
+ModbusGateway::Capture LoadCapture(const std::string& path, const ModbusGateway::LoadedProfile& profile);
+
+// A file that appears whole or not at all: what stood under its name stays until Commit.
+class OutputFile {
+public:
+    // Throws Failure when the file cannot be written, before there is anything to lose.
+    explicit OutputFile(const std::string& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    // Throws Failure; the file is then as it was.
+    void Commit(const std::string& text);
+
+private:
+    std::string mPath;
+    std::string mTemporaryPath;  // empty for a device or a pipe, which is written to directly
+    int mDescriptor;
+};
+
+}  // namespace kzm::ModbusTool

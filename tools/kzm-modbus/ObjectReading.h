@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "ObjectSelection.h"
+#include "gateway/RegisterCache.h"
+
+namespace kzm::ModbusTool {
+
+using Cache = std::shared_ptr<ModbusGateway::RegisterCache>;
+
+// What an object holds at its top, or in one of its elements.
+struct ObjectPart {
+    std::string path;           // of the element, e.g. "phase1"; empty at the top
+    nlohmann::json attributes;  // "value", "quality", "datetime", as far as they were written
+    std::string why;            // in words, why there is no value; empty where there is one
+};
+
+// One object as it was asked of the model, from an empty object on.
+struct ObjectReading {
+    const ModbusGateway::LoadedProfile::Object* object;
+    kz::orba::StatusCode status;
+    nlohmann::json value;  // the whole object
+    std::vector<ObjectPart> parts;
+};
+
+// Asks the model for each object of a selection.
+std::vector<ObjectReading> ReadObjects(const ModbusGateway::LoadedProfile& profile, const Selection& selection,
+                                       const Cache& cache);
+
+// The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" where a value is
+// missing, and "time" unless that is empty.
+std::string ToJsonLine(const ObjectReading& reading, const std::string& time);
+
+}  // namespace kzm::ModbusTool

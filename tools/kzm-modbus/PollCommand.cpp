@@ -1,0 +1,107 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <optional>
+
+#include "Commands.h"
+#include "DeviceRounds.h"
+#include "Files.h"
+#include "ObjectSelection.h"
+#include "ObjectTable.h"
+#include "Options.h"
+#include "Screen.h"
+#include "Text.h"
+#include "kzm/DateTime/DateTime.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+
+namespace {
+
+struct PollOptions {
+    std::string profile;
+    ModbusConnection connection;
+    Repetition repetition{0};
+    std::vector<std::string> objects;
+    bool json = false;
+    bool table = false;
+};
+
+// Where the objects of each round go: a table refreshed in place on a terminal, a table after the other, or JSON lines.
+class PollOutput {
+public:
+    PollOutput(const PollOptions& options, const LoadedProfile& profile)
+        : mTitle(Printable(profile.model->GetModelName() + " at " + ToText(options.connection))),
+          mTable(!options.json && (options.table || IsTerminal())) {
+        if (mTable && IsTerminal()) {
+            mScreen.emplace();
+        }
+    }
+
+    void Show(const std::vector<ObjectReading>& readings, const std::vector<std::string>& errors) {
+        const std::string time = DateTime::DateTime::GetCalendarTime();
+        if (mTable) {
+            ShowTable(readings, errors, time);
+            return;
+        }
+        mReport.Report(errors);
+        for (const ObjectReading& reading : readings) {
+            std::cout << ToJsonLine(reading, time) << '\n';
+        }
+        std::cout.flush();
+    }
+
+private:
+    void ShowTable(const std::vector<ObjectReading>& readings, std::vector<std::string> errors,
+                   const std::string& time) {
+        std::vector<std::string> lines = TableOf(readings, UsesColour());
+        lines.insert(lines.begin(), mTitle + ", " + time);
+        for (std::string& error : errors) {
+            error = Printable(error);
+        }
+        if (mScreen) {
+            mScreen->Show(std::move(lines), errors);
+            return;
+        }
+        lines.insert(lines.end(), errors.begin(), errors.end());
+        for (const std::string& line : lines) {
+            std::cout << line << '\n';
+        }
+        std::cout << std::endl;
+    }
+
+    std::string mTitle;
+    bool mTable;
+    std::optional<Screen> mScreen;
+    ErrorReport mReport;
+};
+
+ExitStatus Poll(const PollOptions& options) {
+    const auto profile = LoadProfile(options.profile);
+    const Selection selection = SelectObjects(*profile, options.objects);
+    const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
+    PollOutput output(options, *profile);
+    return ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
+        output.Show(ReadObjects(*profile, selection, cache), DescribeErrors(round, *profile));
+    });
+}
+
+}  // namespace
+
+void AddPollCommand(CLI::App& app, Command& command) {
+    CLI::App* poll = app.add_subcommand("poll", "Show the objects of a live device, again and again");
+    const auto options = std::make_shared<PollOptions>();
+    AddProfileArgument(*poll, options->profile);
+    AddConnectionOptions(*poll, options->connection);
+    AddRepetitionOptions(*poll, options->repetition);
+    AddObjectOption(*poll, options->objects);
+    CLI::Option* json = poll->add_flag("--json", options->json, "One JSON object a line, as without a terminal");
+    poll->add_flag("--table", options->table, "A table, as on a terminal")->excludes(json);
+    poll->footer(
+        "Examples:\n"
+        "  kzm-modbus poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1\n"
+        "  kzm-modbus poll profiles/energy-meter.jsonc --rtu /dev/ttyUSB0:19200:E --unit 3 --interval 5 --count 12");
+    poll->callback([options, &command] { command = [options] { return Poll(*options); }; });
+}
+
+}  // namespace kzm::ModbusTool

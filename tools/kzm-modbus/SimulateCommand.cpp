@@ -1,0 +1,72 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <system_error>
+#include <thread>
+
+#include "Commands.h"
+#include "Files.h"
+#include "Options.h"
+#include "StopSignal.h"
+#include "gateway/ModbusSimulator.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+
+namespace {
+
+struct SimulateOptions {
+    std::string profile;
+    std::string capture;
+    TcpEndpoint endpoint;
+};
+
+// Puts the snapshots after the first into the cache, each at its distance from the first; the last one stays.
+void PlaySeries(const Capture& capture, RegisterCache& cache, const StopSignal& stop) {
+    constexpr std::uint64_t LONGEST_MS = 1'000'000'000'000;  // what clock arithmetic carries with ease
+    const auto start = std::chrono::steady_clock::now();
+    for (const Capture::Snapshot& snapshot : capture.snapshots) {
+        const std::uint64_t distance = std::min(snapshot.time - capture.snapshots.front().time, LONGEST_MS);
+        if (stop.WaitUntil(start + Milliseconds(distance))) {
+            return;
+        }
+        Capture::Restore(snapshot, cache);
+    }
+}
+
+ModbusSimulator Listen(const TcpEndpoint& endpoint, const LoadedProfile& profile, const RegisterCache& cache) try {
+    return ModbusSimulator(profile.model->GetFrames(), cache, endpoint.host, endpoint.port);
+} catch (const std::system_error& error) {
+    throw Failure(ExitStatus::NOT_REACHED, "cannot listen on " + ToText(endpoint) + ": " + error.code().message());
+}
+
+ExitStatus Simulate(const SimulateOptions& options) {
+    const auto profile = LoadProfile(options.profile);
+    const Capture capture = LoadCapture(options.capture, *profile);
+    RegisterCache cache(profile->model->GetFrames());
+    Capture::Restore(capture.snapshots.front(), cache);
+    const StopSignal stop;
+    ModbusSimulator simulator = Listen(options.endpoint, *profile, cache);
+    std::cout << "listening on " << ToText(TcpEndpoint{options.endpoint.host, simulator.GetPort()}) << std::endl;
+    const std::jthread player([&] { PlaySeries(capture, cache, stop); });
+    simulator.Serve(stop.GetFlag());
+    return ExitStatus::OK;
+}
+
+}  // namespace
+
+void AddSimulateCommand(CLI::App& app, Command& command) {
+    CLI::App* simulate = app.add_subcommand("simulate", "Serve a recorded capture as a Modbus TCP device");
+    const auto options = std::make_shared<SimulateOptions>();
+    AddProfileArgument(*simulate, options->profile);
+    AddCaptureOption(*simulate, options->capture);
+    AddListenOption(*simulate, options->endpoint);
+    simulate->footer(
+        "Example:\n"
+        "  kzm-modbus simulate profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"
+        " --listen 127.0.0.1:5020");
+    simulate->callback([options, &command] { command = [options] { return Simulate(*options); }; });
+}
+
+}  // namespace kzm::ModbusTool
