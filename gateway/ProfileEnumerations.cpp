@@ -61,7 +61,7 @@ std::string AllowedRawValues(const LogicCodeRow& type) {
 // False for a number that was seen before. Texts that differ are different raw values.
 bool IsNew(const EnumerationPairData& pair, std::set<double>& seen) {
     const double number =
-        pair.mType == EnumerationType::FLOAT ? double{pair.mValue.mFloat} : double{pair.mValue.mUnsigned};
+        pair.mType == EnumerationType::FLOAT ? pair.mValue.mFloat : static_cast<double>(pair.mValue.mUnsigned);
     return pair.mType == EnumerationType::STRING || seen.insert(number).second;
 }
 
