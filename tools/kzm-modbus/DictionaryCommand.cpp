@@ -1,0 +1,221 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "Commands.h"
+#include "Nearest.h"
+#include "Screen.h"
+#include "Text.h"
+#include "dictionary/CustomAlarmElementStructure.h"
+#include "dictionary/DeviceElementLookUp.h"
+#include "dictionary/DynamicDeviceClasses.h"
+
+namespace kzm::ModbusTool {
+
+using namespace kz::orba::VortaExtensionModbus::Device;
+using nlohmann::json;
+
+namespace {
+
+struct DictionaryOptions {
+    std::string key;
+    std::string search;
+    std::string table;
+    std::string className;
+    bool json = false;
+};
+
+struct NamedTable {
+    const char* name;
+    const DictionaryTable& rows;
+};
+
+const std::array<NamedTable, 4>& Tables() {
+    static const std::array<NamedTable, 4> TABLES{
+        {{"alarm", DeviceElementLookUp::mIotAlmFunctionElement},
+         {"measurement", DeviceElementLookUp::mIotMeasurementFunctionElement},
+         {"protection", DeviceElementLookUp::mIotProtectionFunctionElement},
+         {"circuit-breaker", DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement}}};
+    return TABLES;
+}
+
+struct Element {
+    const char* table;
+    std::string_view key;
+    DictionaryEntry entry;
+};
+
+// Whether the text holds the other, in any case of ASCII letters.
+bool Holds(std::string_view text, std::string_view wanted) {
+    const auto same = [](char left, char right) {
+        return CLI::detail::to_lower(std::string(1, left)) == CLI::detail::to_lower(std::string(1, right));
+    };
+    return std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), same) != text.end();
+}
+
+bool IsSearchedFor(const Element& element, std::string_view wanted) {
+    const AttributeSources& sources = element.entry.sources;
+    return Holds(element.key, wanted) || Holds(element.entry.name, wanted) || Holds(element.entry.unit, wanted) ||
+           std::any_of(sources.begin(), sources.end(),
+                       [&](const AttributeSource& source) { return Holds(source.id, wanted); });
+}
+
+// The whole class, or the end of it after a dot.
+bool IsOfClass(std::string_view name, std::string_view wanted) {
+    return name == wanted || (name.ends_with(wanted) && name[name.size() - wanted.size() - 1] == '.');
+}
+
+std::vector<Element> Select(const DictionaryOptions& options) {
+    std::vector<Element> selected;
+    for (const NamedTable& table : Tables()) {
+        for (const auto& [key, entry] : table.rows) {
+            const Element element{table.name, key, entry};
+            if ((options.key.empty() || options.key == key) && (options.table.empty() || options.table == table.name) &&
+                (options.className.empty() || IsOfClass(entry.className, options.className)) &&
+                IsSearchedFor(element, options.search)) {
+                selected.push_back(element);
+            }
+        }
+    }
+    return selected;
+}
+
+json ToJson(const Element& element) {
+    json sources = json::object();
+    for (const AttributeSource& source : element.entry.sources) {
+        sources[std::string(source.path)] = source.id;
+    }
+    return {{"key", element.key},
+            {"sources", std::move(sources)},
+            {"name", element.entry.name},
+            {"unit", element.entry.unit},
+            {"class", element.entry.className},
+            {"structure", BuildStructure(element.entry.structure)}};
+}
+
+// The dictionary, of its rows those selected.
+json ToJson(const std::vector<Element>& elements) {
+    json dump{{"dynamic_classes", json::array()},
+              {"default_class", DeviceElementLookUp::GetClass("")},
+              {"default_structure", DeviceElementLookUp::GetStructure("")},
+              {"custom_alarm_structure", CustomAlarmElementStructure::GetStructure()}};
+    for (const NamedTable& table : Tables()) {
+        dump["tables"][table.name] = json::array();
+    }
+    for (const Element& element : elements) {
+        dump["tables"][element.table].push_back(ToJson(element));
+    }
+    for (const std::string_view name : DYNAMIC_DEVICE_CLASS_NAMES) {
+        dump["dynamic_classes"].push_back(name);
+    }
+    return dump;
+}
+
+using Row = std::vector<std::string>;
+
+// Columns below one another, the first row being the headings; nothing follows a row's last text.
+void PrintAligned(const std::vector<Row>& rows) {
+    std::vector<std::size_t> widths(rows.front().size());
+    for (const Row& row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], WidthOf(row[column]));
+        }
+    }
+    for (const Row& row : rows) {
+        std::string line;
+        std::size_t blanks = 0;
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            line += row[column].empty() ? "" : std::string(std::exchange(blanks, 0), ' ') + row[column];
+            blanks += widths[column] - WidthOf(row[column]) + 2;
+        }
+        const bool bold = &row == &rows.front() && UsesColour();
+        std::cout << (bold ? "\x1b[1m" + line + "\x1b[0m" : line) << '\n';
+    }
+}
+
+void PrintTable(const std::vector<Element>& elements) {
+    std::vector<Row> rows{{"KEY", "TABLE", "NAME", "UNIT", "CLASS"}};
+    for (const Element& element : elements) {
+        rows.push_back({std::string(element.key), element.table, std::string(element.entry.name),
+                        std::string(element.entry.unit), std::string(element.entry.className)});
+    }
+    PrintAligned(rows);
+}
+
+// A row for each attribute of the structure: path, the device element that feeds it, what it holds from the start.
+void AddAttributes(std::vector<Row>& rows, const json& skeleton, const std::string& parent, const Element& element) {
+    for (const auto& [name, value] : skeleton.items()) {
+        const std::string path = parent + name;
+        if (value.is_object()) {
+            AddAttributes(rows, value, path + ".", element);
+        } else {
+            rows.push_back({path, std::string(element.entry.sources.Find(path)), value.is_null() ? "" : value.dump()});
+        }
+    }
+}
+
+void PrintElement(const Element& element) {
+    std::cout << "key    " << element.key << "\ntable  " << element.table << "\nname   " << element.entry.name
+              << "\nunit   " << (element.entry.unit.empty() ? "none" : element.entry.unit) << "\nclass  "
+              << element.entry.className << "\n\n";
+    std::vector<Row> rows{{"ATTRIBUTE", "FED BY", "FROM THE START"}};
+    AddAttributes(rows, BuildStructure(element.entry.structure).front(), "", element);
+    PrintAligned(rows);
+}
+
+std::string NearestKeys(const std::string& key) {
+    std::vector<std::string> keys;
+    for (const NamedTable& table : Tables()) {
+        for (const auto& row : table.rows) {
+            keys.emplace_back(row.first);
+        }
+    }
+    return NearestTo(key, keys);
+}
+
+ExitStatus ShowDictionary(const DictionaryOptions& options) {
+    const std::vector<Element> elements = Select(options);
+    if (elements.empty()) {
+        throw Failure(ExitStatus::OBJECT_NOT_FOUND,
+                      options.key.empty() ? "nothing in the dictionary fits"
+                                          : "the dictionary has no key \"" + options.key +
+                                                "\"; nearest: " + NearestKeys(options.key.substr(0, 200)));
+    }
+    if (options.json) {
+        std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';
+    } else {
+        options.key.empty() ? PrintTable(elements) : PrintElement(elements.front());
+    }
+    return ExitStatus::OK;
+}
+
+}  // namespace
+
+void AddDictionaryCommand(CLI::App& app, Command& command) {
+    CLI::App* dictionary = app.add_subcommand("dictionary", "Tell what the element dictionary knows, by key or search");
+    const auto options = std::make_shared<DictionaryOptions>();
+    std::vector<std::string> tables;
+    for (const NamedTable& table : Tables()) {
+        tables.emplace_back(table.name);
+    }
+    auto* key = dictionary->add_option("KEY", options->key, "The whole key of one element, e.g. \"DTMinIA;MinIA\"");
+    dictionary
+        ->add_option("--search", options->search,
+                     "Only elements with this text in key, name, unit or an id, in any case")
+        ->excludes(key);
+    dictionary->add_option("--table", options->table, "Only elements of one table")
+        ->check(CLI::IsMember(tables))
+        ->excludes(key);
+    dictionary->add_option("--class", options->className, "Only elements of one class; its end after a dot will do")
+        ->excludes(key);
+    dictionary->add_flag("--json", options->json, "The element, or the dictionary, as one JSON object");
+    dictionary->footer(
+        "Examples:\n  kzm-modbus dictionary \"DTMinIA;MinIA\"\n  kzm-modbus dictionary --search thd --table "
+        "measurement");
+    dictionary->callback([options, &command] { command = [options] { return ShowDictionary(*options); }; });
+}
+
+}  // namespace kzm::ModbusTool
