@@ -67,40 +67,50 @@ private:
     // Follows the validator's path, "<root>", "[objects]", "[0]", ...
     Place Follow(const std::vector<std::string>& context) const {
         Place place{&mDocument.GetRoot(), "", {}};
-        Collect(mSchema, place.rules);
+        Collect(mSchema, *place.value, place.rules);
         for (std::size_t i = 1; i < context.size(); ++i) {
             const std::string token = context[i].substr(1, context[i].size() - 2);
-            place.rules = RulesOfChild(place, token);
-            place.value = place.value->is_array() ? &(*place.value)[std::stoul(token)] : &place.value->at(token);
+            const json& child = place.value->is_array() ? (*place.value)[std::stoul(token)] : place.value->at(token);
+            place.rules = RulesOfChild(place, token, child);
+            place.value = &child;
             place.pointer = LocatedJson::Extend(place.pointer, token);
         }
         return place;
     }
 
-    // A rule, and those that it brings with it.
-    void Collect(const json& rule, Rules& rules) const {
+    // A rule, and those that it brings with it for a value.
+    void Collect(const json& rule, const json& value, Rules& rules) const {
         rules.push_back(&rule);
         if (rule.contains("$ref")) {
-            Collect(mSchema.at(json::json_pointer(rule["$ref"].get<std::string>().substr(1))), rules);
+            Collect(mSchema.at(json::json_pointer(rule["$ref"].get<std::string>().substr(1))), value, rules);
         }
-        for (const char* branch : {"then", "else"}) {
+        if (rule.contains("if")) {
+            const char* const branch = Holds(rule["if"], value) ? "then" : "else";
             if (rule.contains(branch)) {
-                Collect(rule[branch], rules);
+                Collect(rule[branch], value, rules);
             }
         }
     }
 
-    Rules RulesOfChild(const Place& parent, const std::string& token) const {
+    // A condition asks for a type or for members.
+    static bool Holds(const json& condition, const json& value) {
+        const json required = condition.value("required", json::array());
+        return condition.value("type", value.type_name()) == value.type_name() &&
+               std::all_of(required.begin(), required.end(),
+                           [&](const json& member) { return value.contains(member.get<std::string>()); });
+    }
+
+    Rules RulesOfChild(const Place& parent, const std::string& token, const json& child) const {
         Rules rules;
         for (const json* rule : parent.rules) {
             if (parent.value->is_array()) {
                 if (rule->contains("items")) {
-                    Collect((*rule)["items"], rules);
+                    Collect((*rule)["items"], child, rules);
                 }
             } else if (rule->contains("properties") && (*rule)["properties"].contains(token)) {
-                Collect((*rule)["properties"][token], rules);
+                Collect((*rule)["properties"][token], child, rules);
             } else if (rule->contains("additionalProperties") && (*rule)["additionalProperties"].is_object()) {
-                Collect((*rule)["additionalProperties"], rules);
+                Collect((*rule)["additionalProperties"], child, rules);
             }
         }
         return rules;
@@ -126,7 +136,7 @@ private:
         const auto begin = description.find('\'') + 1;
         const std::string member = description.substr(begin, description.rfind('\'') - begin);
         Report(place.pointer,
-               "the member " + Quoted(member) + " is missing; it is " + Describe(RulesOfChild(place, member)));
+               "the member " + Quoted(member) + " is missing; it is " + Describe(RulesOfChild(place, member, nullptr)));
     }
 
     void AddUnknownMembers(const Place& place) {

@@ -1,152 +1,41 @@
 #include "gateway/ProfileElements.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "DataModel/AttributeConstant.h"
-#include "DataModel/AttributeConverter.h"
+#include "DataModel/AttributeProcessor.h"
+#include "gateway/ProfileChains.h"
+#include "gateway/ProfileRegisters.h"
+#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 
 namespace kzm::ModbusGateway {
 
-using ModbusDeviceModel::ByteOrderingEnum;
-using ModbusDeviceModel::LogicCodeIdentifier;
 using ModbusDeviceModel::DataModel::AttributeConstant;
-using ModbusDeviceModel::DataModel::AttributeConverter;
-using ModbusDeviceModel::DeviceProfile::Family;
-using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
-using ModbusDeviceModel::DeviceProfile::MAX_ELEMENT_REGISTERS;
-namespace LogicCodeRows = ModbusDeviceModel::DeviceProfile::LogicCodeRows;
-
-namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-Names NamesOfLogicCodes() {
-    Names names;
-    for (const auto& row : LogicCodeRows::TABLE) {
-        names.emplace_back(row.name);
-    }
-    return names;
-}
-
-// Null for an unknown or unsupported type, which is reported.
-const LogicCodeRow* ReadType(const JsonCursor& type) {
-    const auto number = type->is_number() ? type.Number() : std::nullopt;
-    const auto row = std::find_if(LogicCodeRows::TABLE.begin(), LogicCodeRows::TABLE.end(), [&](const auto& known) {
-        return number ? known.code == *number : known.name == type->get_ref<const std::string&>();
-    });
-    if (row == LogicCodeRows::TABLE.end()) {
-        type.Error("there is no logic code " + Cited(*type) +
-                   Alternatives(type.Text(), NamesOfLogicCodes(), "the numbers 0 to 62 and their names"));
-        return nullptr;
-    }
-    if (row->family == Family::SCALED_POWER) {
-        type.Error("the type " + Quoted(row->name) +
-                   " is not supported in this version: its decimal exponent comes from another element");
-        return nullptr;
-    }
-    return &*row;
-}
-
-// Nothing for a number that does not suit the type, which is reported.
-std::optional<std::uint8_t> ReadCount(const JsonCursor& element, const LogicCodeRow& type) {
-    const bool any = type.maxRegisters == MAX_ELEMENT_REGISTERS;
-    const JsonCursor place = element.At("count");
-    if (place->is_null() && !any) {
-        return type.maxRegisters;
-    }
-    const auto count = place.Number();
-    if (count && *count >= type.minRegisters && *count <= type.maxRegisters) {
-        return static_cast<std::uint8_t>(*count);
-    }
-    const std::string least = std::to_string(type.minRegisters);
-    const std::string allowed =
-        type.minRegisters == type.maxRegisters ? least : least + " to " + std::to_string(type.maxRegisters);
-    (count ? place : element)
-        .Error((count ? "an element of " + std::to_string(*count) + " registers does not suit"
-                      : std::string("\"count\" is missing, the number of registers of")) +
-               " the type " + Quoted(type.name) + "; allowed: " + allowed);
-    return std::nullopt;
-}
-
-// The bytes of "0x...". Nothing where there is no such text, and for a faulty one, which is reported.
-std::optional<Bytes> ReadBytes(const JsonCursor& place, std::size_t count) {
-    if (place->is_null()) {
-        return std::nullopt;
-    }
-    const std::string text = place.Text();
-    Bytes bytes;
-    const char* end = text.data() + text.size();
-    for (const char* digits = text.data() + 2; end - digits >= 2; digits += 2) {
-        std::uint8_t byte = 0;
-        const auto result = std::from_chars(digits, digits + 2, byte, 16);
-        if (result.ec != std::errc() || result.ptr != digits + 2) {
-            break;
-        }
-        bytes.push_back(byte);
-    }
-    if (bytes.size() != count || text.size() != 2 + 2 * count) {
-        place.Error(Cited(*place) + " does not suit the element; allowed: \"0x\" and " + std::to_string(2 * count) +
-                    " hexadecimal digits, two per byte of the element");
-        return std::nullopt;
-    }
-    return bytes;
-}
-
-ByteOrderingEnum ReadOrder(const JsonCursor& order) {
-    if (const auto number = order.Number()) {
-        return static_cast<ByteOrderingEnum>(*number);
-    }
-    return order.Text() == "big"      ? ByteOrderingEnum::BIG_ENDIAN_WORDS
-           : order.Text() == "little" ? ByteOrderingEnum::LITTLE_ENDIAN_WORDS
-                                      : ByteOrderingEnum::DEVICE_ORDER;
-}
-
-bool IsScalable(const LogicCodeRow& type) {
-    return type.family == Family::NUMBER || type.family == Family::DOUBLE || type.family == Family::DECIMAL_WORDS ||
-           type.family == Family::POWER_FACTOR || type.family == Family::BOOLEAN;
-}
-
-template <typename Number>
-Number ReadFactor(const JsonCursor& element, const char* member, Number usual, const LogicCodeRow& type) {
-    const JsonCursor place = element.At(member);
-    if (place->is_null()) {
-        return usual;
-    }
-    if (!IsScalable(type)) {
-        place.Warning("has no effect: values of the type " + Quoted(type.name) + " are not scaled");
-    }
-    return place->get<Number>();
-}
-
-Names LabelsOf(const ProfileEnumerations::Pairs& pairs) {
-    Names labels;
-    if (pairs) {
-        for (const auto& pair : *pairs) {
-            labels.push_back(pair.mLabel);
-        }
-    }
-    return labels;
-}
-
-}  // namespace
+using ModbusDeviceModel::DataModel::AttributeProcessor;
 
 ProfileElements::ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations)
     : mFrames(frames), mEnumerations(enumerations) {
-    section.ForEach([this](const std::string& name, const JsonCursor& place) {
-        mNamed.emplace(name, Named{place, Read(place)});
-    });
+    section.ForEach([this](const std::string& name, const JsonCursor& place) { mNamed.emplace(name, Named{place}); });
+    for (auto& [name, named] : mNamed) {
+        ReadNamed(name, named);
+    }
 }
 
-std::shared_ptr<const ProfileElement> ProfileElements::Get(const JsonCursor& role) {
-    auto element = role->is_string() ? GetNamed(role) : Read(role);
-    if (element && element->frame) {
-        mFrames.MarkUsed(*element->frame);
+ProfileElements::Element ProfileElements::Get(const JsonCursor& role) {
+    auto element = Resolve(role);
+    if (element) {
+        for (const std::uint8_t frame : element->frames) {
+            mFrames.MarkUsed(frame);
+        }
     }
     return element;
 }
 
-std::shared_ptr<const ProfileElement> ProfileElements::GetNamed(const JsonCursor& role) {
+ProfileElements::Element ProfileElements::Resolve(const JsonCursor& role) {
+    return role->is_string() ? GetNamed(role) : Read(role);
+}
+
+ProfileElements::Element ProfileElements::GetNamed(const JsonCursor& role) {
     const auto found = mNamed.find(role.Text());
     if (found == mNamed.end()) {
         Names names;
@@ -156,42 +45,105 @@ std::shared_ptr<const ProfileElement> ProfileElements::GetNamed(const JsonCursor
         role.Error("there is no such element under \"elements\"" + Alternatives(role.Text(), names));
         return nullptr;
     }
-    found->second.used = true;
-    return found->second.element;
+    auto& [name, named] = *found;
+    named.used = true;
+    if (std::find(mOpen.begin(), mOpen.end(), name) != mOpen.end()) {
+        ReportCycle(role);
+        return nullptr;
+    }
+    ReadNamed(name, named);
+    return named.element;
 }
 
-std::shared_ptr<const ProfileElement> ProfileElements::Read(const JsonCursor& place) {
+void ProfileElements::ReadNamed(const std::string& name, Named& named) {
+    if (named.read) {
+        return;
+    }
+    mOpen.push_back(name);
+    named.element = Read(named.place);
+    named.read = true;
+    mOpen.pop_back();
+}
+
+void ProfileElements::ReportCycle(const JsonCursor& role) const {
+    std::string cycle;
+    for (auto name = std::find(mOpen.begin(), mOpen.end(), role.Text()); name != mOpen.end(); ++name) {
+        cycle += Quoted(*name) + " needs ";
+    }
+    role.Error("the element needs itself: " + cycle + Quoted(role.Text()));
+}
+
+ProfileElements::Element ProfileElements::Read(const JsonCursor& place) {
+    std::shared_ptr<ProfileElement> element;
+    const bool tooDeep = mDepth == MAX_COST;
+    if (!tooDeep) {
+        ++mDepth;
+        element = place->contains("constant") ? ReadConstant(place)
+                  : place->contains("chain")  ? ReadComputation(place)
+                                              : ReadElement(place);
+        --mDepth;
+    }
+    if (tooDeep || (element && element->cost > MAX_COST)) {
+        place.Error("one value of this element takes more than " + std::to_string(MAX_COST) +
+                    " elements and computations");
+        return nullptr;
+    }
+    if (element) {
+        mLabels.insert(element->labels.begin(), element->labels.end());
+    }
+    return element;
+}
+
+std::shared_ptr<ProfileElement> ProfileElements::ReadConstant(const JsonCursor& place) const {
     auto element = std::make_shared<ProfileElement>();
-    if (place->contains("constant")) {
-        element->constant = &(*place)["constant"];
-        element->adapter = std::make_shared<AttributeConstant>(*element->constant);
-        return element;
-    }
-    if (!place.Has("type") || (element->type = ReadType(place.At("type"))) == nullptr) {
+    element->constant = &(*place)["constant"];
+    element->kind = KindOf(*element->constant);
+    element->adapter = std::make_shared<AttributeConstant>(*element->constant);
+    return element;
+}
+
+std::shared_ptr<ProfileElement> ProfileElements::ReadElement(const JsonCursor& place) {
+    const auto registers = ProfileRegisters::Read(place, mFrames, mEnumerations);
+    if (!registers) {
         return nullptr;
     }
-    const LogicCodeRow& type = *element->type;
-    const auto pairs = mEnumerations.Get(place, type);
-    const auto scale = ReadFactor<double>(place, "scale", 1.0, type);
-    const auto offset = ReadFactor<float>(place, "offset", 0.0F, type);
-    const auto count = ReadCount(place, type);
-    const auto address = place.At("address").Number();
-    if (!pairs || !count || !address) {
+    auto element = std::make_shared<ProfileElement>();
+    element->kind = KindOf(*registers->type);
+    element->labels = registers->GetLabels();
+    element->frames = {registers->frame};
+    element->adapter = registers->MakeConverter();
+    element->adapter->GetClassName(element->className);
+    return element;
+}
+
+std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCursor& place) {
+    auto element = std::make_shared<ProfileElement>();
+    AttributeProcessor::Inputs adapters;
+    ChainInputsByName inputs;
+    Names names;
+    place.At("inputs").ForEach([&](const std::string& name, const JsonCursor& role) {
+        names.push_back(name);
+        if (const Element input = Resolve(role)) {
+            adapters.emplace(name, input->adapter);
+            inputs.emplace(name, ChainInput{role, input->kind});
+            element->frames.insert(input->frames.begin(), input->frames.end());
+            element->cost += input->cost;
+        }
+    });
+    if (names.empty() || !place.Has("chain")) {
+        return nullptr;  // reported already
+    }
+    auto made = ChainFactory::Make(place.At("chain").Text(), names, *place.At("settings"));
+    ReportFaults(place, made);
+    if (!made.chain || adapters.size() < names.size()) {
         return nullptr;
     }
-    const std::size_t byteCount = std::size_t{2} * *count;
-    const auto mask = ReadBytes(place.At("mask"), byteCount);
-    const bool hasPattern = ReadBytes(place.At("notAvailable"), byteCount).has_value();
-    element->frame = mFrames.Find(place, static_cast<std::uint32_t>(*address), *count);
-    if (!element->frame) {
-        return nullptr;
-    }
-    element->labels = LabelsOf(*pairs);
-    element->adapter = std::make_shared<AttributeConverter>(
-        static_cast<std::uint16_t>(*address), *count,
-        std::make_shared<Bytes>(mask.value_or(Bytes(byteCount, std::uint8_t{0xFF}))), scale,
-        hasPattern ? std::make_shared<std::string>(place.At("notAvailable").Text()) : nullptr,
-        LogicCodeIdentifier{type.code}, *element->frame, offset, *pairs, ReadOrder(place.At("order")), hasPattern);
+    const ChainRow& row = *FindChain(made.chain->GetName());
+    CheckInputKinds(row, inputs);
+    element->kind = KindOf(row.result);
+    element->className = ClassNameOf(row.result);
+    element->labels = std::move(made.labels);
+    element->adapter = std::make_shared<AttributeProcessor>(adapters, std::move(made.chain));
     return element;
 }
 
@@ -200,6 +152,12 @@ void ProfileElements::ReportUnused() const {
         if (!named.used) {
             named.place.Warning("no object uses the element " + Quoted(name));
         }
+    }
+}
+
+void ProfileElements::PublishLabels() const {
+    for (const auto& label : mLabels) {
+        kzm::edm::dictionary::EdmEnumToEdmValue::SetLabel(label, label);
     }
 }
 

@@ -1,56 +1,77 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "DataModel/AttributeAdapter.h"
-#include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/JsonCursor.h"
 #include "gateway/ProblemText.h"
 #include "gateway/ProfileEnumerations.h"
 #include "gateway/ProfileFrames.h"
+#include "gateway/ValueKind.h"
 
 namespace kzm::ModbusGateway {
 
-// What fills an attribute of an object: an element of the device, or a constant.
+// What fills an attribute of an object: an element of the device, a computation, or a constant.
 struct ProfileElement {
     std::shared_ptr<ModbusDeviceModel::DataModel::AttributeAdapter> adapter;
-    const ModbusDeviceModel::DeviceProfile::LogicCodeRow* type = nullptr;  // null for a constant
-    const nlohmann::json* constant = nullptr;                              // null for an element
-    Names labels;                                                          // of its enumeration
-    std::optional<std::uint8_t> frame;
+    ValueKind kind = ValueKind::OTHER;
+    std::string className;                     // empty for a constant
+    const nlohmann::json* constant = nullptr;  // null for anything else
+    Names labels;                              // that it can give
+    std::set<std::uint8_t> frames;
+    std::size_t cost = 1;  // elements and computations that one value takes
 };
 
 // The section "elements" of a device profile, and the elements that stand at an attribute's role itself.
 class ProfileElements {
 public:
+    using Element = std::shared_ptr<const ProfileElement>;
+
+    // The most elements and computations that one value may take.
+    static constexpr std::size_t MAX_COST = 256;
+
     // Reads the section and reports what is wrong with it. The other sections must outlive this one.
     ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations);
 
     // What fills a role: the element that it names or is. Null for a role that is not there, and for a faulty one,
     // which is reported.
-    std::shared_ptr<const ProfileElement> Get(const JsonCursor& role);
+    Element Get(const JsonCursor& role);
 
     // Warns of named elements that were not asked for.
     void ReportUnused() const;
 
+    // Makes the labels of all elements known to the platform's device dictionary.
+    void PublishLabels() const;
+
 private:
     struct Named {
         JsonCursor place;
-        std::shared_ptr<const ProfileElement> element;
+        Element element = nullptr;
+        bool read = false;
         bool used = false;
     };
 
-    std::shared_ptr<const ProfileElement> Read(const JsonCursor& place);
-    std::shared_ptr<const ProfileElement> GetNamed(const JsonCursor& role);
+    Element Resolve(const JsonCursor& role);
+    Element GetNamed(const JsonCursor& role);
+    void ReadNamed(const std::string& name, Named& named);
+    Element Read(const JsonCursor& place);
+    std::shared_ptr<ProfileElement> ReadConstant(const JsonCursor& place) const;
+    std::shared_ptr<ProfileElement> ReadElement(const JsonCursor& place);
+    std::shared_ptr<ProfileElement> ReadComputation(const JsonCursor& place);
+    void ReportCycle(const JsonCursor& role) const;
 
     ProfileFrames& mFrames;
     ProfileEnumerations& mEnumerations;
     std::map<std::string, Named> mNamed;
+    Names mOpen;             // the named elements that are being read, each needed by the one before
+    std::size_t mDepth = 0;  // how many elements are being read
+    std::set<std::string> mLabels;
 };
 
 }  // namespace kzm::ModbusGateway

@@ -49,6 +49,7 @@ std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& pro
     frames.ReportUnused();
     enumerations.ReportUnused();
     elements.ReportUnused();
+    elements.PublishLabels();
     objects.PublishLabels();
     return MakeProfile(root.At("device"), frames, objects);
 }

@@ -6,7 +6,6 @@
 #include "DataModel/DataObjectAdapter.h"
 #include "DataModel/SimpleObjectAdapter.h"
 #include "gateway/ObjectGroupAdapter.h"
-#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 
 namespace kzm::ModbusGateway {
@@ -14,23 +13,19 @@ namespace kzm::ModbusGateway {
 using ModbusDeviceModel::DataModel::AttributeAdapterType;
 using ModbusDeviceModel::DataModel::DataObjectAdapter;
 using ModbusDeviceModel::DataModel::SimpleObjectAdapter;
-using ModbusDeviceModel::DeviceProfile::Family;
-using ModbusDeviceModel::DeviceProfile::ValueClass;
 
 namespace {
 
 bool MayBeText(const ProfileElement& element) {
-    return element.type ? element.type->valueClass == ValueClass::STRING : element.constant->is_string();
+    return element.kind == ValueKind::TEXT || element.kind == ValueKind::LABEL;
 }
 
 bool MayBeBoolean(const ProfileElement& element) {
-    return element.type ? element.type->family == Family::BOOLEAN || !element.labels.empty()
-                        : element.constant->is_boolean();
+    return element.kind == ValueKind::BOOLEAN || !element.labels.empty();
 }
 
 bool MayBeTimestamp(const ProfileElement& element) {
-    return element.type ? element.type->valueClass == ValueClass::DATE_TIME || element.type->family == Family::TEXT
-                        : element.constant->is_string();
+    return element.kind == ValueKind::DATE_TIME || element.kind == ValueKind::TEXT;
 }
 
 bool MayBeAnything(const ProfileElement&) {
@@ -152,7 +147,7 @@ void ProfileObjects::ReadRoles(const JsonCursor& roles, const std::string& path,
         return;  // reported already
     }
     if (draft.adapters.empty()) {
-        value->adapter->GetClassName(draft.className);
+        draft.className = value->className;
     }
     draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value->adapter))
                                          : Adapter(adapter));
@@ -204,7 +199,6 @@ ModbusDeviceModel::Device::DeviceModel::ObjectAdapters ProfileObjects::GetAdapte
 void ProfileObjects::PublishLabels() const {
     for (const auto& [key, translation] : mLabels) {
         kzm::edm::dictionary::EdmEnumToIotValue::SetLabel(key.first, key.second, translation.value);
-        kzm::edm::dictionary::EdmEnumToEdmValue::SetLabel(key.second, key.second);
     }
 }
 

@@ -28,7 +28,7 @@ public:
     const TextByName& GetClassNames() const { return mClassNames; }
     ModbusDeviceModel::Device::DeviceModel::ObjectAdapters GetAdapters() const;
 
-    // Makes the labels of the objects' enumerations known to the platform's label dictionaries.
+    // Makes what the labels of the objects' elements stand for known to the platform's data-model dictionary.
     void PublishLabels() const;
 
 private:

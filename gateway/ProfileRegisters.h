@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DataModel/AttributeConverter.h"
+#include "DataModel/ElementData.h"
+#include "DeviceProfile/LogicCodeTable.h"
+#include "gateway/JsonCursor.h"
+#include "gateway/ProfileEnumerations.h"
+#include "gateway/ProfileFrames.h"
+
+namespace kzm::ModbusGateway {
+
+// Registers of the device and how they become a value, as an element of a device profile says.
+struct ProfileRegisters {
+    const ModbusDeviceModel::DeviceProfile::LogicCodeRow* type = nullptr;
+    std::uint16_t address = 0;
+    std::uint8_t count = 0;
+    std::uint8_t frame = 0;
+    std::shared_ptr<std::vector<std::uint8_t>> mask;
+    std::shared_ptr<std::string> notAvailable;  // null: no such pattern
+    double scale = 1;
+    float offset = 0;
+    ModbusDeviceModel::ByteOrderingEnum order{};
+    ProfileEnumerations::Pairs pairs;
+
+    // Nothing for a faulty element, which is reported.
+    static std::optional<ProfileRegisters> Read(const JsonCursor& element, const ProfileFrames& frames,
+                                                ProfileEnumerations& enumerations);
+
+    std::shared_ptr<ModbusDeviceModel::DataModel::AttributeConverter> MakeConverter() const;
+    Names GetLabels() const;
+};
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+
+#include "DataModel/ProcessingChain.h"
+#include "DeviceProfile/LogicCodeTable.h"
+#include "gateway/chains/ChainTable.h"
+
+namespace kzm::ModbusGateway {
+
+// What is known of a value of a profile before the device is read.
+enum class ValueKind : std::uint8_t {
+    INTEGER,
+    FLOAT,
+    NUMBER,  // either of these
+    BOOLEAN,
+    LABEL,  // a text out of a known set, or of a fixed form
+    TEXT,
+    DATE_TIME,
+    OTHER,
+};
+
+ValueKind KindOf(const nlohmann::json& constant);
+ValueKind KindOf(const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
+ValueKind KindOf(ChainResult result);
+
+// Whether such a value can be a chain's parameter of a type.
+bool MayBe(ValueKind kind, ModbusDeviceModel::ProcessingChainOperandType type);
+
+}  // namespace kzm::ModbusGateway
