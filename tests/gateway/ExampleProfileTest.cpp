@@ -4,9 +4,9 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "ProfileTesting.h"
 #include "gateway/Capture.h"
-#include "gateway/ProfileLoader.h"
-#include "kz/orba/VortaORBAObject.h"
+#include "kzm/DateTime/DateTime.h"
 #include "kzm/StandIn/Clock.h"
 
 namespace kzm::ModbusGateway {
@@ -15,20 +15,16 @@ namespace {
 
 using nlohmann::json;
 
-constexpr std::size_t FEWEST_OBJECTS = 40;
-
 std::string ReadFile(const std::string& name) {
     std::ifstream file(KZM_SOURCE_DIR "/profiles/" + name);
     EXPECT_TRUE(file) << name;
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string TextOf(const Problems& problems) {
-    std::string text;
-    for (const Problem& problem : problems) {
-        text += std::to_string(problem.line) + " " + problem.pointer + ": " + problem.message + "\n";
-    }
-    return text;
+std::unique_ptr<LoadedProfile> LoadExample(const std::string& name) {
+    ProfileLoader::Result loaded = ProfileLoader::Load(ReadFile(name + ".jsonc"));
+    EXPECT_EQ(Written(loaded.problems), "");
+    return std::move(loaded.profile);
 }
 
 json ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object,
@@ -42,25 +38,45 @@ json ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& objec
             {"value", target.GetValue()}};
 }
 
-TEST(ExampleProfile, ItsCaptureBecomesTheExpectedObjects) {
-    const ProfileLoader::Result loaded = ProfileLoader::Load(ReadFile("energy-meter.jsonc"));
-    EXPECT_EQ(TextOf(loaded.problems), "");
-    ASSERT_TRUE(loaded.profile);
-    const LoadedProfile& profile = *loaded.profile;
-    EXPECT_GE(profile.objects.size(), FEWEST_OBJECTS);
-
+// What `read` gives at each snapshot of a capture, with the clock stopped at its time.
+template <typename Read>
+void ExpectReplay(const LoadedProfile& profile, const std::string& captureName, const std::string& expectedName,
+                  Read read) {
     Problems problems;
-    const Capture capture = Capture::Parse(ReadFile("energy-meter.capture.json"), profile, problems);
-    ASSERT_EQ(TextOf(problems), "");
+    const Capture capture = Capture::Parse(ReadFile(captureName), profile, problems);
+    ASSERT_EQ(Written(problems), "");
     const auto cache = std::make_shared<RegisterCache>(profile.model->GetFrames());
-    Capture::Restore(capture.snapshots.front(), *cache);
-    const StandIn::StoppedClock clock(capture.snapshots.front().time);
-
-    json expected = json::parse(ReadFile("energy-meter.expected.json"));
-    ASSERT_EQ(expected.size(), profile.objects.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
+    json lines = json::array();
+    for (const auto& snapshot : capture.snapshots) {
+        Capture::Restore(snapshot, *cache);
+        const StandIn::StoppedClock clock(snapshot.time);
+        for (json& line : read(cache)) {
+            if (capture.snapshots.size() > 1) {
+                line["time"] = DateTime::DateTime::GetCalendarTime();
+            }
+            lines.push_back(std::move(line));
+        }
+    }
+    json expected = json::parse(ReadFile(expectedName));
+    ASSERT_EQ(lines.size(), expected.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
         expected[i].erase("why");  // in the program's words
-        EXPECT_EQ(ReadObject(profile, profile.objects[i], cache).dump(1), expected[i].dump(1));
+        EXPECT_EQ(lines[i].dump(1), expected[i].dump(1));
+    }
+}
+
+TEST(ExampleProfile, CapturesBecomeTheExpectedObjects) {
+    for (const std::string name : {"energy-meter", "sunspec-inverter"}) {
+        SCOPED_TRACE(name);
+        const auto profile = LoadExample(name);
+        ASSERT_TRUE(profile);
+        ExpectReplay(*profile, name + ".capture.json", name + ".expected.json", [&](const auto& cache) {
+            std::vector<json> objects;
+            for (const auto& object : profile->objects) {
+                objects.push_back(ReadObject(*profile, object, cache));
+            }
+            return objects;
+        });
     }
 }
 
