@@ -1,6 +1,7 @@
 #include "gateway/ProfileLoader.h"
 
 #include "gateway/JsonStructure.h"
+#include "gateway/ProfileAlarms.h"
 #include "gateway/ProfileObjects.h"
 
 namespace kzm::ModbusGateway {
@@ -25,14 +26,16 @@ void DescribeDevice(const JsonCursor& device, DeviceModel& model) {
 }
 
 std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const ProfileFrames& frames,
-                                           const ProfileObjects& objects) {
+                                           const ProfileObjects& objects, const ProfileAlarms& alarms) {
     auto profile = std::make_unique<LoadedProfile>();
     profile->frameNames = frames.GetNames();
     profile->objects = objects.GetObjects();
+    profile->alarms = alarms.GetAlarms();
     auto units = objects.GetUnits();
+    auto computedAlarms = alarms.GetComputedAlarms();
     auto classNames = objects.GetClassNames();
     profile->model = std::make_unique<DeviceModel>(objects.GetAdapters(), frames.GetFrames(), std::move(units),
-                                                   std::move(classNames), DeviceModel::ComputedAlarms{},
+                                                   std::move(classNames), std::move(computedAlarms),
                                                    device.At("wordOrder").Text() != "little");
     DescribeDevice(device, *profile->model);
     return profile;
@@ -43,6 +46,7 @@ std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& pro
     ProfileEnumerations enumerations(root.At("enumerations"));
     ProfileElements elements(root.At("elements"), frames, enumerations);
     const ProfileObjects objects(root.At("objects"), elements);
+    const ProfileAlarms alarms(root.At("alarms"), elements, objects);
     if (HasError(problems)) {
         return nullptr;
     }
@@ -51,7 +55,7 @@ std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& pro
     elements.ReportUnused();
     elements.PublishLabels();
     objects.PublishLabels();
-    return MakeProfile(root.At("device"), frames, objects);
+    return MakeProfile(root.At("device"), frames, objects, alarms);
 }
 
 }  // namespace

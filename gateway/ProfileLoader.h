@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/VortaObjectAdapter.h"
 #include "Device/DeviceModel.h"
 #include "gateway/Problem.h"
@@ -20,10 +21,18 @@ struct LoadedProfile {
         std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;
     };
 
+    // A computed alarm of the model, under the name and alias of its object.
+    struct Alarm {
+        std::string name;
+        std::string alias;
+        std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;
+    };
+
     // The model's frames bear these names, in the order of their indexes.
     std::vector<std::string> frameNames;
     // In the order of the profile.
     std::vector<Object> objects;
+    std::vector<Alarm> alarms;
     std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> model;
 };
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "DataModel/DataObjectAdapter.h"
 #include "DataModel/SimpleObjectAdapter.h"
 #include "gateway/ObjectGroupAdapter.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
@@ -91,20 +90,25 @@ void ProfileObjects::ReadObject(const JsonCursor& place) {
     }
     ReadPaths(draft);
     ReadLabels(draft);
-    if (name.empty() || draft.adapters.empty()) {
+    if (name.empty()) {
         return;  // reported already
     }
-    const auto [earlier, isNew] = mPlaces.try_emplace({name, alias}, place);
+    const auto adapter = draft.adapters.size() == 1 ? draft.adapters.front() : nullptr;
+    const auto [earlier, isNew] = mKnown.try_emplace(
+        {name, alias},
+        Known{place, std::dynamic_pointer_cast<DataObjectAdapter>(adapter), draft.kind, draft.adapters.empty()});
     if (!isNew) {
-        place.At("name").Error("the object " + Quoted(name) +
-                               (alias.empty() ? "" : " with the alias " + Quoted(alias)) +
-                               " stands in the profile already, on line " + std::to_string(earlier->second.GetLine()));
+        place.At("name").Error(
+            "the object " + Quoted(name) + (alias.empty() ? "" : " with the alias " + Quoted(alias)) +
+            " stands in the profile already, on line " + std::to_string(earlier->second.place.GetLine()));
+    }
+    if (draft.adapters.empty()) {
+        return;  // reported already
     }
     KeepByName(mUnits, place, "unit", place.At("unit").Text());
     KeepByName(mClassNames, place, "class", place.Has("class") ? place.At("class").Text() : draft.className);
-    mObjects.push_back(
-        {name, alias, place.At("unit").Text(),
-         draft.adapters.size() == 1 ? draft.adapters.front() : std::make_shared<ObjectGroupAdapter>(draft.adapters)});
+    mObjects.push_back({name, alias, place.At("unit").Text(),
+                        adapter ? adapter : std::make_shared<ObjectGroupAdapter>(draft.adapters)});
 }
 
 void ProfileObjects::ReadPaths(Draft& draft) {
@@ -148,6 +152,7 @@ void ProfileObjects::ReadRoles(const JsonCursor& roles, const std::string& path,
     }
     if (draft.adapters.empty()) {
         draft.className = value->className;
+        draft.kind = value->kind;
     }
     draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value->adapter))
                                          : Adapter(adapter));
@@ -194,6 +199,19 @@ ModbusDeviceModel::Device::DeviceModel::ObjectAdapters ProfileObjects::GetAdapte
         adapters.emplace(std::pair(object.name, object.alias), object.adapter);
     }
     return adapters;
+}
+
+const ProfileObjects::Known* ProfileObjects::Find(const std::string& name, const std::string& alias) const {
+    const auto found = mKnown.find({name, alias});
+    return found == mKnown.end() ? nullptr : &found->second;
+}
+
+Names ProfileObjects::GetNames() const {
+    Names names;
+    for (const auto& object : mObjects) {
+        names.push_back(object.name);
+    }
+    return names;
 }
 
 void ProfileObjects::PublishLabels() const {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "DataModel/DataObjectAdapter.h"
 #include "Device/DeviceModel.h"
 #include "gateway/JsonCursor.h"
 #include "gateway/ProfileElements.h"
@@ -28,6 +29,19 @@ public:
     const TextByName& GetClassNames() const { return mClassNames; }
     ModbusDeviceModel::Device::DeviceModel::ObjectAdapters GetAdapters() const;
 
+    // An object as something else of the profile may need it.
+    struct Known {
+        JsonCursor place;
+        // Null for an object of several values, and for a plain one.
+        std::shared_ptr<ModbusDeviceModel::DataModel::DataObjectAdapter> adapter;
+        ValueKind kind;
+        bool faulty;
+    };
+    // Null for an unknown object.
+    const Known* Find(const std::string& name, const std::string& alias) const;
+    // Each name as often as it has objects.
+    Names GetNames() const;
+
     // Makes what the labels of the objects' elements stand for known to the platform's data-model dictionary.
     void PublishLabels() const;
 
@@ -40,6 +54,7 @@ private:
         std::string urn;
         bool plain;
         std::string className = {};
+        ValueKind kind = ValueKind::OTHER;
         std::vector<Adapter> adapters = {};
         std::set<std::string> labels = {};
         bool labelsKnown = true;  // no element is faulty
@@ -58,7 +73,7 @@ private:
 
     ProfileElements& mElements;
     std::vector<LoadedProfile::Object> mObjects;
-    std::map<std::pair<std::string, std::string>, JsonCursor> mPlaces;  // by name and alias
+    std::map<std::pair<std::string, std::string>, Known> mKnown;  // by name and alias
     TextByName mUnits;
     TextByName mClassNames;
     std::map<std::pair<std::string, std::string>, Translation> mLabels;  // by urn and label

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "ProfileTesting.h"
+#include "dictionary/CustomAlarmElementStructure.h"
 #include "gateway/ProblemText.h"
 #include "kzm/StandIn/CapturedLog.h"
 #include "kzm/StandIn/Clock.h"
@@ -29,7 +30,12 @@ const std::string PROFILE = R"({
 "objects": [
 {"name": "Power", "value": {"chain": "scale10", "inputs": {"value": "sum", "exponent": {"address": 2, "type": "int16"}}}},
 {"name": "Level", "labels": {"High": 2}, "value": {"chain": "choice by value", "inputs": {"value": {"chain": "less", "inputs": {"left": "sum", "right": {"constant": 10}}}}, "settings": {"labels": {"true": "Low", "false": "High"}}}},
-{"name": "Closed", "value": {"chain": "equal", "inputs": {"left": "state", "right": {"constant": "On"}}}}
+{"name": "Closed", "value": {"chain": "equal", "inputs": {"left": "state", "right": {"constant": "On"}}}},
+{"name": "Group", "value": "one", "elements": {"x": {"value": "one"}}}],
+"alarms": [
+{"name": "Over", "alias": "over", "priority": "HIGH", "type": "T", "description": "D", "chain": "greater", "left": {"object": "Power"}, "right": {"constant": 5}, "settings": {"deadBand": 0.5}},
+{"name": "Moved", "alias": "moved", "priority": "LOW", "changes": true, "chain": "not equal", "left": {"previous": "Last"}, "right": "state"},
+{"name": "Band", "object": "Alarm.Band", "priority": "LOW", "chain": "outside band", "left": "one", "settings": {"low": 0, "high": 9}}
 ]})";
 
 // A loaded profile and a device whose registers are all 0.
@@ -49,10 +55,25 @@ struct Device {
         return {object.value("value", json()), object["quality"]};
     }
 
+    // State and quality of an alarm.
+    json StateOf(const LoadedProfile::Alarm& alarm, int status = 0) {
+        using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
+        auto structure = CustomAlarmElementStructure::GetStructure().at("IoTElementDynamicClassForDevice");
+        kz::orba::VortaORBAObject object("", alarm.name, alarm.alias, structure);
+        EXPECT_EQ(static_cast<int>(
+                      loaded.profile->model->GetCustomAlarmVortaObjectValue(cache, /*flag=*/false, object, previous)),
+                  status);
+        filled = object.GetValue()["elements"];
+        return {filled["state"]["value"], filled["state"]["quality"]};
+    }
+
     StandIn::StoppedClock clock{NOW};
     StandIn::CapturedLog unseen;
     ProfileLoader::Result loaded;
     std::shared_ptr<RegisterCache> cache;
+    ModbusDeviceModel::DataModel::PreviousMeasurements previous =
+        std::make_shared<ModbusDeviceModel::DataModel::PreviousMeasurements::element_type>();
+    json filled;  // the elements of the last alarm
 };
 
 TEST(ProfileComputations, AreMadeOfElementsConstantsAndOneAnother) {
@@ -128,6 +149,63 @@ TEST(ProfileComputations, AValueTakesABoundedNumberOfElementsAndComputations) {
         const auto loaded = ProfileLoader::Load(Replaced(PROFILE, "\"elements\": {", "\"elements\": {" + elements));
         EXPECT_NE(Written(loaded.problems).find("takes more than 256 elements"), std::string::npos);
     }
+}
+
+TEST(ProfileAlarms, AreEvaluatedByTheModel) {
+    Device device;
+    const auto& alarms = device.loaded.profile->alarms;
+    ASSERT_EQ(alarms.size(), 3U);
+    EXPECT_EQ(alarms[1].name + '/' + alarms[1].alias, "Alarm.CustomAlarm/moved");
+    const auto step = [&](std::uint16_t one, std::uint16_t state, RegisterCache::Quality quality) {
+        device.Set(0, {one, state}, quality);
+        return json{device.StateOf(alarms[0]), device.StateOf(alarms[1]), device.StateOf(alarms[2])};
+    };
+    EXPECT_EQ(step(5, 0, QUALITY_GOOD), json({{"Inactive", "Good"}, {"Inactive", "Bad"}, {"Inactive", "Good"}}));
+    EXPECT_EQ(step(6, 1, QUALITY_GOOD), json({{"Active", "Good"}, {"Active", "Good"}, {"Inactive", "Good"}}));
+    EXPECT_EQ(step(10, 1, QUALITY_QUESTIONABLE),
+              json({{"Active", "Good"}, {"Inactive", "Questionable"}, {"Active", "Questionable"}}));
+    device.Set(0, {}, QUALITY_BAD);
+    EXPECT_EQ(device.StateOf(alarms[0], 42), json({nullptr, "Bad"}));
+    EXPECT_EQ(device.filled["customer_alarm_name"]["value"], "Over");
+    EXPECT_EQ(device.filled["customer_alarm_description"]["value"], "D");
+    EXPECT_EQ(device.filled["type"]["value"], "T");
+    EXPECT_EQ(device.filled["criticality"]["value"], "High");
+    EXPECT_TRUE(device.previous->contains("MovedLast"));
+    EXPECT_TRUE(alarms[1].element->IsHasChangedAlarm());
+    EXPECT_EQ(device.loaded.profile->model->GetDependencyFrame("Alarm.CustomAlarm", "over").size(), 2U);
+}
+
+TEST(ProfileAlarms, EachFaultGivesOneProblem) {
+    const char* const MOVED = "\"name\": \"Moved\"";
+    const Fault rows[] = {
+        {"\"HIGH\"", "\"high\"", "16 /alarms/0/priority: \"high\" is not", "\"LOW\", \"MEDIUM\", \"HIGH\""},
+        {"\"greater\"", "\"sum\"", "16 /alarms/0/chain: the chain \"sum\" does not give true or false", "greater"},
+        {"\"deadBand\": 0.5", "\"deadBand\": -1", "16 /alarms/0/settings/deadBand: ", "from 0 on"},
+        {"\"right\": {\"constant\": 5}, ", "", "16 /alarms/0: the chain \"greater\" needs the operand", "right"},
+        {"{\"constant\": 5}", "{\"constant\": true}", "16 /alarms/0/right: the element does not suit", "a number"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"power\"}", "16 /alarms/0/left/object: there is no such object",
+         "did you mean \"Power\"?"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"Group\"}", "16 /alarms/0/left/object: the object is no operand",
+         "one value"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"Level\"}", "16 /alarms/0/left: the element does not", "a number"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"Power\", \"type\": 2}", "16 /alarms/0/left/type: there is no",
+         "\"alias\", \"object\""},
+        {"{\"previous\": \"Last\"}", "\"state\"", "17 /alarms/1/changes: an alarm that reports changes",
+         "\"previous\""},
+        {"\"right\": \"state\"", "\"right\": {\"constant\": \"On\"}", "17 /alarms/1/left: a \"previous\" value is",
+         "a measurement"},
+        {MOVED,
+         R"("name": "MovedL", "alias": "m", "priority": "LOW", "chain": "equal", "left": "one", "right": {"previous": "ast"}},
+            {"name": "Moved")",
+         "18 /alarms/2/left: the previous value would be kept as \"MovedLast\"", "line 17"},
+        {"\"moved\"", "\"over\"", "17 /alarms/1: the object \"Alarm.CustomAlarm\"", "alias"},
+        {"\"Alarm.Band\"", "\"Level\"", "18 /alarms/2: the object \"Level\"", "already"},
+        {"\"left\": \"one\"", "\"left\": \"one\", \"right\": \"one\"",
+         "18 /alarms/2/right: the chain \"outside band\" looks at", "alone"},
+        {"\"left\": \"one\"", "\"left\": {\"previous\": \"\"}", "18 /alarms/2/left/previous: \"\" is not allowed",
+         "at least one"},
+    };
+    ExpectOneProblemEach(PROFILE, rows);
 }
 
 }  // namespace
