@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "ProfileTesting.h"
+#include "dictionary/CustomAlarmElementStructure.h"
 #include "gateway/Capture.h"
 #include "kzm/DateTime/DateTime.h"
 #include "kzm/StandIn/Clock.h"
@@ -13,6 +14,8 @@ namespace kzm::ModbusGateway {
 
 namespace {
 
+using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
+using ModbusDeviceModel::DataModel::PreviousMeasurements;
 using nlohmann::json;
 
 std::string ReadFile(const std::string& name) {
@@ -30,10 +33,23 @@ std::unique_ptr<LoadedProfile> LoadExample(const std::string& name) {
 json ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object,
                 const std::shared_ptr<RegisterCache>& cache) {
     kz::orba::VortaORBAObject target("", object.name, object.alias, json::object());
-    const auto status = profile.model->GetVortaObjectValue(cache, /*flag=*/false, target);
+    const auto status = profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
     return {{"name", object.name},
             {"alias", object.alias},
             {"unit", object.unit},
+            {"status", static_cast<std::int32_t>(status)},
+            {"value", target.GetValue()}};
+}
+
+json EvaluateAlarm(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm,
+                   const std::shared_ptr<RegisterCache>& cache, const PreviousMeasurements& previous) {
+    json structure = CustomAlarmElementStructure::GetStructure()["IoTElementDynamicClassForDevice"];
+    kz::orba::VortaORBAObject target("", alarm.name, alarm.alias, std::move(structure));
+    const auto status =
+        profile.model->GetCustomAlarmVortaObjectValue(cache, /*ignoreCacheAge=*/false, target, previous);
+    return {{"name", alarm.name},
+            {"alias", alarm.alias},
+            {"momentary", alarm.element->IsHasChangedAlarm()},
             {"status", static_cast<std::int32_t>(status)},
             {"value", target.GetValue()}};
 }
@@ -78,6 +94,20 @@ TEST(ExampleProfile, CapturesBecomeTheExpectedObjects) {
             return objects;
         });
     }
+}
+
+TEST(ExampleProfile, ASeriesHasTheExpectedHistoryOfAlarms) {
+    const auto profile = LoadExample("energy-meter");
+    ASSERT_TRUE(profile);
+    const auto previous = std::make_shared<PreviousMeasurements::element_type>();
+    ExpectReplay(*profile, "energy-meter.series.capture.json", "energy-meter.alarms.expected.json",
+                 [&](const auto& cache) {
+                     std::vector<json> alarms;
+                     for (const auto& alarm : profile->alarms) {
+                         alarms.push_back(EvaluateAlarm(*profile, alarm, cache, previous));
+                     }
+                     return alarms;
+                 });
 }
 
 }  // namespace
