@@ -19,6 +19,7 @@ void AddShowCommand(CLI::App& app, Command& command);
 void AddPollCommand(CLI::App& app, Command& command);
 void AddCaptureCommand(CLI::App& app, Command& command);
 void AddSimulateCommand(CLI::App& app, Command& command);
+void AddAlarmsCommand(CLI::App& app, Command& command);
 void AddDictionaryCommand(CLI::App& app, Command& command);
 
 }  // namespace kzm::ModbusTool

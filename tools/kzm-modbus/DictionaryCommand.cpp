@@ -5,10 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "Columns.h"
 #include "Commands.h"
 #include "Nearest.h"
-#include "Screen.h"
-#include "Text.h"
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DynamicDeviceClasses.h"
@@ -114,27 +113,7 @@ json ToJson(const std::vector<Element>& elements) {
     return dump;
 }
 
-using Row = std::vector<std::string>;
-
-// Columns below one another, the first row being the headings; nothing follows a row's last text.
-void PrintAligned(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows) {
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            widths[column] = std::max(widths[column], WidthOf(row[column]));
-        }
-    }
-    for (const Row& row : rows) {
-        std::string line;
-        std::size_t blanks = 0;
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            line += row[column].empty() ? "" : std::string(std::exchange(blanks, 0), ' ') + row[column];
-            blanks += widths[column] - WidthOf(row[column]) + 2;
-        }
-        const bool bold = &row == &rows.front() && UsesColour();
-        std::cout << (bold ? "\x1b[1m" + line + "\x1b[0m" : line) << '\n';
-    }
-}
+using Row = Columns::Row;
 
 void PrintTable(const std::vector<Element>& elements) {
     std::vector<Row> rows{{"KEY", "TABLE", "NAME", "UNIT", "CLASS"}};
@@ -142,7 +121,7 @@ void PrintTable(const std::vector<Element>& elements) {
         rows.push_back({std::string(element.key), element.table, std::string(element.entry.name),
                         std::string(element.entry.unit), std::string(element.entry.className)});
     }
-    PrintAligned(rows);
+    PrintRows(rows);
 }
 
 // A row for each attribute of the structure: path, the device element that feeds it, what it holds from the start.
@@ -163,7 +142,7 @@ void PrintElement(const Element& element) {
               << element.entry.className << "\n\n";
     std::vector<Row> rows{{"ATTRIBUTE", "FED BY", "FROM THE START"}};
     AddAttributes(rows, BuildStructure(element.entry.structure).front(), "", element);
-    PrintAligned(rows);
+    PrintRows(rows);
 }
 
 std::string NearestKeys(const std::string& key) {

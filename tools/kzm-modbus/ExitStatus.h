@@ -12,7 +12,7 @@ enum class ExitStatus : int {
     WRONG_USAGE = 2,       // the command line cannot be understood
     FILE_ERROR = 3,        // a file cannot be read or written
     NOT_REACHED = 4,       // no frame was read, or the address cannot be listened on
-    OBJECT_NOT_FOUND = 5,  // the profile has no such object, or the dictionary no such element
+    OBJECT_NOT_FOUND = 5,  // the profile has no such object or no alarms, or the dictionary no such element
     ONLY_WARNINGS = 6,     // `check` found warnings and no errors
     INTERNAL_ERROR = 7,
 };
@@ -24,7 +24,7 @@ inline constexpr const char* EXIT_STATUS_HELP =
     "  2  wrong usage\n"
     "  3  a file cannot be read or written\n"
     "  4  the device cannot be reached, or the address not be listened on\n"
-    "  5  the profile has no such object, or the dictionary no such element\n"
+    "  5  the profile has no such object or no alarms, or the dictionary no such element\n"
     "  6  check: warnings, but no errors\n"
     "  7  internal error";
 

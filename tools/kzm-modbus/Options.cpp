@@ -51,6 +51,7 @@ TcpEndpoint ParseEndpoint(const char* option, const std::string& text, bool list
     return {std::string(parts->first), static_cast<std::uint16_t>(*port)};
 }
 
+constexpr const char* CAPTURE_HELP = "The recorded frames of a device";
 constexpr const char* RTU_FORM = " is not DEVICE:BAUD:PARITY with parity N, E or O, e.g. /dev/ttyUSB0:19200:E";
 
 // A device's name may hold colons, so that the last two count.
@@ -81,6 +82,36 @@ void AddSeconds(CLI::App& command, const std::string& name, Milliseconds& target
         ->type_name("SECONDS");
 }
 
+// One of these must be said.
+CLI::Option_group& AddLineOptions(CLI::App& command, ModbusConnection& connection) {
+    CLI::Option_group* lines = command.add_option_group("Device");
+    lines
+        ->add_option_function<std::string>(
+            "--tcp", [&](const std::string& text) { connection.line = ParseEndpoint("--tcp", text, false); },
+            "A Modbus TCP device; port 502 when not said")
+        ->type_name("HOST[:PORT]");
+    lines
+        ->add_option_function<std::string>(
+            "--rtu", [&](const std::string& text) { connection.line = ParseRtuLine(text); },
+            "A Modbus RTU device on a serial line; parity N, E or O")
+        ->type_name("DEVICE:BAUD:PARITY");
+    lines->require_option(1);
+    return *lines;
+}
+
+void AddUnitOptions(CLI::App& command, ModbusConnection& connection) {
+    const auto setUnit = [&](const std::string& text) {
+        const auto unit = ParseNumber(text, 0, 255);
+        if (!unit || (*unit > 247 && *unit != 255)) {
+            throw CLI::ValidationError("--unit",
+                                       Quoted(text) + " is no unit number: 0 to 247, or 255 for a TCP device");
+        }
+        connection.unit = static_cast<std::uint8_t>(*unit);
+    };
+    command.add_option_function<std::string>("--unit", setUnit, "The device's unit number (1)")->type_name("N");
+    AddSeconds(command, "--timeout", connection.timeout, "How long to wait for an answer");
+}
+
 }  // namespace
 
 void AddProfileArgument(CLI::App& command, std::string& path) {
@@ -88,7 +119,7 @@ void AddProfileArgument(CLI::App& command, std::string& path) {
 }
 
 void AddCaptureOption(CLI::App& command, std::string& path) {
-    command.add_option("--capture", path, "The recorded frames of a device")->required()->type_name("FILE");
+    command.add_option("--capture", path, CAPTURE_HELP)->required()->type_name("FILE");
 }
 
 void AddObjectOption(CLI::App& command, std::vector<std::string>& objects) {
@@ -113,28 +144,13 @@ void AddRepetitionOptions(CLI::App& command, Repetition& repetition) {
 }
 
 void AddConnectionOptions(CLI::App& command, ModbusConnection& connection) {
-    CLI::Option_group* lines = command.add_option_group("Device");
-    lines
-        ->add_option_function<std::string>(
-            "--tcp", [&](const std::string& text) { connection.line = ParseEndpoint("--tcp", text, false); },
-            "A Modbus TCP device; port 502 when not said")
-        ->type_name("HOST[:PORT]");
-    lines
-        ->add_option_function<std::string>(
-            "--rtu", [&](const std::string& text) { connection.line = ParseRtuLine(text); },
-            "A Modbus RTU device on a serial line; parity N, E or O")
-        ->type_name("DEVICE:BAUD:PARITY");
-    lines->require_option(1);
-    const auto setUnit = [&](const std::string& text) {
-        const auto unit = ParseNumber(text, 0, 255);
-        if (!unit || (*unit > 247 && *unit != 255)) {
-            throw CLI::ValidationError("--unit",
-                                       Quoted(text) + " is no unit number: 0 to 247, or 255 for a TCP device");
-        }
-        connection.unit = static_cast<std::uint8_t>(*unit);
-    };
-    command.add_option_function<std::string>("--unit", setUnit, "The device's unit number (1)")->type_name("N");
-    AddSeconds(command, "--timeout", connection.timeout, "How long to wait for an answer");
+    AddLineOptions(command, connection);
+    AddUnitOptions(command, connection);
+}
+
+void AddSourceOptions(CLI::App& command, std::string& capture, ModbusConnection& connection) {
+    AddLineOptions(command, connection).add_option("--capture", capture, CAPTURE_HELP)->type_name("FILE");
+    AddUnitOptions(command, connection);
 }
 
 void AddListenOption(CLI::App& command, TcpEndpoint& endpoint) {

@@ -29,6 +29,8 @@ void AddRepetitionOptions(CLI::App& command, Repetition& repetition);
 
 // "--tcp" or "--rtu", "--unit" and "--timeout".
 void AddConnectionOptions(CLI::App& command, ModbusGateway::ModbusConnection& connection);
+// "--capture" or the options of AddConnectionOptions; `capture` stays empty for the latter.
+void AddSourceOptions(CLI::App& command, std::string& capture, ModbusGateway::ModbusConnection& connection);
 // "--listen".
 void AddListenOption(CLI::App& command, ModbusGateway::TcpEndpoint& endpoint);
 

@@ -46,16 +46,24 @@ bool IsOutOfDate(std::uint64_t timestamp) {
 std::string WhyNotAvailable(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache,
                             bool outOfDate) {
     for (const std::uint8_t frameIndex : adapter.GetFrameIndexes()) {
-        const std::uint64_t timestamp = cache->GetFrameTimestamp(frameIndex);
-        if (outOfDate ? IsOutOfDate(timestamp) : timestamp == 0) {
-            return "frame " + profile.frameNames.at(frameIndex) +
-                   (outOfDate ? DescribeAge(timestamp) : " was never received");
+        std::string why = WhyFrameCannotBeUsed(profile, frameIndex, *cache);
+        if (!why.empty() && outOfDate == (cache->GetFrameTimestamp(frameIndex) != 0)) {
+            return why;
         }
     }
     return "not available or out of range";
 }
 
 }  // namespace
+
+std::string WhyFrameCannotBeUsed(const LoadedProfile& profile, std::uint8_t frameIndex, const RegisterCache& cache) {
+    const std::string frame = "frame " + profile.frameNames.at(frameIndex);
+    const std::uint64_t timestamp = cache.GetFrameTimestamp(frameIndex);
+    if (timestamp == 0) {
+        return frame + " was never received";
+    }
+    return IsOutOfDate(timestamp) ? frame + DescribeAge(timestamp) : "";
+}
 
 std::string WhyNoValue(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache) {
     const bool bigEndian = profile.model->IsBigEndian();

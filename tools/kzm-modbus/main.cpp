@@ -45,6 +45,7 @@ void Configure(CLI::App& app, Command& command) {
     AddPollCommand(app, command);
     AddCaptureCommand(app, command);
     AddSimulateCommand(app, command);
+    AddAlarmsCommand(app, command);
     AddDictionaryCommand(app, command);
 }
 

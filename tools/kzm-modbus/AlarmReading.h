@@ -1,0 +1,33 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "ObjectReading.h"
+
+namespace kzm::ModbusTool {
+
+// One evaluation of a computed alarm.
+struct AlarmReading {
+    const ModbusGateway::LoadedProfile::Alarm* alarm;
+    kz::orba::StatusCode status;
+    nlohmann::json value;  // the whole custom alarm object
+    bool momentary;        // it reports a change and holds no state
+    std::string why;       // in words, why there is no state; empty where there is one
+
+    // "state", "criticality" or "type" of the object, one of its attributes as text; empty where it is null.
+    std::string TextOf(const char* element, const char* attribute) const;
+
+    // Whether an alarm that had the other reading has something new to tell; its date-time alone is nothing new.
+    bool DiffersFrom(const AlarmReading& other) const;
+};
+
+// Evaluates an alarm of a profile. `previous` is kept by the caller from one evaluation to the next.
+AlarmReading ReadAlarm(const ModbusGateway::LoadedProfile& profile, const ModbusGateway::LoadedProfile::Alarm& alarm,
+                       const Cache& cache, const ModbusDeviceModel::DataModel::PreviousMeasurements& previous);
+
+// The alarm in one line: "name", "alias", "status", "momentary", "value" (the whole object), "time", and "why" where
+// there is no state.
+std::string ToJsonLine(const AlarmReading& reading, const std::string& time);
+
+}  // namespace kzm::ModbusTool
