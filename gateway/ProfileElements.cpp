@@ -5,13 +5,15 @@
 #include "DataModel/AttributeConstant.h"
 #include "DataModel/AttributeProcessor.h"
 #include "gateway/ProfileChains.h"
-#include "gateway/ProfileRegisters.h"
+#include "gateway/ScaledPowerAdapter.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 
 namespace kzm::ModbusGateway {
 
+using ModbusDeviceModel::ProcessingChainOperandType;
 using ModbusDeviceModel::DataModel::AttributeConstant;
 using ModbusDeviceModel::DataModel::AttributeProcessor;
+using ModbusDeviceModel::DeviceProfile::Family;
 
 ProfileElements::ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations)
     : mFrames(frames), mEnumerations(enumerations) {
@@ -111,9 +113,38 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadElement(const JsonCursor& p
     element->kind = KindOf(*registers->type);
     element->labels = registers->GetLabels();
     element->frames = {registers->frame};
-    element->adapter = registers->MakeConverter();
+    if (registers->type->family == Family::SCALED_POWER) {
+        if (!ReadScaledPower(place, *registers, *element)) {
+            return nullptr;
+        }
+    } else {
+        element->adapter = registers->MakeConverter();
+        if (place.Has("exponent")) {
+            place.At("exponent").Error("values of the type " + Quoted(registers->type->name) + " have no exponent");
+        }
+    }
     element->adapter->GetClassName(element->className);
     return element;
+}
+
+// False for a faulty exponent, which is reported.
+bool ProfileElements::ReadScaledPower(const JsonCursor& place, const ProfileRegisters& registers,
+                                      ProfileElement& element) {
+    const JsonCursor role = place.At("exponent");
+    if (!place->contains("exponent")) {
+        place.Error("the type " + Quoted(registers.type->name) + " needs an \"exponent\"");
+    }
+    const Element exponent = Resolve(role);
+    if (!exponent) {
+        return false;
+    }
+    if (!MayBe(exponent->kind, ProcessingChainOperandType::NUMBER)) {
+        role.Error("the element does not suit the role \"exponent\"; needed: a whole number");
+    }
+    element.frames.insert(exponent->frames.begin(), exponent->frames.end());
+    element.cost += exponent->cost;
+    element.adapter = std::make_shared<ScaledPowerAdapter>(registers.MakeScaledPower(), exponent->adapter);
+    return true;
 }
 
 std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCursor& place) {

@@ -13,6 +13,7 @@
 #include "gateway/ProblemText.h"
 #include "gateway/ProfileEnumerations.h"
 #include "gateway/ProfileFrames.h"
+#include "gateway/ProfileRegisters.h"
 #include "gateway/ValueKind.h"
 
 namespace kzm::ModbusGateway {
@@ -64,6 +65,7 @@ private:
     std::shared_ptr<ProfileElement> ReadConstant(const JsonCursor& place) const;
     std::shared_ptr<ProfileElement> ReadElement(const JsonCursor& place);
     std::shared_ptr<ProfileElement> ReadComputation(const JsonCursor& place);
+    bool ReadScaledPower(const JsonCursor& place, const ProfileRegisters& registers, ProfileElement& element);
     void ReportCycle(const JsonCursor& role) const;
 
     ProfileFrames& mFrames;

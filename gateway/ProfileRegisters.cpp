@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "DataModel/LogicCodeDependency.h"
 #include "gateway/ProblemText.h"
 
 namespace kzm::ModbusGateway {
@@ -10,6 +11,8 @@ namespace kzm::ModbusGateway {
 using ModbusDeviceModel::ByteOrderingEnum;
 using ModbusDeviceModel::LogicCodeIdentifier;
 using ModbusDeviceModel::DataModel::AttributeConverter;
+using ModbusDeviceModel::DataModel::ExtendedElementData;
+using ModbusDeviceModel::DataModel::LogicCodeDependency;
 using ModbusDeviceModel::DeviceProfile::Family;
 using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
 using ModbusDeviceModel::DeviceProfile::MAX_ELEMENT_REGISTERS;
@@ -27,7 +30,7 @@ Names NamesOfLogicCodes() {
     return names;
 }
 
-// Null for an unknown or unsupported type, which is reported.
+// Null for an unknown type, which is reported.
 const LogicCodeRow* ReadType(const JsonCursor& type) {
     const auto number = type->is_number() ? type.Number() : std::nullopt;
     const auto row = std::find_if(LogicCodeRows::TABLE.begin(), LogicCodeRows::TABLE.end(), [&](const auto& known) {
@@ -36,11 +39,6 @@ const LogicCodeRow* ReadType(const JsonCursor& type) {
     if (row == LogicCodeRows::TABLE.end()) {
         type.Error("there is no logic code " + Cited(*type) +
                    Alternatives(type.Text(), NamesOfLogicCodes(), "the numbers 0 to 62 and their names"));
-        return nullptr;
-    }
-    if (row->family == Family::SCALED_POWER) {
-        type.Error("the type " + Quoted(row->name) +
-                   " is not supported in this version: its decimal exponent comes from another element");
         return nullptr;
     }
     return &*row;
@@ -105,16 +103,16 @@ bool IsScalable(const LogicCodeRow& type) {
            type.family == Family::POWER_FACTOR || type.family == Family::BOOLEAN;
 }
 
-template <typename Number>
-Number ReadFactor(const JsonCursor& element, const char* member, Number usual, const LogicCodeRow& type) {
-    const JsonCursor place = element.At(member);
-    if (place->is_null()) {
-        return usual;
+// Warns of members that do nothing for the type.
+void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
+    const bool power = type.family == Family::SCALED_POWER;
+    const std::pair<const char*, bool> members[] = {
+        {"scale", !IsScalable(type) && !power}, {"offset", !IsScalable(type)}, {"mask", power}, {"order", power}};
+    for (const auto& [member, idle] : members) {
+        if (idle && element.Has(member)) {
+            element.At(member).Warning("has no effect on values of the type " + Quoted(type.name));
+        }
     }
-    if (!IsScalable(type)) {
-        place.Warning("has no effect: values of the type " + Quoted(type.name) + " are not scaled");
-    }
-    return place->get<Number>();
 }
 
 }  // namespace
@@ -127,8 +125,9 @@ std::optional<ProfileRegisters> ProfileRegisters::Read(const JsonCursor& element
     }
     const LogicCodeRow& type = *registers.type;
     const auto pairs = enumerations.Get(element, type);
-    registers.scale = ReadFactor<double>(element, "scale", 1.0, type);
-    registers.offset = ReadFactor<float>(element, "offset", 0.0F, type);
+    ReportIdleMembers(element, type);
+    registers.scale = element.Has("scale") ? element.At("scale")->get<double>() : 1.0;
+    registers.offset = element.Has("offset") ? element.At("offset")->get<float>() : 0.0F;
     const auto count = ReadCount(element, type);
     const auto address = element.At("address").Number();
     if (!pairs || !count || !address) {
@@ -156,6 +155,23 @@ std::shared_ptr<AttributeConverter> ProfileRegisters::MakeConverter() const {
     return std::make_shared<AttributeConverter>(address, count, mask, scale, notAvailable,
                                                 LogicCodeIdentifier{type->code}, frame, offset, pairs, order,
                                                 /*validityCheckEnabled=*/notAvailable != nullptr);
+}
+
+std::shared_ptr<ExtendedElementData> ProfileRegisters::MakeScaledPower() const {
+    std::shared_ptr<std::string> pattern;
+    if (notAvailable) {
+        char digits[16];
+        const auto end = std::to_chars(std::begin(digits), std::end(digits), *ParseNumber(*notAvailable), 16).ptr;
+        pattern = std::make_shared<std::string>(digits, end);
+        std::transform(pattern->begin(), pattern->end(), pattern->begin(),
+                       [](char digit) { return digit < 'a' ? digit : static_cast<char>(digit - 'a' + 'A'); });
+        pattern->insert(0, "0x");
+    }
+    const auto dependency = std::make_shared<std::vector<LogicCodeDependency>>();
+    dependency->push_back({"exponent", "", nullptr});
+    return std::make_shared<ExtendedElementData>(address, count, mask, scale, pattern, LogicCodeIdentifier{type->code},
+                                                 frame, "", offset, pairs, /*slaveOffset=*/std::uint16_t{0},
+                                                 /*extraParameter=*/0U, dependency, order);
 }
 
 Names ProfileRegisters::GetLabels() const {

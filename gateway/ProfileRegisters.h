@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "DataModel/AttributeConverter.h"
-#include "DataModel/ElementData.h"
+#include "DataModel/ExtendedElementData.h"
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/JsonCursor.h"
 #include "gateway/ProfileEnumerations.h"
@@ -33,6 +33,8 @@ struct ProfileRegisters {
                                                 ProfileEnumerations& enumerations);
 
     std::shared_ptr<ModbusDeviceModel::DataModel::AttributeConverter> MakeConverter() const;
+    // With one dependency, the exponent.
+    std::shared_ptr<ModbusDeviceModel::DataModel::ExtendedElementData> MakeScaledPower() const;
     Names GetLabels() const;
 };
 

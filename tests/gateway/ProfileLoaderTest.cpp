@@ -129,7 +129,8 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
         {"\"addresses\": ", "\"count\": 3, \"addresses\": ", "5 /frames/1/addresses: a frame has either", "not both"},
         // elements
         {"\"int32\"", "\"imt32\"", "12 /objects/0/value/type: there is no logic code", "did you mean \"int32\"?"},
-        {"\"int32\"", "36", "12 /objects/0/value/type: the type \"scaled-power-36\" is not supported", "exponent"},
+        {"\"int32\", \"scale\": 0.5, \"offset\": 1", "36", "12 /objects/0/value: the type \"scaled-power-36\" needs an",
+         "\"exponent\""},
         {"\"int32\"", "\"int32\", \"count\": 1", "12 /objects/0/value/count: an element of 1 registers", "allowed: 2"},
         {", \"count\": 2,", ",", "16 /objects/3/value: \"count\" is missing", "allowed: 1 to 127"},
         {"\"address\": 116", "\"address\": 117", "10 /elements/clock/address: no frame holds registers 117 to 120",
@@ -141,7 +142,7 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
         {"\"address\": 500", "\"address\": 510", "15 /objects/2/elements/a~1b/value/address", ""},
         {"\"0x00F0\"", "\"0x00F\"", "13 /objects/1/value/mask: \"0x00F\" does not suit", "\"0x\" and 4 hexadecimal"},
         {"\"0xFFFFFFFF\"", "\"0xFFFFFF0G\"", "14 /objects/2/value/notAvailable: \"0xFFFFFF0G\" does", "8 hexadecimal"},
-        {"\"type\": 44", "\"type\": 44, \"scale\": 2", "warning 10 /elements/clock/scale: has no effect", "not scaled"},
+        {"\"type\": 44", "\"type\": 44, \"scale\": 2", "warning 10 /elements/clock/scale: has no effect", "iec870"},
         // enumerations
         {"\"0x1\"", "\"0x10000\"", "8 /enumerations/state/0x10000: \"0x10000\" is no raw value", "0 to 65535"},
         {"\"0x1\"", "\"0x00\"", "8 /enumerations/state/0x00: the raw value", "already"},

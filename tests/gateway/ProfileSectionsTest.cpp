@@ -31,6 +31,7 @@ const std::string PROFILE = R"({
 {"name": "Power", "value": {"chain": "scale10", "inputs": {"value": "sum", "exponent": {"address": 2, "type": "int16"}}}},
 {"name": "Level", "labels": {"High": 2}, "value": {"chain": "choice by value", "inputs": {"value": {"chain": "less", "inputs": {"left": "sum", "right": {"constant": 10}}}}, "settings": {"labels": {"true": "Low", "false": "High"}}}},
 {"name": "Closed", "value": {"chain": "equal", "inputs": {"left": "state", "right": {"constant": "On"}}}},
+{"name": "Energy", "value": {"address": 51, "count": 2, "type": "scaled-power-36", "notAvailable": "0x0000FFFE", "exponent": {"address": 3, "type": "int16", "notAvailable": "0x8000"}}},
 {"name": "Group", "value": "one", "elements": {"x": {"value": "one"}}}],
 "alarms": [
 {"name": "Over", "alias": "over", "priority": "HIGH", "type": "T", "description": "D", "chain": "greater", "left": {"object": "Power"}, "right": {"constant": 5}, "settings": {"deadBand": 0.5}},
@@ -175,34 +176,80 @@ TEST(ProfileAlarms, AreEvaluatedByTheModel) {
     EXPECT_EQ(device.loaded.profile->model->GetDependencyFrame("Alarm.CustomAlarm", "over").size(), 2U);
 }
 
+TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
+    Device device;
+    const struct {
+        std::uint16_t raw;  // above 65536
+        std::uint16_t exponent;
+        RegisterCache::Quality quality;  // of the raw value
+        RegisterCache::Quality exponentsQuality;
+        int status;
+        json expected;
+    } rows[] = {
+        {0, 0, QUALITY_GOOD, QUALITY_GOOD, 0, {65536.0, "Good"}},
+        {1, 0xFFFE, QUALITY_QUESTIONABLE, QUALITY_GOOD, 0, {655.37, "Questionable"}},
+        {1, 22, QUALITY_QUESTIONABLE, QUALITY_BAD, 0, {65537e22, "Bad"}},
+        {1, 23, QUALITY_GOOD, QUALITY_GOOD, 28, {nullptr, "Bad"}},
+        {1, 0x8001, QUALITY_GOOD, QUALITY_GOOD, 28, {nullptr, "Bad"}},
+        {1, 0x8000, QUALITY_GOOD, QUALITY_GOOD, 42, {nullptr, "Bad"}},
+    };
+    for (const auto& row : rows) {
+        device.Set(0, {0, 0, 0, row.exponent}, row.exponentsQuality);
+        device.Set(1, {0, 1, row.raw}, row.quality);
+        EXPECT_EQ(device.ValueOf("Energy", row.status), row.expected) << row.exponent;
+    }
+    device.Set(1, {0, 0, 0xFFFE});
+    EXPECT_EQ(device.ValueOf("Energy", 42), json({nullptr, "Bad"}));
+    device.Set(0, {});
+    device.Set(1, {0, 0, 0});
+    EXPECT_EQ(device.ValueOf("Energy"), json({0, "Good"}));
+    device.cache->Update(0, std::vector<std::uint16_t>(10), NOW - 12'001);
+    EXPECT_EQ(device.ValueOf("Energy", 42), json({nullptr, "Bad"}));
+    EXPECT_EQ(device.loaded.profile->objects[3].adapter->GetFrameIndexes(), (std::set<std::uint8_t>{0, 1}));
+    EXPECT_EQ(
+        static_cast<int>(device.loaded.profile->objects[3].adapter->GetModbusMeasurementInformation().mRegisterAddress),
+        51);
+
+    const Fault faults[] = {
+        {", \"exponent\": {\"address\": 3, \"type\": \"int16\", \"notAvailable\": \"0x8000\"}", "",
+         "14 /objects/3/value: the type \"scaled-power-36\" needs", "\"exponent\""},
+        {"{\"address\": 3, \"type\": \"int16\", \"notAvailable\": \"0x8000\"}", "\"state\"",
+         "14 /objects/3/value/exponent: the element does not suit", "a whole number"},
+        {"\"scaled-power-36\"", "\"uint32\"", "14 /objects/3/value/exponent: values of the type \"uint32\" have no",
+         ""},
+        {"\"scaled-power-36\"", "36, \"order\": \"little\"", "warning 14 /objects/3/value/order: has no effect", ""},
+    };
+    ExpectOneProblemEach(PROFILE, faults);
+}
+
 TEST(ProfileAlarms, EachFaultGivesOneProblem) {
     const char* const MOVED = "\"name\": \"Moved\"";
     const Fault rows[] = {
-        {"\"HIGH\"", "\"high\"", "16 /alarms/0/priority: \"high\" is not", "\"LOW\", \"MEDIUM\", \"HIGH\""},
-        {"\"greater\"", "\"sum\"", "16 /alarms/0/chain: the chain \"sum\" does not give true or false", "greater"},
-        {"\"deadBand\": 0.5", "\"deadBand\": -1", "16 /alarms/0/settings/deadBand: ", "from 0 on"},
-        {"\"right\": {\"constant\": 5}, ", "", "16 /alarms/0: the chain \"greater\" needs the operand", "right"},
-        {"{\"constant\": 5}", "{\"constant\": true}", "16 /alarms/0/right: the element does not suit", "a number"},
-        {"{\"object\": \"Power\"}", "{\"object\": \"power\"}", "16 /alarms/0/left/object: there is no such object",
+        {"\"HIGH\"", "\"high\"", "17 /alarms/0/priority: \"high\" is not", "\"LOW\", \"MEDIUM\", \"HIGH\""},
+        {"\"greater\"", "\"sum\"", "17 /alarms/0/chain: the chain \"sum\" does not give true or false", "greater"},
+        {"\"deadBand\": 0.5", "\"deadBand\": -1", "17 /alarms/0/settings/deadBand: ", "from 0 on"},
+        {"\"right\": {\"constant\": 5}, ", "", "17 /alarms/0: the chain \"greater\" needs the operand", "right"},
+        {"{\"constant\": 5}", "{\"constant\": true}", "17 /alarms/0/right: the element does not suit", "a number"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"power\"}", "17 /alarms/0/left/object: there is no such object",
          "did you mean \"Power\"?"},
-        {"{\"object\": \"Power\"}", "{\"object\": \"Group\"}", "16 /alarms/0/left/object: the object is no operand",
+        {"{\"object\": \"Power\"}", "{\"object\": \"Group\"}", "17 /alarms/0/left/object: the object is no operand",
          "one value"},
-        {"{\"object\": \"Power\"}", "{\"object\": \"Level\"}", "16 /alarms/0/left: the element does not", "a number"},
-        {"{\"object\": \"Power\"}", "{\"object\": \"Power\", \"type\": 2}", "16 /alarms/0/left/type: there is no",
+        {"{\"object\": \"Power\"}", "{\"object\": \"Level\"}", "17 /alarms/0/left: the element does not", "a number"},
+        {"{\"object\": \"Power\"}", "{\"object\": \"Power\", \"type\": 2}", "17 /alarms/0/left/type: there is no",
          "\"alias\", \"object\""},
-        {"{\"previous\": \"Last\"}", "\"state\"", "17 /alarms/1/changes: an alarm that reports changes",
+        {"{\"previous\": \"Last\"}", "\"state\"", "18 /alarms/1/changes: an alarm that reports changes",
          "\"previous\""},
-        {"\"right\": \"state\"", "\"right\": {\"constant\": \"On\"}", "17 /alarms/1/left: a \"previous\" value is",
+        {"\"right\": \"state\"", "\"right\": {\"constant\": \"On\"}", "18 /alarms/1/left: a \"previous\" value is",
          "a measurement"},
         {MOVED,
          R"("name": "MovedL", "alias": "m", "priority": "LOW", "chain": "equal", "left": "one", "right": {"previous": "ast"}},
             {"name": "Moved")",
-         "18 /alarms/2/left: the previous value would be kept as \"MovedLast\"", "line 17"},
-        {"\"moved\"", "\"over\"", "17 /alarms/1: the object \"Alarm.CustomAlarm\"", "alias"},
-        {"\"Alarm.Band\"", "\"Level\"", "18 /alarms/2: the object \"Level\"", "already"},
+         "19 /alarms/2/left: the previous value would be kept as \"MovedLast\"", "line 18"},
+        {"\"moved\"", "\"over\"", "18 /alarms/1: the object \"Alarm.CustomAlarm\"", "alias"},
+        {"\"Alarm.Band\"", "\"Level\"", "19 /alarms/2: the object \"Level\"", "already"},
         {"\"left\": \"one\"", "\"left\": \"one\", \"right\": \"one\"",
-         "18 /alarms/2/right: the chain \"outside band\" looks at", "alone"},
-        {"\"left\": \"one\"", "\"left\": {\"previous\": \"\"}", "18 /alarms/2/left/previous: \"\" is not allowed",
+         "19 /alarms/2/right: the chain \"outside band\" looks at", "alone"},
+        {"\"left\": \"one\"", "\"left\": {\"previous\": \"\"}", "19 /alarms/2/left/previous: \"\" is not allowed",
          "at least one"},
     };
     ExpectOneProblemEach(PROFILE, rows);
