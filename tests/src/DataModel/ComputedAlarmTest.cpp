@@ -8,6 +8,8 @@
 #include "DataModel/MeasurementComputedAlarmOperand.h"
 #include "DataModel/PreviousMeasurementComputedAlarmOperand.h"
 #include "DataModel/PreviousValuePeriod.h"
+#include "Device/DeviceModel.h"
+#include "kz/orba/VortaORBAObject.h"
 #include "kzm/StandIn/CapturedLog.h"
 #include "src/TestCache.h"
 #include "src/TestChain.h"
@@ -225,19 +227,20 @@ TEST(ComputedAlarm, AnEvaluationIsLoggedInOrder) {
     }
 }
 
-TEST(ThreadsComputedAlarm, EachThreadWithItsOwnPreviousValues) {
+TEST(ThreadsComputedAlarm, ManyThreadsEvaluateOneModelEachWithItsOwnPreviousValues) {
     const StoppedClock clock(NOW);
     const auto cache = MakeCache("0001");
-    auto alarm = MakeAlarm(Measurement(), Previous("state"), std::make_shared<Differ>());
+    const auto alarm = MakeAlarm(Measurement(), Previous("state"), std::make_shared<Differ>());
+    const Device::DeviceModel model(Device::DeviceModel::ObjectAdapters{}, {}, {}, {},
+                                    {{{"Alarm", ""}, std::make_shared<ComputedAlarmElement>(alarm)}}, true);
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             const auto previous = MakePrevious();
             for (int round = 0; round < 300; ++round) {
-                auto quality = QUALITY_GOOD;
-                json value;
-                EXPECT_EQ(Number(alarm.BuildVortaObjectValue(cache, true, false, previous, quality, value)), 0);
-                EXPECT_EQ(quality, round == 0 ? QUALITY_BAD : QUALITY_GOOD);
+                kz::orba::VortaORBAObject object("", "Alarm", "", {{"elements", {{"state", {{"quality", ""}}}}}});
+                EXPECT_EQ(Number(model.GetCustomAlarmVortaObjectValue(cache, false, object, previous)), 0);
+                EXPECT_EQ(object.GetValue()["elements"]["state"]["quality"], round == 0 ? "Bad" : "Good");
             }
         });
     }

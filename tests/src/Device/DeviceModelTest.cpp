@@ -122,21 +122,13 @@ TEST(DeviceModel, OfElementsHasNoObjects) {
     EXPECT_EQ(pair_hash{}({"b", "a"}), pair_hash{}({"a", "b"}));
 }
 
-TEST(DeviceModel, KeepsWhatItIsToldOfTheDevice) {
+TEST(DeviceModel, ReplacesItsIdentificationWhole) {
     auto model = MakeModel();
-    EXPECT_FALSE(model->IsEdmType() || model->IsUserDefinedModel());
-    model->SetEdmType();
-    model->SetUserDefinedModel(true);
-    model->SetModelVersion("1.2");
-    model->SetModelBaseConcept(static_cast<edm::ModelBaseConcept>(-7));
-    model->SetIdentification({{"a", "1"}});
+    model->SetIdentification({{"a", "1"}, {"b", "2"}});
     model->SetIdentification(model->GetIdentification());
-    EXPECT_TRUE(model->IsEdmType() && model->IsUserDefinedModel());
-    EXPECT_EQ(model->GetModelVersion(), "1.2");
-    EXPECT_EQ(model->GetModelBaseConcept(), static_cast<edm::ModelBaseConcept>(-7));
-    EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"a", "1"}}));
-    model->SetIdentification({});
-    EXPECT_TRUE(model->GetIdentification().empty());
+    EXPECT_EQ(model->GetIdentification().size(), 2U);
+    model->SetIdentification({{"c", "3"}});
+    EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"c", "3"}}));
 }
 
 // A request that finds the attributes in place allocates for the texts that it writes into them, and for nothing else.
