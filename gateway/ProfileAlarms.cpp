@@ -51,6 +51,10 @@ ProfileAlarms::ProfileAlarms(const JsonCursor& section, ProfileElements& element
     section.ForEach([this](const std::string&, const JsonCursor& place) { ReadAlarm(place); });
 }
 
+std::string ProfileAlarms::ObjectNameOf(const JsonCursor& alarm) {
+    return alarm.Has("object") ? alarm.At("object").Text() : edm::modbus::Vorta::GetCustomAlarmIotName();
+}
+
 void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
     Operand left = ReadOperand(place, LEFT);
     Operand right = ReadOperand(place, RIGHT);
@@ -75,8 +79,7 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
     }
     CheckInputKinds(row, inputs);
     Keep(place,
-         {place.Has("object") ? place.At("object").Text() : edm::modbus::Vorta::GetCustomAlarmIotName(),
-          place.At("alias").Text(),
+         {ObjectNameOf(place), place.At("alias").Text(),
           std::make_shared<ComputedAlarmElement>(
               place.At("name").Text(), changes, place.At("priority").Text(), place.At("description").Text(),
               place.At("type").Text(), std::move(made.chain), std::move(left.operand), std::move(right.operand))});

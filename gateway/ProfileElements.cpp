@@ -37,18 +37,44 @@ ProfileElements::Element ProfileElements::Resolve(const JsonCursor& role) {
     return role->is_string() ? GetNamed(role) : Read(role);
 }
 
-ProfileElements::Element ProfileElements::GetNamed(const JsonCursor& role) {
+std::optional<ProfileRegisters> ProfileElements::GetRegisters(const JsonCursor& role) {
+    const auto found = role->is_string() ? Find(role) : mNamed.end();
+    if (role->is_string() && found == mNamed.end()) {
+        return std::nullopt;
+    }
+    const JsonCursor& place = role->is_string() ? found->second.place : role;
+    if (place->contains("constant") || place->contains("chain")) {
+        role.Error("registers are needed here; allowed: an element with \"address\" and \"type\", or the name of one");
+        return std::nullopt;
+    }
+    auto registers = ProfileRegisters::Read(place, mFrames, mEnumerations);
+    if (registers) {
+        mFrames.MarkUsed(registers->frame);
+    }
+    return registers;
+}
+
+// The named element, marked as used; an unknown one is reported.
+std::map<std::string, ProfileElements::Named>::iterator ProfileElements::Find(const JsonCursor& role) {
     const auto found = mNamed.find(role.Text());
+    if (found != mNamed.end()) {
+        found->second.used = true;
+        return found;
+    }
+    Names names;
+    for (const auto& known : mNamed) {
+        names.push_back(known.first);
+    }
+    role.Error("there is no such element under \"elements\"" + Alternatives(role.Text(), names));
+    return found;
+}
+
+ProfileElements::Element ProfileElements::GetNamed(const JsonCursor& role) {
+    const auto found = Find(role);
     if (found == mNamed.end()) {
-        Names names;
-        for (const auto& known : mNamed) {
-            names.push_back(known.first);
-        }
-        role.Error("there is no such element under \"elements\"" + Alternatives(role.Text(), names));
         return nullptr;
     }
     auto& [name, named] = *found;
-    named.used = true;
     if (std::find(mOpen.begin(), mOpen.end(), name) != mOpen.end()) {
         ReportCycle(role);
         return nullptr;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -44,6 +45,10 @@ public:
     // which is reported.
     Element Get(const JsonCursor& role);
 
+    // The registers that a role names or is. Nothing for anything else than an element of the device, and for a faulty
+    // one, which is reported.
+    std::optional<ProfileRegisters> GetRegisters(const JsonCursor& role);
+
     // Warns of named elements that were not asked for.
     void ReportUnused() const;
 
@@ -60,6 +65,7 @@ private:
 
     Element Resolve(const JsonCursor& role);
     Element GetNamed(const JsonCursor& role);
+    std::map<std::string, Named>::iterator Find(const JsonCursor& role);
     void ReadNamed(const std::string& name, Named& named);
     Element Read(const JsonCursor& place);
     std::shared_ptr<ProfileElement> ReadConstant(const JsonCursor& place) const;

@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
+constexpr std::size_t MAX_WRITE_COUNT = 123;  // of one request of function 16
+
 constexpr const char* FUNCTION_NAMES[] = {"coils", "discrete inputs", "holding", "input"};
 
 ModbusFunctionCode FunctionCodeOf(const JsonCursor& function) {
@@ -159,6 +161,17 @@ std::string ProfileFrames::NearestTo(std::uint32_t address) const {
         return left->DistanceTo(address) < right->DistanceTo(address);
     });
     return frames.front()->Describe() + (frames.size() > 1 ? ", " + frames[1]->Describe() : "");
+}
+
+std::string ProfileFrames::WhyNotWritable(std::uint8_t index) const {
+    const Frame& frame = mFrames[index];
+    const std::string obstacle =
+        frame.functionCode != ModbusFunctionCode::READ_HOLDING_REGISTERS ? "only holding registers can be"
+        : !frame.contiguous ? "a list of registers takes more than one request"
+        : frame.addresses.size() > MAX_WRITE_COUNT
+            ? "one request of function code 16 writes at most " + std::to_string(MAX_WRITE_COUNT) + " registers"
+            : "";
+    return obstacle.empty() ? "" : "the frame " + frame.Describe() + " cannot be written; " + obstacle;
 }
 
 void ProfileFrames::ReportUnused() const {

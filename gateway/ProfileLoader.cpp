@@ -3,6 +3,8 @@
 #include "gateway/JsonStructure.h"
 #include "gateway/ProfileAlarms.h"
 #include "gateway/ProfileObjects.h"
+#include "gateway/ProfileServices.h"
+#include "gateway/ProfileSubgraphs.h"
 
 namespace kzm::ModbusGateway {
 
@@ -25,37 +27,56 @@ void DescribeDevice(const JsonCursor& device, DeviceModel& model) {
     model.SetIdentification(identification);
 }
 
-std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const ProfileFrames& frames,
-                                           const ProfileObjects& objects, const ProfileAlarms& alarms) {
+// The sections of a profile, each read with those that stand before it.
+struct Sections {
+    explicit Sections(const JsonCursor& root)
+        : frames(root.At("frames")),
+          enumerations(root.At("enumerations")),
+          elements(root.At("elements"), frames, enumerations),
+          objects(root.At("objects"), elements),
+          alarms(root.At("alarms"), elements, objects),
+          services(root.At("services"), elements, frames),
+          subgraphs(root) {}
+
+    ProfileFrames frames;
+    ProfileEnumerations enumerations;
+    ProfileElements elements;
+    ProfileObjects objects;
+    ProfileAlarms alarms;
+    ProfileServices services;
+    ProfileSubgraphs subgraphs;
+};
+
+std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const Sections& sections) {
     auto profile = std::make_unique<LoadedProfile>();
-    profile->frameNames = frames.GetNames();
-    profile->objects = objects.GetObjects();
-    profile->alarms = alarms.GetAlarms();
-    auto units = objects.GetUnits();
-    auto computedAlarms = alarms.GetComputedAlarms();
-    auto classNames = objects.GetClassNames();
-    profile->model = std::make_unique<DeviceModel>(objects.GetAdapters(), frames.GetFrames(), std::move(units),
-                                                   std::move(classNames), std::move(computedAlarms),
-                                                   device.At("wordOrder").Text() != "little");
+    profile->frameNames = sections.frames.GetNames();
+    profile->objects = sections.objects.GetObjects();
+    profile->alarms = sections.alarms.GetAlarms();
+    profile->services = sections.services.GetServices();
+    const bool bigEndian = device.At("wordOrder").Text() != "little";
+    auto units = sections.objects.GetUnits();
+    auto classNames = sections.objects.GetClassNames();
+    auto alarms = sections.alarms.GetComputedAlarms();
+    profile->model =
+        std::make_unique<DeviceModel>(sections.objects.GetAdapters(), sections.frames.GetFrames(), std::move(units),
+                                      std::move(classNames), std::move(alarms), bigEndian);
+    profile->serviceModel = sections.services.MakeModel(bigEndian);
+    sections.subgraphs.ApplyTo(*profile->model);
     DescribeDevice(device, *profile->model);
     return profile;
 }
 
 std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& problems) {
-    ProfileFrames frames(root.At("frames"));
-    ProfileEnumerations enumerations(root.At("enumerations"));
-    ProfileElements elements(root.At("elements"), frames, enumerations);
-    const ProfileObjects objects(root.At("objects"), elements);
-    const ProfileAlarms alarms(root.At("alarms"), elements, objects);
+    const Sections sections(root);
     if (HasError(problems)) {
         return nullptr;
     }
-    frames.ReportUnused();
-    enumerations.ReportUnused();
-    elements.ReportUnused();
-    elements.PublishLabels();
-    objects.PublishLabels();
-    return MakeProfile(root.At("device"), frames, objects, alarms);
+    sections.frames.ReportUnused();
+    sections.enumerations.ReportUnused();
+    sections.elements.ReportUnused();
+    sections.elements.PublishLabels();
+    sections.objects.PublishLabels();
+    return MakeProfile(root.At("device"), sections);
 }
 
 }  // namespace

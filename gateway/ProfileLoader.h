@@ -28,12 +28,21 @@ struct LoadedProfile {
         std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;
     };
 
+    // An object that a service writes.
+    struct Service {
+        std::string name;
+        std::string alias;
+    };
+
     // The model's frames bear these names, in the order of their indexes.
     std::vector<std::string> frameNames;
     // In the order of the profile.
     std::vector<Object> objects;
     std::vector<Alarm> alarms;
+    std::vector<Service> services;
     std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> model;
+    // Has the same frames, and finds the service mappings; never null.
+    std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> serviceModel;
 };
 
 // Makes a device model from a device profile: JSON with comments, as docs/profile.md and profile.schema.json say.

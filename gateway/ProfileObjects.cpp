@@ -208,8 +208,8 @@ const ProfileObjects::Known* ProfileObjects::Find(const std::string& name, const
 
 Names ProfileObjects::GetNames() const {
     Names names;
-    for (const auto& object : mObjects) {
-        names.push_back(object.name);
+    for (const auto& known : mKnown) {
+        names.push_back(known.first.first);
     }
     return names;
 }

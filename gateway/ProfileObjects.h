@@ -39,7 +39,7 @@ public:
     };
     // Null for an unknown object.
     const Known* Find(const std::string& name, const std::string& alias) const;
-    // Each name as often as it has objects.
+    // Each name as often as it has objects, faulty ones too.
     Names GetNames() const;
 
     // Makes what the labels of the objects' elements stand for known to the platform's data-model dictionary.

@@ -11,6 +11,7 @@ namespace kzm::ModbusGateway {
 using ModbusDeviceModel::ByteOrderingEnum;
 using ModbusDeviceModel::LogicCodeIdentifier;
 using ModbusDeviceModel::DataModel::AttributeConverter;
+using ModbusDeviceModel::DataModel::ElementData;
 using ModbusDeviceModel::DataModel::ExtendedElementData;
 using ModbusDeviceModel::DataModel::LogicCodeDependency;
 using ModbusDeviceModel::DeviceProfile::Family;
@@ -155,6 +156,12 @@ std::shared_ptr<AttributeConverter> ProfileRegisters::MakeConverter() const {
     return std::make_shared<AttributeConverter>(address, count, mask, scale, notAvailable,
                                                 LogicCodeIdentifier{type->code}, frame, offset, pairs, order,
                                                 /*validityCheckEnabled=*/notAvailable != nullptr);
+}
+
+std::shared_ptr<ElementData> ProfileRegisters::MakeElement(const std::string& attributePath) const {
+    return std::make_shared<ElementData>(address, count, mask, scale, notAvailable, LogicCodeIdentifier{type->code},
+                                         frame, attributePath, offset, pairs, order,
+                                         /*validityCheckEnabled=*/notAvailable != nullptr);
 }
 
 std::shared_ptr<ExtendedElementData> ProfileRegisters::MakeScaledPower() const {

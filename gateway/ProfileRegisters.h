@@ -33,6 +33,7 @@ struct ProfileRegisters {
                                                 ProfileEnumerations& enumerations);
 
     std::shared_ptr<ModbusDeviceModel::DataModel::AttributeConverter> MakeConverter() const;
+    std::shared_ptr<ModbusDeviceModel::DataModel::ElementData> MakeElement(const std::string& attributePath) const;
     // With one dependency, the exponent.
     std::shared_ptr<ModbusDeviceModel::DataModel::ExtendedElementData> MakeScaledPower() const;
     Names GetLabels() const;

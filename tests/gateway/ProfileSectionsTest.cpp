@@ -36,8 +36,12 @@ const std::string PROFILE = R"({
 "alarms": [
 {"name": "Over", "alias": "over", "priority": "HIGH", "type": "T", "description": "D", "chain": "greater", "left": {"object": "Power"}, "right": {"constant": 5}, "settings": {"deadBand": 0.5}},
 {"name": "Moved", "alias": "moved", "priority": "LOW", "changes": true, "chain": "not equal", "left": {"previous": "Last"}, "right": "state"},
-{"name": "Band", "object": "Alarm.Band", "priority": "LOW", "chain": "outside band", "left": "one", "settings": {"low": 0, "high": 9}}
-]})";
+{"name": "Band", "object": "Alarm.Band", "priority": "LOW", "chain": "outside band", "left": "one", "settings": {"low": 0, "high": 9}}],
+"services": [
+{"name": "Power", "service": 7, "elements": {"limit": {"address": 4, "type": "uint16", "mask": "0x00FF"}, "base": "state"}},
+{"name": "Power", "alias": "x", "service": -1, "elements": {"value": "state"}}],
+"subgraphs": {"0": ["Power", "Alarm.CustomAlarm", "Closed"], "8": []}
+})";
 
 // A loaded profile and a device whose registers are all 0.
 struct Device {
@@ -251,6 +255,69 @@ TEST(ProfileAlarms, EachFaultGivesOneProblem) {
          "19 /alarms/2/right: the chain \"outside band\" looks at", "alone"},
         {"\"left\": \"one\"", "\"left\": {\"previous\": \"\"}", "19 /alarms/2/left/previous: \"\" is not allowed",
          "at least one"},
+    };
+    ExpectOneProblemEach(PROFILE, rows);
+}
+
+TEST(ProfileServices, AreFoundInAModelOfTheirOwn) {
+    const Device device;
+    const auto& services = device.loaded.profile->services;
+    ASSERT_EQ(services.size(), 2U);
+    EXPECT_EQ(services[1].name + services[1].alias, "Powerx");
+    const auto mapping = device.loaded.profile->serviceModel->GetServiceMapping("Power", "");
+    EXPECT_EQ(static_cast<int>(mapping.serviceIdentifier), 7);
+    ASSERT_EQ(mapping.elements.size(), 2U);
+    EXPECT_EQ(mapping.elements.front()->GetAttributePath(), "base");
+    EXPECT_EQ(mapping.elements.back()->GetAttributePath(), "limit");
+    EXPECT_EQ(mapping.elements.back()->GetDeviceRegister(), 4);
+    EXPECT_EQ(*mapping.elements.back()->GetBitmaskVector(), (std::vector<std::uint8_t>{0, 0xFF}));
+    EXPECT_EQ(mapping.BuildFrameDataValue(0)->mValues.size(), 10U);
+    EXPECT_EQ(device.loaded.profile->serviceModel->GetElements("Power", "x").size(), 1U);
+}
+
+TEST(ProfileServices, EachFaultGivesOneProblem) {
+    const Fault rows[] = {
+        {"\"service\": 7, ", "", "21 /services/0: the member \"service\" is missing", "the gateway's service"},
+        {"{\"address\": 4", "{\"address\": 10", "21 /services/0/elements/limit/address: no frame holds register 10",
+         ""},
+        {"{\"address\": 4", "{\"address\": 50", "21 /services/0/elements/limit: the frame \"b\" (50 to 53) cannot be",
+         "only holding registers"},
+        {"\"base\": \"state\"", "\"base\": \"sum\"", "21 /services/0/elements/base: registers are needed",
+         "\"address\""},
+        {"\"base\": \"state\"", "\"base\": {\"constant\": 1}", "21 /services/0/elements/base: registers are needed",
+         ""},
+        {"\"base\": \"state\"", "\"base\": \"stat\"", "21 /services/0/elements/base: there is no such element",
+         "\"state\"?"},
+        {"\"uint16\", \"mask\": \"0x00FF\"", "\"scaled-power-34\", \"count\": 1",
+         "21 /services/0/elements/limit: values of the type \"scaled-power-34\" cannot be written", ""},
+        {"\"alias\": \"x\", \"service\"", "\"service\"", "22 /services/1/name: the service of the object \"Power\"",
+         "line 21"},
+    };
+    ExpectOneProblemEach(PROFILE, rows);
+
+    const std::string moreFrames = Replaced(PROFILE, "\"count\": 4}]",
+                                            R"("count": 4}, {"name": "c", "function": 3, "addresses": [60, 61]},
+                   {"name": "d", "function": 3, "address": 100, "count": 124}])");
+    const Fault frames[] = {
+        {"\"address\": 4,", "\"address\": 61,", "22 /services/0/elements/limit: the frame \"c\" (2 of 60 to 61) cannot",
+         "more than one request"},
+        {"\"address\": 4,", "\"address\": 100,", "22 /services/0/elements/limit: the frame \"d\" (100 to 223) cannot",
+         "at most 123 registers"},
+    };
+    ExpectOneProblemEach(moreFrames, frames);
+}
+
+TEST(ProfileSubgraphs, AreTheModels) {
+    using Category = ModbusDeviceModel::Device::VortaObjectCategory;
+    const Device device;
+    const auto& model = *device.loaded.profile->model;
+    EXPECT_TRUE(model.IsEdmType());
+    EXPECT_EQ(model.GetVortaSubgraph(Category::CATEGORY_0), (Names{"Alarm.CustomAlarm", "Closed", "Power"}));
+    EXPECT_FALSE(model.IsSubgraphAvailable(Category::CATEGORY_8));
+    const Fault rows[] = {
+        {"\"Closed\"]", "\"closed\"]", "23 /subgraphs/0/2: there is no such object", "did you mean \"Closed\"?"},
+        {"\"Closed\"]", "\"Power\"]", "23 /subgraphs/0/2: \"Power\" stands in the list", ""},
+        {"\"8\": []", "\"9\": []", "23 /subgraphs/9: there is no such member", "\"8\""},
     };
     ExpectOneProblemEach(PROFILE, rows);
 }
