@@ -322,6 +322,10 @@ TEST(ProfileSubgraphs, AreTheModels) {
     ExpectOneProblemEach(PROFILE, rows);
 }
 
+TEST(ProfileSections, AnyTextGivesEitherAProfileOrAnError) {
+    ExpectProfileOrErrorForVariantsOf(PROFILE);
+}
+
 }  // namespace
 
 }  // namespace kzm::ModbusGateway

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <span>
 #include <string>
 
@@ -51,6 +52,25 @@ inline void ExpectOneProblemEach(const std::string& profile, std::span<const Fau
         EXPECT_TRUE(problems.starts_with(fault.problem)) << fault.problem << "\n" << problems;
         EXPECT_NE(problems.find(fault.remedy), std::string::npos) << fault.remedy << "\n" << problems;
         EXPECT_EQ(loaded.profile != nullptr, problems.starts_with("warning"));
+    }
+}
+
+// Changes that keep most of a text whole, so that every section is reached; the same ones in each run.
+inline void ExpectProfileOrErrorForVariantsOf(const std::string& profile) {
+    const std::string tokens[] = {"\"", "{", "}",  "[]", ":",     ",",     "null", "true", "-1",        "\"0x\"",
+                                  "~",  "/", "{}", "34", "1e300", "65535", "\xFF", "\n",   "\"clock\"", "\"constant\""};
+    std::mt19937 random(1);
+    for (int i = 0; i < 500; ++i) {
+        std::string text = profile;
+        for (int change = 0; change < 2; ++change) {
+            const auto begin = text.find_first_of(":,[{\"", random() % text.size());
+            const auto end = text.find_first_of(",]}:\"", begin == std::string::npos ? begin : begin + 1);
+            if (end != std::string::npos) {
+                text.replace(begin + 1, end - begin - 1, tokens[random() % std::size(tokens)]);
+            }
+        }
+        const auto loaded = ProfileLoader::Load(text);
+        ASSERT_EQ(loaded.profile == nullptr, HasError(loaded.problems)) << text;
     }
 }
 
