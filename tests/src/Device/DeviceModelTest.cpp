@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <thread>
 
 #include "DataModel/AttributeConstant.h"
@@ -11,27 +9,6 @@
 #include "kz/orba/VortaORBAObject.h"
 #include "kzm/StandIn/CapturedLog.h"
 #include "src/TestCache.h"
-
-namespace {
-
-thread_local std::size_t allocations = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-// Not inlined, else GCC sees memory of operator new go to free and warns.
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kzm::ModbusDeviceModel::Test {
 
@@ -129,29 +106,6 @@ TEST(DeviceModel, ReplacesItsIdentificationWhole) {
     EXPECT_EQ(model->GetIdentification().size(), 2U);
     model->SetIdentification({{"c", "3"}});
     EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"c", "3"}}));
-}
-
-// A request that finds the attributes in place allocates for the texts that it writes into them, and for nothing else.
-TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
-    const StoppedClock clock(NOW);
-    const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");
-    const auto model = MakeModel();
-    VortaORBAObject object("id", NAME, "", nullptr);
-    ASSERT_EQ(Number(model->GetVortaObjectValue(cache, false, object)), 0);
-    auto element = MakeElement({.code = 14, .pattern = "0x80000000"});
-    auto quality = QUALITY_GOOD;
-    json value;
-
-    std::size_t before = allocations;
-    ASSERT_EQ(Number(AttributeConverter::GetValueFromElementData(cache, true, false, element, quality, value)), 0);
-    EXPECT_EQ(allocations - before, 0U);
-
-    before = allocations;
-    const json texts[] = {json("Good"), json(std::string(NOW_TEXT))};
-    const std::size_t forTexts = allocations - before;
-    before = allocations;
-    ASSERT_EQ(Number(model->GetVortaObjectValue(cache, false, object)), 0);
-    EXPECT_EQ(allocations - before, forTexts);
 }
 
 TEST(ThreadsDeviceModel, ManyThreadsAskOneModel) {
