@@ -135,19 +135,28 @@ ModbusLine::~ModbusLine() {
 ModbusLine::Result ModbusLine::Read(ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count,
                                     std::uint16_t* values) {
     const bool wasUsed = mUsed;
-    Result result = Ask(functionCode, first, count, values);
+    const auto request = [&](modbus_t* context) {
+        return ReadRegisters(context, functionCode, first, count, values) == count;
+    };
+    Result result = Ask(request);
     if (result.outcome == Outcome::LOST && wasUsed) {
-        result = Ask(functionCode, first, count, values);
+        result = Ask(request);
     }
     return result;
 }
 
-ModbusLine::Result ModbusLine::Ask(ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count,
-                                   std::uint16_t* values) {
+ModbusLine::Result ModbusLine::Write(const ModbusDeviceModel::DeviceProfile::FrameDataValue& values) {
+    const auto count = static_cast<int>(values.mValues.size());
+    return Ask([&](modbus_t* context) {
+        return modbus_write_registers(context, values.mStartAddress, count, values.mValues.data()) == count;
+    });
+}
+
+ModbusLine::Result ModbusLine::Ask(const std::function<bool(modbus_t*)>& request) {
     if (!Open()) {
         return {Outcome::UNREACHABLE, mUnreachableReason};
     }
-    if (ReadRegisters(mContext.get(), functionCode, first, count, values) == count) {
+    if (request(mContext.get())) {
         NoteAnswer();
         return {Outcome::ANSWERED, {}};
     }

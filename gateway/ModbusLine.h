@@ -4,9 +4,11 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "DeviceProfile/FrameDataValue.h"
 #include "DeviceProfile/ModbusFunctionCode.h"
 #include "gateway/ModbusConnection.h"
 
@@ -41,14 +43,18 @@ public:
     Result Read(ModbusDeviceModel::ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count,
                 std::uint16_t* values);
 
+    // Writes 1 to 123 registers with function 16, in one request that is never repeated: without an answer
+    // it is not known whether the device did what it was told.
+    Result Write(const ModbusDeviceModel::DeviceProfile::FrameDataValue& values);
+
 private:
     struct ContextDeleter {
         void operator()(modbus_t* context) const;
     };
     using Clock = std::chrono::steady_clock;
 
-    Result Ask(ModbusDeviceModel::ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count,
-               std::uint16_t* values);
+    // `request` tells whether the answer came, or leaves why not in errno.
+    Result Ask(const std::function<bool(modbus_t*)>& request);
     bool Open();
     void Close();
     void NoteAnswer();
