@@ -33,12 +33,13 @@ Columns::Row RowOf(const AlarmReading& reading, const std::string& time) {
     Columns::Row row{time,
                      reading.alarm->element->GetName(),
                      reading.alarm->alias,
-                     state.empty() ? reading.why : state,
+                     state.empty() ? "unknown" : state,
                      reading.TextOf("state", "quality"),
                      reading.TextOf("criticality", "value"),
                      reading.momentary ? "momentary" : "lasting",
                      reading.TextOf("type", "value"),
-                     reading.alarm->element->GetDescription()};
+                     reading.alarm->element->GetDescription(),
+                     reading.why};
     for (std::string& text : row) {
         text = Printable(text);
     }
@@ -75,24 +76,27 @@ private:
         }
     }
 
-    // The columns stay where the first evaluation put them.
     void PrintLines(const std::vector<const AlarmReading*>& readings, const std::string& time) {
         std::vector<Columns::Row> rows;
-        if (!mColumns) {
-            rows.push_back(
-                {"TIME", "ALARM", "ALIAS", "STATE", "QUALITY", "CRITICALITY", "KIND", "TYPE", "DESCRIPTION"});
-        }
         for (const AlarmReading* reading : readings) {
             rows.push_back(RowOf(*reading, time));
         }
         if (!mColumns) {
-            mColumns.emplace(rows);
-            PrintHeading(*mColumns, rows.front());
-            rows.erase(rows.begin());
+            PrintHeadings(rows);
         }
         for (const Columns::Row& row : rows) {
             std::cout << mColumns->LineOf(row) << '\n';
         }
+    }
+
+    // The first evaluation has every alarm, so that the columns suit the later ones too.
+    void PrintHeadings(std::vector<Columns::Row> rows) {
+        const Columns::Row headings{"TIME",        "ALARM", "ALIAS", "STATE",       "QUALITY",
+                                    "CRITICALITY", "KIND",  "TYPE",  "DESCRIPTION", "WHY UNKNOWN"};
+        rows.push_back(headings);
+        rows.push_back({"", "", "", "Inactive", "Questionable"});
+        mColumns.emplace(rows);
+        PrintHeading(*mColumns, headings);
     }
 
     const AlarmsOptions& mOptions;
@@ -143,7 +147,7 @@ void AddAlarmsCommand(CLI::App& app, Command& command) {
     alarms->add_flag("--json", options->json, "One JSON object a line");
     alarms->footer(
         "Examples:\n"
-        "  kzm-modbus alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json\n"
+        "  kzm-modbus alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json\n"
         "  kzm-modbus alarms profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --interval 5 --json");
     alarms->callback([options, &command] { command = [options] { return WatchAlarms(*options); }; });
 }

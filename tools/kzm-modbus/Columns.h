@@ -11,7 +11,7 @@ class Columns {
 public:
     using Row = std::vector<std::string>;
 
-    // The first row holds the headings; no row is longer than it.
+    // No row is longer than the first.
     explicit Columns(const std::vector<Row>& rows);
 
     // A row as a line, without line end. A text that is too wide moves what follows it.
@@ -21,7 +21,7 @@ private:
     std::vector<std::size_t> mWidths;
 };
 
-// Write to standard output: the headings, bold on a terminal; headings and the rows below them.
+// Write to standard output: headings, bold on a terminal; headings, which are the first row, and the rows below them.
 void PrintHeading(const Columns& columns, const Columns::Row& row);
 void PrintRows(const std::vector<Columns::Row>& rows);
 

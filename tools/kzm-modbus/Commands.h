@@ -20,6 +20,7 @@ void AddPollCommand(CLI::App& app, Command& command);
 void AddCaptureCommand(CLI::App& app, Command& command);
 void AddSimulateCommand(CLI::App& app, Command& command);
 void AddAlarmsCommand(CLI::App& app, Command& command);
+void AddWriteCommand(CLI::App& app, Command& command);
 void AddDictionaryCommand(CLI::App& app, Command& command);
 
 }  // namespace kzm::ModbusTool

@@ -16,10 +16,14 @@ namespace {
 ModbusReader ReaderOf(const ModbusConnection& connection, const LoadedProfile& profile, RegisterCache& cache) try {
     return ModbusReader(connection, profile.model->GetFrames(), cache);
 } catch (const std::invalid_argument&) {
-    throw Failure(ExitStatus::WRONG_USAGE, ToText(connection) + ": the line has no such unit, or no such baud rate");
+    throw NoSuchLine(connection);
 }
 
 }  // namespace
+
+Failure NoSuchLine(const ModbusConnection& connection) {
+    return {ExitStatus::WRONG_USAGE, ToText(connection) + ": the line has no such unit, or no such baud rate"};
+}
 
 ExitStatus ReadRounds(const ModbusConnection& connection, const Repetition& repetition, const LoadedProfile& profile,
                       RegisterCache& cache, const OnRound& onRound) {

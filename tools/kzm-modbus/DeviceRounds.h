@@ -19,6 +19,9 @@ ExitStatus ReadRounds(const ModbusGateway::ModbusConnection& connection, const R
                       const ModbusGateway::LoadedProfile& profile, ModbusGateway::RegisterCache& cache,
                       const OnRound& onRound);
 
+// For a connection that cannot be, as ModbusReader and ModbusLine call it.
+Failure NoSuchLine(const ModbusGateway::ModbusConnection& connection);
+
 // What went wrong in a round, a line for each: "frame basic: Illegal data address".
 std::vector<std::string> DescribeErrors(const ModbusGateway::ModbusReader::Round& round,
                                         const ModbusGateway::LoadedProfile& profile);

@@ -15,6 +15,8 @@ enum class ExitStatus : int {
     OBJECT_NOT_FOUND = 5,  // the profile has no such object or no alarms, or the dictionary no such element
     ONLY_WARNINGS = 6,     // `check` found warnings and no errors
     INTERNAL_ERROR = 7,
+    REFUSED = 8,      // `write` would write another value than the one that is asked for; nothing was sent
+    NOT_WRITTEN = 9,  // the device did not take a write, or holds something else after it
 };
 
 inline constexpr const char* EXIT_STATUS_HELP =
@@ -26,7 +28,9 @@ inline constexpr const char* EXIT_STATUS_HELP =
     "  4  the device cannot be reached, or the address not be listened on\n"
     "  5  the profile has no such object or no alarms, or the dictionary no such element\n"
     "  6  check: warnings, but no errors\n"
-    "  7  internal error";
+    "  7  internal error\n"
+    "  8  write: refused, it would write another value; nothing was sent\n"
+    "  9  write: the device did not take it, or holds something else after it";
 
 // Ends the program with a status and one line on standard error.
 class Failure : public std::runtime_error {

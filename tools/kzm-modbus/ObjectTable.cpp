@@ -27,15 +27,7 @@ struct Cell {
 };
 using Row = std::array<Cell, COLUMNS>;
 
-std::string TextOf(const json& value) {
-    if (value.is_string()) {
-        return Printable(value.get_ref<const std::string&>());
-    }
-    return value.is_number_float() ? FormatNumber(value.get<double>())
-                                   : Printable(value.dump(-1, ' ', false, json::error_handler_t::replace));
-}
-
-std::string TextOf(const json& attributes, const char* name) {
+std::string AttributeOf(const json& attributes, const char* name) {
     return attributes.contains(name) ? TextOf(attributes[name]) : "";
 }
 
@@ -45,14 +37,14 @@ const char* StyleOfQuality(const std::string& quality) {
 
 Row RowOf(const ObjectReading& reading, const ObjectPart& part) {
     const auto& object = *reading.object;
-    const std::string quality = TextOf(part.attributes, "quality");
+    const std::string quality = AttributeOf(part.attributes, "quality");
     const bool number = part.attributes.contains("value") && part.attributes["value"].is_number();
     return {Cell{Printable(object.name) + (part.path.empty() ? "" : ": " + Printable(part.path))},
             Cell{Printable(object.alias)},
-            part.why.empty() ? Cell{TextOf(part.attributes, "value"), nullptr, number} : Cell{Printable(part.why), DIM},
+            part.why.empty() ? Cell{AttributeOf(part.attributes, "value"), nullptr, number} : Cell{Printable(part.why), DIM},
             Cell{Printable(object.unit)},
             Cell{quality, StyleOfQuality(quality)},
-            Cell{TextOf(part.attributes, "datetime")}};
+            Cell{AttributeOf(part.attributes, "datetime")}};
 }
 
 Row Headings() {
@@ -94,6 +86,14 @@ std::string LineOf(const Row& row, const std::array<std::size_t, COLUMNS>& width
 }
 
 }  // namespace
+
+std::string TextOf(const json& value) {
+    if (value.is_string()) {
+        return Printable(value.get_ref<const std::string&>());
+    }
+    return value.is_number_float() ? FormatNumber(value.get<double>())
+                                   : Printable(value.dump(-1, ' ', false, json::error_handler_t::replace));
+}
 
 std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings, bool colour) {
     std::vector<Row> rows{Headings()};

@@ -12,4 +12,7 @@ namespace kzm::ModbusTool {
 // `colour`: with the terminal's colours.
 std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings, bool colour);
 
+// A value as it stands in a table.
+std::string TextOf(const nlohmann::json& value);
+
 }  // namespace kzm::ModbusTool

@@ -46,6 +46,7 @@ void Configure(CLI::App& app, Command& command) {
     AddCaptureCommand(app, command);
     AddSimulateCommand(app, command);
     AddAlarmsCommand(app, command);
+    AddWriteCommand(app, command);
     AddDictionaryCommand(app, command);
 }
 

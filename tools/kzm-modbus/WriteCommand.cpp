@@ -1,0 +1,111 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <stdexcept>
+
+#include "Commands.h"
+#include "DeviceRounds.h"
+#include "Files.h"
+#include "Options.h"
+#include "Text.h"
+#include "WritePlan.h"
+#include "gateway/ModbusLine.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+using ModbusDeviceModel::ModbusFunctionCode;
+using Payload = WritePlan::Payload;
+using Outcome = ModbusLine::Outcome;
+
+namespace {
+
+struct WriteOptions {
+    std::string profile;
+    std::string object;
+    std::vector<std::string> assignments;
+    ModbusConnection connection;
+    bool send = false;
+};
+
+ModbusLine LineOf(const ModbusConnection& connection) try {
+    return ModbusLine(connection);
+} catch (const std::invalid_argument&) {
+    throw NoSuchLine(connection);
+}
+
+// Fills a payload with what the device holds.
+Payload Read(ModbusLine& line, Payload payload, const ModbusConnection& connection) {
+    const auto result = line.Read(ModbusFunctionCode::READ_HOLDING_REGISTERS, payload.mStartAddress,
+                                  static_cast<std::uint16_t>(payload.mValues.size()), payload.mValues.data());
+    if (result.outcome != Outcome::ANSWERED) {
+        throw Failure(ExitStatus::NOT_REACHED, ToText(connection) + ": cannot read: " + result.reason);
+    }
+    return payload;
+}
+
+void Send(ModbusLine& line, const Payload& changes) {
+    const auto result = line.Write(changes);
+    if (result.outcome == Outcome::EXCEPTION || result.outcome == Outcome::UNREACHABLE) {
+        throw Failure(ExitStatus::NOT_WRITTEN, "the device did not take the write: " + result.reason);
+    }
+    if (result.outcome != Outcome::ANSWERED) {
+        throw Failure(ExitStatus::NOT_WRITTEN,
+                      "no answer, so that it is not known whether the device wrote: " + result.reason);
+    }
+}
+
+// Throws Failure when the device holds something else than was written.
+void Compare(const Payload& written, const Payload& held) {
+    for (std::size_t i = 0; i < written.mValues.size(); ++i) {
+        if (held.mValues[i] != written.mValues[i]) {
+            throw Failure(ExitStatus::NOT_WRITTEN, "register " + std::to_string(written.mStartAddress + i) +
+                                                       " was written " + std::to_string(written.mValues[i]) +
+                                                       " and reads " + std::to_string(held.mValues[i]));
+        }
+    }
+}
+
+ExitStatus Write(const WriteOptions& options) {
+    const auto profile = LoadProfile(options.profile);
+    const WritePlan plan(*profile, options.object, options.assignments);
+    ModbusLine line = LineOf(options.connection);
+    const Payload before = Read(line, plan.GetEmptyFrame(), options.connection);
+    const Payload after = plan.Apply(before);
+    PrintRows(plan.CompareRegisters(before, after));
+    std::cout << '\n';
+    PrintRows(plan.CompareElements(before, after));
+    const Payload changes = WritePlan::ChangesOf(before, after);
+    const std::string what =
+        Counted(changes.mValues.size(), "register") + " from " + std::to_string(changes.mStartAddress) + " on";
+    if (changes.mValues.empty()) {
+        std::cout << "\nNothing changes.\n";
+    } else if (!options.send) {
+        std::cout << "\nNot sent; --send writes " << what << ".\n";
+    } else {
+        Send(line, changes);
+        Compare(changes, Read(line, changes, options.connection));
+        std::cout << "\nWritten and read back: " << what << ".\n";
+    }
+    return ExitStatus::OK;
+}
+
+}  // namespace
+
+void AddWriteCommand(CLI::App& app, Command& command) {
+    CLI::App* write = app.add_subcommand("write", "Show what a write to an object would change, and with --send do it");
+    const auto options = std::make_shared<WriteOptions>();
+    AddProfileArgument(*write, options->profile);
+    write->add_option("OBJECT", options->object, "The object of a service, NAME[/ALIAS]")->required()->type_name("");
+    write->add_option("ELEMENT=VALUE", options->assignments, "Elements of the service and their new values")
+        ->required()
+        ->type_name("");
+    AddConnectionOptions(*write, options->connection);
+    write->add_flag("--send", options->send, "Write the registers that change, and compare what the device then holds");
+    write->footer(
+        "Example:\n  kzm-modbus write profiles/energy-meter.jsonc Measurement.Settings demandInterval=20 --tcp "
+        "192.168.1.20 "
+        "--send");
+    write->callback([options, &command] { command = [options] { return Write(*options); }; });
+}
+
+}  // namespace kzm::ModbusTool
