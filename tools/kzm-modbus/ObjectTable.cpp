@@ -41,7 +41,8 @@ Row RowOf(const ObjectReading& reading, const ObjectPart& part) {
     const bool number = part.attributes.contains("value") && part.attributes["value"].is_number();
     return {Cell{Printable(object.name) + (part.path.empty() ? "" : ": " + Printable(part.path))},
             Cell{Printable(object.alias)},
-            part.why.empty() ? Cell{AttributeOf(part.attributes, "value"), nullptr, number} : Cell{Printable(part.why), DIM},
+            part.why.empty() ? Cell{AttributeOf(part.attributes, "value"), nullptr, number}
+                             : Cell{Printable(part.why), DIM},
             Cell{Printable(object.unit)},
             Cell{quality, StyleOfQuality(quality)},
             Cell{AttributeOf(part.attributes, "datetime")}};
