@@ -14,14 +14,14 @@ thread_local std::size_t allocations = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// None of them is inlined, else GCC sees memory of one allocator go to another and warns.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     ++allocations;
     if (void* memory = std::malloc(size)) {
         return memory;
     }
     throw std::bad_alloc();
 }
-// Not inlined, else GCC sees memory of operator new go to free and warns.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
