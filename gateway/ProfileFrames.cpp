@@ -59,11 +59,11 @@ ProfileFrames::ProfileFrames(const JsonCursor& section) {
 void ProfileFrames::ReadRange(Frame& frame) {
     const auto address = frame.place.At("address").Number();
     const auto count = frame.place.At("count").Number();
-    if (!address || !count || !frame.place.Has("function")) {
+    if (!address || !count) {
         return;
     }
     const std::uint16_t most = MaxReadCount(frame.functionCode);
-    if (*count > most) {
+    if (frame.place.Has("function") && *count > most) {
         frame.place.At("count").Error(std::to_string(*count) + " are too many; one request of function code " +
                                       std::to_string(static_cast<std::uint32_t>(frame.functionCode)) +
                                       " reads at most " + std::to_string(most));

@@ -190,6 +190,9 @@ TEST(ProfileLoader, AllFaultsAreToldInTheOrderOfTheLines) {
     std::string text =
         Replaced(PROFILE, "\"count\": 2, \"order\": 1", "\"count\": 2, \"order\": 7, \"mask\": \"0xFF\"");
     text = Replaced(text, "\"count\": 20", "\"count\": \"20\"");
+    text = Replaced(
+        text, "\"address\": 500, \"count\": 4",
+        "\"address\": 500, \"count\": 4}, {\"name\": \"far\", \"function\": \"x\", \"address\": 65535, \"count\": 2");
     text = Replaced(text, "\"alias\": \"x\"", "\"alias\": 1, \"alias\": 2");
     text = Replaced(text, "\"offset\": 1", "\"ofset\": 1, \"count\": 9");
     std::string pointers;
@@ -197,7 +200,8 @@ TEST(ProfileLoader, AllFaultsAreToldInTheOrderOfTheLines) {
         pointers += problem.pointer + ' ';
     }
     EXPECT_EQ(pointers,
-              "/frames/0/count /objects/0/value/count /objects/0/value/ofset /objects/1/alias /objects/1/alias "
+              "/frames/0/count /frames/3/count /frames/3/function /objects/0/value/count /objects/0/value/ofset "
+              "/objects/1/alias /objects/1/alias "
               "/objects/3/value/mask /objects/3/value/order ");
 }
 
