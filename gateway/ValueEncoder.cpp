@@ -66,6 +66,10 @@ class Encoding {
 public:
     Encoding(const ElementData& element, const std::string& text)
         : mElement(element), mRow(RowOf(element.GetLogicCode())), mText(text), mBytes(Length()), mMask(Length()) {
+        if (element.GetNumberOfRegisters() < mRow.minRegisters || element.GetNumberOfRegisters() > mRow.maxRegisters) {
+            throw CannotEncode("the type " + std::string(mRow.name) + " does not stand in " +
+                               std::to_string(element.GetNumberOfRegisters()) + " registers");
+        }
         if (const auto mask = element.GetBitmaskVector()) {
             std::copy_n(mask->begin(), std::min(mask->size(), mMask.size()), mMask.begin());
         }

@@ -110,6 +110,10 @@ INSTANTIATE_TEST_SUITE_P(
         Row{{.code = 30, .pairs = FLOATS, .registers = 2}, "1", "3F80 0000"},
         Row{{.code = 10, .mask = "0100"}, "true", "0100"}, Row{{.code = 10}, "0", "0000"},
         Row{{.code = 10, .offset = 1.0F}, "false", "false would be read back as true"},
+        Row{{.code = 10, .registers = 0}, "false", "the type boolean does not stand in 0 registers"},
+        Row{{.code = 10, .mask = "0100000000000000000000", .registers = 5},
+            "true",
+            "the type boolean does not stand in 5 registers"},
         Row{{.code = 10}, "yes", "\"yes\" is neither true nor false"},
         Row{{.code = 10, .mask = "0000"}, "true", "no bit of the registers belongs to the element"}));
 
