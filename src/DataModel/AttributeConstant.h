@@ -9,6 +9,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // An attribute whose value never changes. Reads no cache and never fails: quality Good, status 0.
 class KZM_MODBUS_EXPORT AttributeConstant : public AttributeAdapter {
 public:
+    // The value in both its forms.
     explicit AttributeConstant(nlohmann::json value);
     ~AttributeConstant() override;
 
@@ -25,6 +26,7 @@ public:
     kz::orba::StatusCode GetClassName(std::string& className) const override;
     // Should not be asked: logs an error and gives the default record.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
+    // Never.
     bool HasEnumOutput() const override;
 
 private:

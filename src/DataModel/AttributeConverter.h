@@ -42,7 +42,9 @@ public:
     kz::orba::StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) override;
     // By the logic code; 44 for a code without a class.
     kz::orba::StatusCode GetClassName(std::string& className) const override;
+    // The element as it was given, without function code and unit.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
+    // Whether there are enumeration pairs.
     bool HasEnumOutput() const override;
     // ElementData::ToJson as text.
     virtual std::string ToJson();

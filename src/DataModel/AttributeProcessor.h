@@ -11,9 +11,11 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // chain, under their names.
 class KZM_MODBUS_EXPORT AttributeProcessor : public AttributeAdapter {
 public:
-    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;
+    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
+    // Adapters by the name of the chain's parameter that they feed.
     using Inputs = std::map<std::string, std::shared_ptr<AttributeAdapter>>;
 
+    // Inputs and chain are shared with the caller and must not change afterwards.
     AttributeProcessor(const Inputs& inputs, std::shared_ptr<ProcessingChain> chain);
     ~AttributeProcessor() override;
 
@@ -28,6 +30,7 @@ public:
     kz::orba::StatusCode GetClassName(std::string& className) const override;
     // Should not be asked: logs an error and gives the default record.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
+    // False: the chain's labels are translated already.
     bool HasEnumOutput() const override;
 
     // 0: `value` is the chain's result, or what its label translates to. `quality` is Bad as soon as one input is Bad,

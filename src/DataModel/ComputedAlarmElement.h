@@ -10,7 +10,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // previous values; the setters must not run beside them.
 class KZM_MODBUS_EXPORT ComputedAlarmElement {
 public:
-    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;
+    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
 
     // `hasChangedAlarm`: the alarm is momentary, it reports a change and holds no state. `priority`: "LOW", "MEDIUM" or
     // "HIGH".
@@ -19,6 +19,7 @@ public:
                          std::shared_ptr<ComputedAlarmOperand> leftOperand,
                          std::shared_ptr<ComputedAlarmOperand> rightOperand);
 
+    // What the constructor was given, or the setter last.
     const std::string& GetName() const { return mName; }
     const std::string& GetDescription() const { return mDescription; }
     void SetDescription(const std::string& description) { mDescription = description; }
@@ -50,6 +51,7 @@ public:
     // Bad unless both are Good or Questionable; Questionable as soon as one is; else Good.
     static DeviceCache::_Quality_t GetQualityFromOperands(const DeviceCache::_Quality_t& left,
                                                           const DeviceCache::_Quality_t& right);
+    // Whether an operand cannot be used: its quality is Bad or its status 42.
     static bool IsOperandQualityBadOrValueMissing(const DeviceCache::_Quality_t& quality,
                                                   const kz::orba::StatusCode& status);
 

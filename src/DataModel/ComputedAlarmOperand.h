@@ -14,10 +14,11 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
+// What an operand is taken from.
 enum class ComputedAlarmOperandType : std::int32_t {
-    CONSTANT = 0,
-    MEASUREMENT = 1,
-    PREVIOUS_MEASUREMENT = 2,
+    CONSTANT = 0,              // a value that never changes
+    MEASUREMENT = 1,           // the register cache
+    PREVIOUS_MEASUREMENT = 2,  // the caller's map of previous values
 };
 
 // One side of the comparison that a computed alarm is. Immutable; evaluated by many threads at once. Never logs.
@@ -38,9 +39,11 @@ public:
 
     // The key of the operand's value in the parameters of the alarm's processing chain.
     const std::string& GetName() const { return mName; }
+    // What the operand is taken from.
     ComputedAlarmOperandType GetType() const { return mType; }
 
 protected:
+    // `name`: the key in the parameters of the chain.
     ComputedAlarmOperand(std::string name, ComputedAlarmOperandType type);
 
 private:

@@ -12,8 +12,8 @@ namespace kzm::ModbusDeviceModel::DataModel {
 
 // A measurement as it was at an earlier evaluation of a computed alarm.
 struct ComputedAlarmPreviousMeasurement {
-    nlohmann::json value;
-    DeviceCache::_Quality_t quality = DeviceCache::QUALITY_UNINITIALISED;
+    nlohmann::json value;                                                  // as the measurement gave it
+    DeviceCache::_Quality_t quality = DeviceCache::QUALITY_UNINITIALISED;  // with which it was read
     std::uint64_t timestamp = 0;  // when it was stored: milliseconds since 1970
 };
 

@@ -7,6 +7,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // A value that never changes; its quality is Good.
 class KZM_MODBUS_EXPORT ConstantComputedAlarmOperand : public ComputedAlarmOperand {
 public:
+    // `name`: the key in the parameters of the chain.
     ConstantComputedAlarmOperand(std::string name, nlohmann::json value);
     ~ConstantComputedAlarmOperand() override;
 

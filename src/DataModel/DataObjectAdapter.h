@@ -15,7 +15,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // comes with the rules of quality and availability applied.
 class KZM_MODBUS_EXPORT DataObjectAdapter : public VortaObjectAdapter, public AttributeAdapter {
 public:
-    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;
+    using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
 
     // `elementPath`: see ElementPath. `urn` identifies the attribute for all four adapters.
     DataObjectAdapter(const std::string& elementPath, const std::string& urn);
@@ -32,6 +32,7 @@ public:
     // object's structure does not admit, and type_error 302 for a date-time under an element path that is no text.
     kz::orba::StatusCode GetObject(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                    kz::orba::VortaORBAObject& object) override;
+
     std::set<std::uint8_t>& GetFrameIndexes() override;
     // 1 without adapters; an adapter's failure ends it, what was added before stays.
     kz::orba::StatusCode ComputeFrameIndexes() override;
@@ -46,6 +47,7 @@ public:
                                      DeviceCache::_Quality_t& quality, nlohmann::json& value) override;
     // Replaces `frameIndexes` by this adapter's set; untouched on failure. A build-time operation.
     kz::orba::StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) override;
+    // False: what the adapters give is translated already.
     bool HasEnumOutput() const override;
     // The value adapter's; 44 without one.
     kz::orba::StatusCode GetClassName(std::string& className) const override;

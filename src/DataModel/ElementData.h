@@ -29,9 +29,8 @@ public:
     static constexpr std::uint8_t INVALID_FRAME_INDEX = 255;
 
     // `bitmask`: one byte per raw byte, required. `validityStatus`: the raw bytes that mean "not available", "0x" and
-    // two hexadecimal digits per byte; looked at only when `validityCheckEnabled`. `scaleFactor` and `offset`: value =
-    // offset
-    // + raw * scaleFactor, in the unit of the value. Shared pointers are shared.
+    // two hexadecimal digits per byte; looked at only when `validityCheckEnabled`. `scaleFactor` and `offset`: the
+    // value is offset + raw * scaleFactor, in its unit. Shared pointers are shared.
     ElementData(std::uint16_t registerAddress, std::uint8_t numberOfRegisters,
                 std::shared_ptr<std::vector<std::uint8_t>> bitmask, double scaleFactor,
                 std::shared_ptr<std::string> validityStatus, LogicCodeIdentifier logicCode, std::uint8_t frameIndex,
@@ -44,15 +43,15 @@ public:
     // `deviceBigEndian` orders the words of an element without an order of its own; `request` is not used.
     //
     // True: `value` is the decoded value and `invalid` false; or, where there is no value to be had (the "not
-    // available" pattern, a number out of its range, a label that is not listed), `value` is null and `invalid` true.
-    // False, with a log line: no bytes (`invalid` and `value` untouched), more than 255 bytes or a bitmask that is
-    // missing or shorter than the bytes (`invalid` true, `value` untouched). False, silently: a logic code without
-    // conversion
-    // (`invalid` false, `value` untouched).
-    // Throws std::invalid_argument for a pattern that is not hexadecimal.
+    // available" pattern, or one that is not as long as the bytes, a number out of its range, a label that is not
+    // listed), `value` is null and `invalid` true. False, with a log line: no bytes (`invalid` and `value` untouched),
+    // more than 255 bytes or a bitmask that is missing or shorter than the bytes (`invalid` true, `value` untouched).
+    // False, silently: a logic code without conversion (`invalid` false, `value` untouched). Throws
+    // std::invalid_argument for a pattern that is not hexadecimal.
     virtual bool Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int request, bool& invalid,
                        nlohmann::json& value, ServiceImpl::IValueProcesser* valueProcesser);
 
+    // First register, 0 to 65535, and number of registers on the device.
     virtual std::uint16_t GetDeviceRegister() const;
     virtual std::uint8_t GetNumberOfRegisters() const;
     // 0: only an extended element is read from a sub-device.
@@ -60,11 +59,13 @@ public:
     // Null: only an extended element depends on others.
     virtual std::shared_ptr<std::vector<LogicCodeDependency>> GetLogicCodeDependency() const;
 
+    // What the constructor was given.
     std::uint8_t GetFrameIndex() const { return mFrameIndex; }
     std::string GetAttributePath() const { return mAttributePath; }
     LogicCodeIdentifier GetLogicCode() const { return mLogicCode; }
     // First byte of the bitmask, which must be there.
     const std::uint8_t* GetBitmask() const { return mBitmask->data(); }
+    // What the constructor was given.
     std::shared_ptr<std::vector<std::uint8_t>> GetBitmaskVector() const { return mBitmask; }
     std::shared_ptr<std::string> GetValidityStatus() const { return mValidityStatus; }
     std::shared_ptr<std::vector<DeviceProfile::EnumerationPairData>> GetEnumerationPairs() const {
@@ -73,6 +74,7 @@ public:
     double GetScaleFactor() const { return mScaleFactor; }
     float GetOffset() const { return mOffset; }
     ByteOrderingEnum GetLocalByteOrdering() const { return mByteOrdering; }
+    // True for every order but "least significant word first", also for the device's.
     bool IsLocalEndianessIsBigEndian() const { return mByteOrdering != ByteOrderingEnum::LITTLE_ENDIAN_WORDS; }
     // Whether the words of this element's own logic code are always swapped; the argument is not used.
     bool IsLogicCodeManageInLittleEndian(LogicCodeIdentifier logicCode) const;

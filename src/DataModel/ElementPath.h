@@ -17,12 +17,14 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // "~1" stand for "~" and "/". A malformed escape makes the constructor throw the JSON library's parse_error 108.
 class KZM_MODBUS_EXPORT ElementPath {
 public:
+    // `path`: empty, or element names joined by "/".
     explicit ElementPath(const std::string& path);
 
     // Sets one attribute. Missing parents, and null ones, are made as objects. Throws the JSON library's error, with
     // the parents made so far left behind, where a parent is neither object nor array, or an array without that index.
     void SetAttribute(kz::orba::VortaORBAObject& object, const std::string& key, nlohmann::json&& value) const;
 
+    // Whether it leads to the top of the object.
     bool IsEmpty() const { return mTokens.empty(); }
 
 private:

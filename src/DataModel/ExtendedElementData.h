@@ -26,9 +26,11 @@ public:
     // number that does not fit 64 bits, and a power that is not finite, are null and invalid.
     bool Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int request, bool& invalid,
                nlohmann::json& value, ServiceImpl::IValueProcesser* valueProcesser) override;
+    // What the constructor was given.
     std::int16_t GetSlaveOffset() const override;
     std::shared_ptr<std::vector<LogicCodeDependency>> GetLogicCodeDependency() const override;
 
+    // What the constructor was given.
     std::uint32_t GetExtraParameter() const { return mExtraParameter; }
 
     // value = the record's unsigned 64-bit number times 10 to the power of `exponent`, as floating point without a

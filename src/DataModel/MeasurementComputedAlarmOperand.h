@@ -11,6 +11,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // A measurement read from the register cache.
 class KZM_MODBUS_EXPORT MeasurementComputedAlarmOperand : public ComputedAlarmOperand {
 public:
+    // Nothing, an element, or a data object.
     using Source = std::variant<std::monostate, std::shared_ptr<ElementData>, std::shared_ptr<DataObjectAdapter>>;
 
     // Asks a data object for its frames now, so that no request has to.

@@ -7,9 +7,10 @@ namespace kzm::ModbusDeviceModel::DataModel {
 
 // The (name, alias) pair that names a data-model object, as a record.
 struct ObjectKey {
-    std::string name;
-    std::string alias;
+    std::string name;   // of the data-model object, e.g. "ElectricalMeasurement.RmsCurrentPhsA"
+    std::string alias;  // tells objects of one name apart; may be empty
 
+    // Equal when both texts are.
     bool operator==(const ObjectKey&) const = default;
 };
 

@@ -7,6 +7,8 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // What the alarm's measurement was at an earlier evaluation.
 class KZM_MODBUS_EXPORT PreviousMeasurementComputedAlarmOperand : public ComputedAlarmOperand {
 public:
+    // `name`: the key in the parameters of the chain. `previousValueName`: follows the alarm's name in the key of the
+    // record.
     PreviousMeasurementComputedAlarmOperand(std::string name, std::string previousValueName);
     ~PreviousMeasurementComputedAlarmOperand() override;
 

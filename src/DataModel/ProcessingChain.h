@@ -42,8 +42,10 @@ public:
     // 0 when one signature is satisfied; keys beyond it are allowed. 28: there is no signature, or a value has the
     // wrong type. A missing key: the platform's status. Of several failures the last one counts.
     kz::orba::StatusCode __VerifyParameters(const nlohmann::json& parameters) const;
+    // Whether the value has the type.
     bool __CheckJsonValueType(const nlohmann::json& value, ProcessingChainOperandType type) const;
 
+    // What the constructor was given.
     const std::string& GetName() const { return mName; }
     bool HasEnumOutput() const { return mHasEnumOutput; }
 

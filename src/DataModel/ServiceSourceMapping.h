@@ -11,11 +11,12 @@ namespace kzm::ModbusDeviceModel::DataModel {
 
 // Which service handles an object, and the elements that feed it.
 struct ServiceSourceMapping {
+    // The elements are taken over.
     ServiceSourceMapping(ServiceImpl::ServiceIdentifier identifier, std::list<std::shared_ptr<ElementData>>&& sources)
         : serviceIdentifier(identifier), elements(std::move(sources)) {}
 
-    ServiceImpl::ServiceIdentifier serviceIdentifier;
-    std::list<std::shared_ptr<ElementData>> elements;
+    ServiceImpl::ServiceIdentifier serviceIdentifier;  // which service
+    std::list<std::shared_ptr<ElementData>> elements;  // in the order in which the builder gave them
 };
 
 }  // namespace kzm::ModbusDeviceModel::DataModel

@@ -20,6 +20,7 @@ public:
     kz::orba::StatusCode GetObject(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                    bool deviceBigEndian, bool ignoreCacheAge,
                                    kz::orba::VortaORBAObject& object) override;
+
     std::set<std::uint8_t>& GetFrameIndexes() override;
     kz::orba::StatusCode ComputeFrameIndexes() override;
     // Should not be asked: logs an error and gives the default record.

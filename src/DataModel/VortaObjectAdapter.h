@@ -29,6 +29,7 @@ public:
     virtual std::set<std::uint8_t>& GetFrameIndexes() = 0;
     // Stores the indexes of the frames that the adapter reads.
     virtual kz::orba::StatusCode ComputeFrameIndexes() = 0;
+    // How the value is read from the device; a default record where that cannot be said.
     virtual Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const = 0;
 };
 

@@ -8,6 +8,7 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
+// Names the data-model classes of measurements that users define.
 class KZM_MODBUS_EXPORT CustomMeasureClassName {
 public:
     // The data-model class of a measurement that is decoded with a logic code, e.g.

@@ -14,6 +14,7 @@ namespace kzm::ModbusDeviceModel::Device {
 // The device model that a profile loader builds. Neither copied nor moved; see IDeviceModel for its operations.
 class KZM_MODBUS_EXPORT DeviceModel : public IDeviceModel {
 public:
+    // What a model is built of, by (name, alias) or by the name alone; frames by their index.
     using Key = std::pair<std::string, std::string>;
     using Elements = std::unordered_multimap<Key, std::shared_ptr<DataModel::ElementData>, DataModel::pair_hash>;
     using ObjectAdapters = std::map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>>;

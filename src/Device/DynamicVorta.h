@@ -11,6 +11,7 @@ namespace kzm::ModbusDeviceModel::Device {
 // The objects that a device of a dynamic class says it has: a table of sorted lists of names, one for each category.
 class KZM_MODBUS_EXPORT DynamicVorta {
 public:
+    // One list for each category, in the order of their numbers.
     using Table = std::vector<std::vector<std::string>>;
 
     // Replaces the list of a category by a sorted copy (duplicates stay). A table of fewer than nine categories grows
@@ -20,6 +21,7 @@ public:
     static const std::vector<std::string>& GetVortaSubgraph(const Table& table, VortaObjectCategory category);
     // Whether the category has a list that is not empty.
     static bool IsSubgraphAvailable(const Table& table, VortaObjectCategory category);
+    // Whether the category's list has the name, exactly.
     static bool FindObject(const Table& table, VortaObjectCategory category, const std::string& name);
 };
 

@@ -77,6 +77,7 @@ public:
         const std::pair<std::string, std::string>& key) const = 0;
     // Marks the model as one of a dynamic class and gives it exactly nine sub-graphs; surplus ones are dropped.
     virtual void SetEdmType() = 0;
+    // Whether SetEdmType was called.
     virtual bool IsEdmType() const = 0;
     // The sub-graphs of a device of a dynamic class; see DynamicVorta.
     virtual const std::vector<std::string>& GetVortaSubgraph(VortaObjectCategory category) const = 0;
@@ -84,6 +85,7 @@ public:
     virtual void SetVortaSubgraph(VortaObjectCategory category, const std::vector<std::string>& names) = 0;
     virtual bool IsSubgraphAvailable(VortaObjectCategory category) const = 0;
     virtual ~IDeviceModel();
+    // What the loader of the profile says of the model; empty, false and 0 until it does.
     virtual void SetModelName(const std::string& modelName) = 0;
     virtual const std::string& GetModelName() const = 0;
     virtual void SetModelVersion(const std::string& modelVersion) = 0;

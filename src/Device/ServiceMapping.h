@@ -14,6 +14,7 @@ class KZM_MODBUS_EXPORT ServiceMapping {
 public:
     // A mapping of no service: identifier NONE, no elements.
     explicit ServiceMapping(const std::vector<DeviceProfile::FrameData>& modelFrames);
+    // A mapping of the service's elements, which are shared, also with copies of it.
     ServiceMapping(const DataModel::ServiceSourceMapping& source,
                    const std::vector<DeviceProfile::FrameData>& modelFrames);
     ServiceMapping(const ServiceMapping&) = default;
@@ -24,6 +25,7 @@ public:
     // its first address, 0 when it has none) and length, all registers 0. Throws std::out_of_range past the frames.
     std::shared_ptr<DeviceProfile::FrameDataValue> BuildFrameDataValue(std::uint8_t frameIndex) const;
 
+    // Which service, its elements, and the frames of the model.
     ServiceImpl::ServiceIdentifier serviceIdentifier = ServiceImpl::ServiceIdentifier::NONE;
     std::list<std::shared_ptr<DataModel::ElementData>> elements;
     const std::vector<DeviceProfile::FrameData>* frames;

@@ -18,6 +18,7 @@ enum class VortaObjectCategory : std::uint32_t {
     CATEGORY_8 = 8,
 };
 
+// How many categories there are.
 inline constexpr std::size_t VORTA_OBJECT_CATEGORIES = 9;
 
 }  // namespace kzm::ModbusDeviceModel::Device

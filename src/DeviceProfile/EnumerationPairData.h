@@ -8,6 +8,7 @@
 
 namespace kzm::ModbusDeviceModel::DeviceProfile {
 
+// How the raw value of a pair is written and compared.
 enum class EnumerationType : std::uint32_t {
     UNSIGNED_INTEGER = 0,
     FLOAT = 1,
@@ -17,14 +18,17 @@ enum class EnumerationType : std::uint32_t {
 
 // One raw value of a register and the label that it stands for. Immutable once shared; read by many threads.
 struct KZM_MODBUS_EXPORT EnumerationPairData {
+    // A raw value; the pair's type tells which member holds.
     union EnumValue {
-        std::uint32_t mUnsigned;
-        float mFloat;
+        std::uint32_t mUnsigned;  // of UNSIGNED_INTEGER
+        float mFloat;             // of FLOAT
 
+        // Sets the member of that type.
         explicit EnumValue(std::uint32_t value) : mUnsigned(value) {}
         explicit EnumValue(float value) : mFloat(value) {}
     };
 
+    // A pair of the type that suits the value.
     EnumerationPairData(std::uint32_t value, const std::string& label);
     EnumerationPairData(float value, const std::string& label);
     // Throws std::logic_error for a null text.
@@ -38,10 +42,10 @@ struct KZM_MODBUS_EXPORT EnumerationPairData {
     // The type of pair that suits a logic code; NONE, with a warning in the log, for a code without labels.
     static EnumerationType GetTypeFromLogicCode(LogicCodeIdentifier logicCode);
 
-    std::string mLabel;
-    EnumerationType mType;
-    std::string mStringValue;
-    EnumValue mValue;
+    std::string mLabel;        // what the raw value stands for
+    EnumerationType mType;     // which of the following holds the raw value
+    std::string mStringValue;  // of STRING
+    EnumValue mValue;          // of UNSIGNED_INTEGER and FLOAT; 0 for STRING
 };
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -11,10 +11,11 @@
 
 namespace kzm::ModbusDeviceModel::DeviceProfile {
 
+// How the registers of a frame are given.
 enum class FrameKind : std::uint32_t {
-    CONTIGUOUS = 0,
-    ADDRESS_LIST = 1,
-    CONTIGUOUS_WITH_PARAMETERS = 2,
+    CONTIGUOUS = 0,                  // a range
+    ADDRESS_LIST = 1,                // scattered: one address per register
+    CONTIGUOUS_WITH_PARAMETERS = 2,  // a range, with two extra parameters
 };
 
 // One Modbus request that the gateway issues cyclically: a function code and a set of registers. The flag, the signed
@@ -23,6 +24,7 @@ enum class FrameKind : std::uint32_t {
 // A copy points into its own address list where the original points into its own; a pointer to a caller's array is
 // copied as it is. A moved-from frame is empty. Frames are read by many threads once the device model is built.
 struct KZM_MODBUS_EXPORT FrameData {
+    // Second extra parameter of a frame without one.
     static constexpr std::uint32_t NO_SECOND_PARAMETER = 0xFFFFFFFF;
     // Most addresses that AddAddressesToFrame puts into one frame.
     static constexpr std::size_t MAX_LISTED_ADDRESSES = 100;
@@ -42,6 +44,7 @@ struct KZM_MODBUS_EXPORT FrameData {
     FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter, std::uint16_t length,
               std::uint16_t startAddress, std::uint32_t firstExtraParameter, std::uint32_t secondExtraParameter);
 
+    // See above for what becomes of the address list.
     FrameData(const FrameData& other);
     FrameData(FrameData&& other) noexcept;
     FrameData& operator=(const FrameData& other);
@@ -57,15 +60,15 @@ struct KZM_MODBUS_EXPORT FrameData {
     // first of the two 28s.
     kz::orba::StatusCode AddAddressesToFrame(std::uint16_t first, std::uint16_t count);
 
-    ModbusFunctionCode mFunctionCode;
-    bool mFlag;
-    std::int16_t mSignedParameter;
-    std::uint16_t mLength;  // registers (for a scattered frame: addresses)
-    RegisterAddress mAddress;
-    FrameKind mKind;
-    std::uint32_t mFirstExtraParameter = 0;
-    std::uint32_t mSecondExtraParameter = NO_SECOND_PARAMETER;
-    std::vector<std::uint16_t> mAddressList;
+    ModbusFunctionCode mFunctionCode;                           // with which it is read
+    bool mFlag;                                                 // the builder's
+    std::int16_t mSignedParameter;                              // the builder's
+    std::uint16_t mLength;                                      // registers (for a scattered frame: addresses)
+    RegisterAddress mAddress;                                   // first register, or the addresses
+    FrameKind mKind;                                            // which of the two
+    std::uint32_t mFirstExtraParameter = 0;                     // the builder's
+    std::uint32_t mSecondExtraParameter = NO_SECOND_PARAMETER;  // the builder's
+    std::vector<std::uint16_t> mAddressList;                    // of a scattered frame with addresses of its own
 
 private:
     bool PointsIntoOwnList() const;

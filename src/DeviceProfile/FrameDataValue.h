@@ -10,6 +10,7 @@ namespace kzm::ModbusDeviceModel::DeviceProfile {
 
 // Register values of one write request. Built and filled by one thread.
 struct KZM_MODBUS_EXPORT FrameDataValue {
+    // No registers, function code 0.
     FrameDataValue() = default;
     // `registerCount` registers from `startAddress` on, all 0.
     FrameDataValue(ModbusFunctionCode functionCode, std::uint16_t startAddress, std::uint16_t registerCount);
@@ -26,9 +27,9 @@ struct KZM_MODBUS_EXPORT FrameDataValue {
     // One register, without a bitmask.
     bool SetValue(std::uint16_t address, std::uint16_t value);
 
-    ModbusFunctionCode mFunctionCode{};
-    std::uint16_t mStartAddress = 0;
-    std::vector<std::uint16_t> mValues;
+    ModbusFunctionCode mFunctionCode{};  // of the request
+    std::uint16_t mStartAddress = 0;     // first register, 0 to 65535
+    std::vector<std::uint16_t> mValues;  // of the registers from there on
 };
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -9,6 +9,7 @@ union RegisterAddress {
     std::uint16_t mAddress;           // first register of a contiguous range, 0 to 65535
     const std::uint16_t* mAddresses;  // one address per register of a scattered frame; not owned
 
+    // Sets the member of that type.
     explicit RegisterAddress(std::uint16_t address) : mAddress(address) {}
     explicit RegisterAddress(const std::uint16_t* addresses) : mAddresses(addresses) {}
 };

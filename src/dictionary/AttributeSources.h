@@ -15,6 +15,7 @@ struct AttributeSource {
 // The sources of one dictionary element, in the order of its row. The texts are constants of the library.
 class AttributeSources {
 public:
+    // The most sources that one element has.
     static constexpr std::size_t CAPACITY = 4;
 
     // A source past CAPACITY is ignored; no row has so many.
@@ -34,6 +35,7 @@ public:
         return {};
     }
 
+    // The sources in order, and how many they are.
     constexpr const AttributeSource* begin() const { return mSources.data(); }
     constexpr const AttributeSource* end() const { return mSources.data() + mSize; }
     constexpr std::size_t size() const { return mSize; }

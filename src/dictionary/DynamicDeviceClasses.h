@@ -11,14 +11,18 @@ namespace kz::orba::VortaExtensionModbus::Device {
 // class. A read-only set of names in byte order, constants of the library. Thread-safe.
 class KZM_MODBUS_EXPORT DynamicDeviceClasses {
 public:
+    // As a standard set calls them.
     using key_type = std::string_view;
     using value_type = std::string_view;
     using const_iterator = IndexIterator<DynamicDeviceClasses>;
     using iterator = const_iterator;
 
+    // All names in byte order, and how many they are.
     const_iterator begin() const { return {*this, 0}; }
     const_iterator end() const { return {*this, size()}; }
     std::size_t size() const;
+
+    // The whole name, exactly; end() for one that the set does not hold.
     const_iterator find(std::string_view name) const;
     bool contains(std::string_view name) const { return find(name) != end(); }
     std::size_t count(std::string_view name) const { return contains(name) ? 1 : 0; }

@@ -9,6 +9,7 @@ namespace kz::orba::VortaExtensionModbus::Device {
 template <typename Container>
 class IndexIterator {
 public:
+    // As the standard wants them of an iterator.
     using iterator_category = std::input_iterator_tag;
     using iterator_concept = std::bidirectional_iterator_tag;
     using value_type = typename Container::value_type;
@@ -18,6 +19,7 @@ public:
     // Keeps a value for as long as `it->second` needs it.
     class pointer {
     public:
+        // Takes the value, and leads to it.
         constexpr explicit pointer(value_type value) : mValue(value) {}
         constexpr const value_type* operator->() const { return &mValue; }
 
@@ -25,12 +27,15 @@ public:
         value_type mValue;
     };
 
+    // Of no container, only to be assigned; or of a container, which outlives the iterator, at a place up to its size.
     constexpr IndexIterator() = default;
     constexpr IndexIterator(const Container& container, std::size_t index) : mContainer(&container), mIndex(index) {}
 
+    // The element, made anew each time. The place must be less than the size.
     value_type operator*() const { return mContainer->ValueAt(mIndex); }
     pointer operator->() const { return pointer(**this); }
 
+    // Steps and comparison, which look at the place alone.
     constexpr IndexIterator& operator++() {
         ++mIndex;
         return *this;

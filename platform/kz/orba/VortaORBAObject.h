@@ -11,8 +11,10 @@ namespace kz::orba {
 // Not synchronised: one object belongs to one thread at a time.
 class KZM_PLATFORM_EXPORT VortaORBAObject {
 public:
+    // The value may be any JSON, null too.
     VortaORBAObject(std::string id, std::string name, std::string alias, nlohmann::json value);
 
+    // What the constructor was given; the value is changed in place.
     const std::string& GetId() const { return mId; }
     const std::string& GetName() const { return mName; }
     const std::string& GetAlias() const { return mAlias; }

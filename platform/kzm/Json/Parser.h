@@ -8,6 +8,7 @@
 
 namespace kzm::Json {
 
+// Looks up parameters of operations.
 class KZM_PLATFORM_EXPORT Parser {
 public:
     // Copies the value of a key of a parameter object. NOT_FOUND, and `value` left alone, for a missing key and for

@@ -20,8 +20,10 @@ enum class OrbaLogLevel : std::int32_t {
 // to the sink one at a time.
 class KZM_PLATFORM_EXPORT RootLogger {
 public:
+    // Takes one line, without a line feed.
     using Sink = std::function<void(OrbaLogLevel level, const char* line)>;
 
+    // Makes the logger when it is first asked for.
     static RootLogger& GetInstance();
 
     // WARNING when the process starts.

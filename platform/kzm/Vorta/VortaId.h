@@ -11,6 +11,7 @@ namespace kzm::Vorta {
 // stand; every other byte is "_" and two lower-case hexadecimal digits ("Cage 3" is "Cage_203"). Thread-safe.
 class KZM_PLATFORM_EXPORT VortaId {
 public:
+    // Every alias has one encoded form; the empty one is empty.
     static std::string EncodeCustomAlias(std::string_view alias);
 
     // Throws std::invalid_argument for a text that EncodeCustomAlias does not make of any alias.

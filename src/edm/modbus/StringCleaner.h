@@ -10,8 +10,10 @@ namespace kzm::edm::modbus {
 // alias in the platform's encoding. Thread-safe.
 class KZM_MODBUS_EXPORT StringCleaner {
 public:
+    // `prefix`: the short id that ids begin with.
     explicit StringCleaner(const std::string& prefix);
 
+    // Replaces an alias, of any bytes, by its id.
     void Encode(std::string& text) const;
 
     // Drops as many characters as the prefix has, whatever they are, and decodes the rest. Throws std::out_of_range for

@@ -12,10 +12,12 @@
 // of their device element is a short id followed by the encoded alias. All of it is thread-safe.
 namespace kzm::edm::modbus::Vorta {
 
+// Short ids, and the name that all measurements of users share.
 inline constexpr std::string_view FIRMWARE_MODULE_VORTA_SHORT_ID = "250";
 inline constexpr std::string_view CUSTOM_MEASUREMENT_VORTA_SHORT_ID = "7b8";
 inline constexpr std::string_view CUSTOM_MEASUREMENT_IOT_NAME = "Measurement.CustomMeasurement";
 
+// Whether it is the name that all measurements of users share.
 KZM_MODBUS_EXPORT bool IsCustomMeasurementIoTName(const std::string& name);
 
 // Whether the id is that of a custom measurement: begins with the short id.
@@ -25,6 +27,7 @@ KZM_MODBUS_EXPORT bool IsCustomMeasurementVortaSuffix(const std::string& id);
 KZM_MODBUS_EXPORT StringCleaner GetCustomMeasurementNameCodec();
 KZM_MODBUS_EXPORT StringCleaner GetCustomAlarmNameCodec();
 
+// The name that all alarms of users share.
 KZM_MODBUS_EXPORT std::string GetCustomAlarmIotName();
 
 // Name and alias under which the element with that data-model id is published. An id that nobody knows is its own name;
