@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <numeric>
 
 namespace kzm::ModbusGateway {
 
@@ -11,22 +10,6 @@ namespace {
 constexpr std::size_t LONGEST_CITATION = 40;
 constexpr std::size_t MOST_LISTED_NAMES = 20;
 constexpr std::size_t LONGEST_COMPARED_NAME = 80;
-
-// How many characters must be put in, left out or replaced to make one text of the other.
-std::size_t Distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
 
 }  // namespace
 

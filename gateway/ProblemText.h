@@ -3,12 +3,11 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "gateway/Nearest.h"
 
 // Parts of the messages about faulty profiles and captures.
 namespace kzm::ModbusGateway {
-
-using Names = std::vector<std::string>;
 
 // The text between quotation marks.
 std::string Quoted(std::string_view text);

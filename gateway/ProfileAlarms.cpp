@@ -4,11 +4,13 @@
 #include "DataModel/DataObjectAdapter.h"
 #include "DataModel/MeasurementComputedAlarmOperand.h"
 #include "DataModel/PreviousMeasurementComputedAlarmOperand.h"
-#include "edm/modbus/Vorta.h"
+#include "dictionary/CustomAlarmElementStructure.h"
+#include "gateway/ObjectIdentity.h"
 #include "gateway/ProfileChains.h"
 
 namespace kzm::ModbusGateway {
 
+using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
 using ModbusDeviceModel::DataModel::AttributeAdapterType;
 using ModbusDeviceModel::DataModel::ComputedAlarmElement;
 using ModbusDeviceModel::DataModel::ComputedAlarmOperandType;
@@ -40,6 +42,18 @@ bool CheckSides(const JsonCursor& alarm, const ChainRow& row) {
     return true;
 }
 
+// The alarm's object before it is evaluated.
+nlohmann::json ObjectOf(const ObjectIdentity& identity) {
+    if (identity.key) {
+        return identity.key->MakeObject(identity.name, identity.alias, /*unit=*/"");
+    }
+    nlohmann::json structure = CustomAlarmElementStructure::GetStructure();
+    nlohmann::json object = std::move(structure.front());
+    object["name"] = identity.name;
+    object["alias"] = identity.alias;
+    return object;
+}
+
 }  // namespace
 
 bool ProfileAlarms::Operand::Is(ComputedAlarmOperandType type) const {
@@ -49,10 +63,6 @@ bool ProfileAlarms::Operand::Is(ComputedAlarmOperandType type) const {
 ProfileAlarms::ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects)
     : mElements(elements), mObjects(objects) {
     section.ForEach([this](const std::string&, const JsonCursor& place) { ReadAlarm(place); });
-}
-
-std::string ProfileAlarms::ObjectNameOf(const JsonCursor& alarm) {
-    return alarm.Has("object") ? alarm.At("object").Text() : edm::modbus::Vorta::GetCustomAlarmIotName();
 }
 
 void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
@@ -78,8 +88,9 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
         inputs.insert({RIGHT, {right.place, right.Is(PREVIOUS) ? left.kind : right.kind}});
     }
     CheckInputKinds(row, inputs);
+    const ObjectIdentity identity = ObjectIdentity::OfAlarm(place);
     Keep(place,
-         {ObjectNameOf(place), place.At("alias").Text(),
+         {identity.name, identity.alias, ObjectOf(identity),
           std::make_shared<ComputedAlarmElement>(
               place.At("name").Text(), changes, place.At("priority").Text(), place.At("description").Text(),
               place.At("type").Text(), std::move(made.chain), std::move(left.operand), std::move(right.operand))});

@@ -20,9 +20,6 @@ public:
     // Reads the section and reports what is wrong with it. The other sections must outlive this one.
     ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects);
 
-    // The name of the object of an alarm.
-    static std::string ObjectNameOf(const JsonCursor& alarm);
-
     // Valid when no error was reported. In the order of the profile.
     const std::vector<LoadedProfile::Alarm>& GetAlarms() const { return mAlarms; }
     const ModbusDeviceModel::Device::DeviceModel::ComputedAlarms& GetComputedAlarms() const { return mComputed; }

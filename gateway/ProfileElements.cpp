@@ -24,7 +24,16 @@ ProfileElements::ProfileElements(const JsonCursor& section, ProfileFrames& frame
 }
 
 ProfileElements::Element ProfileElements::Get(const JsonCursor& role) {
-    auto element = Resolve(role);
+    return MarkFrames(Resolve(role));
+}
+
+ProfileElements::Element ProfileElements::Get(const std::string& name) {
+    Named& named = mNamed.at(name);
+    named.used = true;
+    return MarkFrames(named.element);
+}
+
+ProfileElements::Element ProfileElements::MarkFrames(Element element) {
     if (element) {
         for (const std::uint8_t frame : element->frames) {
             mFrames.MarkUsed(frame);

@@ -45,6 +45,12 @@ public:
     // which is reported.
     Element Get(const JsonCursor& role);
 
+    // Whether the section has an element of that name.
+    bool Has(const std::string& name) const { return mNamed.count(name) != 0; }
+
+    // An element that the section has; null for a faulty one.
+    Element Get(const std::string& name);
+
     // The registers that a role names or is. Nothing for anything else than an element of the device, and for a faulty
     // one, which is reported.
     std::optional<ProfileRegisters> GetRegisters(const JsonCursor& role);
@@ -64,6 +70,7 @@ private:
     };
 
     Element Resolve(const JsonCursor& role);
+    Element MarkFrames(Element element);
     Element GetNamed(const JsonCursor& role);
     std::map<std::string, Named>::iterator Find(const JsonCursor& role);
     void ReadNamed(const std::string& name, Named& named);

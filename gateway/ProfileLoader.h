@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,9 @@ struct LoadedProfile {
         std::string name;
         std::string alias;
         std::string unit;  // may be empty
+        std::string key;   // its id in the data model; empty for an object without
+        // What it is before the device has filled it: of a key's structure, else empty.
+        nlohmann::json structure;
         std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;
     };
 
@@ -25,6 +29,7 @@ struct LoadedProfile {
     struct Alarm {
         std::string name;
         std::string alias;
+        nlohmann::json structure;  // of custom alarms
         std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;
     };
 

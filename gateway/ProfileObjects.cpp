@@ -34,16 +34,17 @@ bool MayBeAnything(const ProfileElement&) {
 struct Role {
     AttributeAdapterType type;
     const char* member;
+    const char* attribute;  // that a device element feeds by the dictionary; empty for none
     bool (*suits)(const ProfileElement&);
     const char* needed;
 };
 
 constexpr std::array<Role, 4> ROLES{{
-    {AttributeAdapterType::VALUE, "value", MayBeAnything, ""},
-    {AttributeAdapterType::AVAILABILITY, "availability", MayBeBoolean,
+    {AttributeAdapterType::VALUE, "value", "value", MayBeAnything, ""},
+    {AttributeAdapterType::AVAILABILITY, "availability", "", MayBeBoolean,
      "true or false, or labels translated into these"},
-    {AttributeAdapterType::QUALITY, "quality", MayBeText, "a text; \"Good\" means good"},
-    {AttributeAdapterType::TIMESTAMP, "timestamp", MayBeTimestamp, "a date and time, or a text"},
+    {AttributeAdapterType::QUALITY, "quality", "quality", MayBeText, "a text; \"Good\" means good"},
+    {AttributeAdapterType::TIMESTAMP, "timestamp", "datetime", MayBeTimestamp, "a date and time, or a text"},
 }};
 
 bool IsEscapedRight(const std::string& path) {
@@ -67,11 +68,17 @@ std::string PathInTheWay(const std::string& path, const nlohmann::json& paths) {
     return "";
 }
 
-std::string UrnOf(const JsonCursor& object, bool plain) {
-    const std::string alias = object.At("alias").Text();
+std::string UrnOf(const JsonCursor& object, const ObjectIdentity& identity, bool plain) {
     return plain               ? ""
            : object.Has("urn") ? object.At("urn").Text()
-                               : object.At("name").Text() + (alias.empty() ? "" : '/' + alias);
+                               : identity.name + (identity.alias.empty() ? "" : '/' + identity.alias);
+}
+
+void ReportMissingValue(const JsonCursor& place, const std::string& path, const ElementKey& key) {
+    const std::string source = key.GetSource(path, "value");
+    place.Error("nothing gives the value" + (path.empty() ? "" : " of the element path " + Quoted(path)) +
+                "; needed: a \"value\" here" +
+                (source.empty() ? "" : ", or the element " + Quoted(source) + " under \"elements\" of the profile"));
 }
 
 }  // namespace
@@ -81,80 +88,134 @@ ProfileObjects::ProfileObjects(const JsonCursor& section, ProfileElements& eleme
 }
 
 void ProfileObjects::ReadObject(const JsonCursor& place) {
-    const std::string name = place.At("name").Text();
-    const std::string alias = place.At("alias").Text();
+    const ObjectIdentity identity = ObjectIdentity::OfObject(place);
     const bool plain = place.Has("plain") && place.At("plain")->get<bool>();
-    Draft draft{place, UrnOf(place, plain), plain};
-    if (place.Has("value")) {
-        ReadRoles(place, "", draft);
-    }
+    Draft draft{place, identity, plain, UrnOf(place, identity, plain)};
     ReadPaths(draft);
     ReadLabels(draft);
-    if (name.empty()) {
+    if (identity.name.empty()) {
         return;  // reported already
     }
     const auto adapter = draft.adapters.size() == 1 ? draft.adapters.front() : nullptr;
     const auto [earlier, isNew] = mKnown.try_emplace(
-        {name, alias},
+        {identity.name, identity.alias},
         Known{place, std::dynamic_pointer_cast<DataObjectAdapter>(adapter), draft.kind, draft.adapters.empty()});
     if (!isNew) {
-        place.At("name").Error(
-            "the object " + Quoted(name) + (alias.empty() ? "" : " with the alias " + Quoted(alias)) +
-            " stands in the profile already, on line " + std::to_string(earlier->second.place.GetLine()));
+        place.At(place.Has("name") ? "name" : "key")
+            .Error("the object " + Quoted(identity.name) +
+                   (identity.alias.empty() ? "" : " with the alias " + Quoted(identity.alias)) +
+                   " stands in the profile already, on line " + std::to_string(earlier->second.place.GetLine()));
     }
-    if (draft.adapters.empty()) {
-        return;  // reported already
+    if (!draft.adapters.empty()) {
+        Keep(draft);
     }
-    KeepByName(mUnits, place, "unit", place.At("unit").Text());
-    KeepByName(mClassNames, place, "class", place.Has("class") ? place.At("class").Text() : draft.className);
-    mObjects.push_back({name, alias, place.At("unit").Text(),
-                        adapter ? adapter : std::make_shared<ObjectGroupAdapter>(draft.adapters)});
+}
+
+void ProfileObjects::Keep(const Draft& draft) {
+    const auto& [name, alias, key] = draft.identity;
+    LoadedProfile::Object object{
+        name, alias, draft.place.At("unit").Text(), "", nlohmann::json::object(), draft.adapters.front()};
+    if (draft.adapters.size() > 1) {
+        object.adapter = std::make_shared<ObjectGroupAdapter>(draft.adapters);
+    }
+    std::string className = draft.className;
+    if (key) {
+        object.key = key->GetText();
+        object.unit = draft.place.Has("unit") ? object.unit : key->GetUnit();
+        object.structure = key->MakeObject(name, alias, object.unit);
+        className = key->GetClassName().empty() ? className : key->GetClassName();
+        mNamesByKey.emplace(object.key, std::pair(name, alias));
+    }
+    KeepText(mUnits, draft, "unit", object.unit);
+    KeepText(mClassNames, draft, "class", draft.place.Has("class") ? draft.place.At("class").Text() : className);
+    mObjects.push_back(std::move(object));
 }
 
 void ProfileObjects::ReadPaths(Draft& draft) {
-    const JsonCursor paths = draft.place.At("elements");
-    paths.ForEach([&](const std::string& path, const JsonCursor& roles) {
-        const std::string other = PathInTheWay(path, *paths);
+    const JsonCursor stated = draft.place.At("elements");
+    Names paths = draft.identity.key ? draft.identity.key->GetPaths() : Names{};
+    if (!draft.identity.key && draft.place.Has("value")) {
+        paths.emplace_back("");
+    }
+    draft.mainPath = paths.empty() ? "" : paths.front();
+    stated.ForEach([&](const std::string& path, const JsonCursor& roles) {
+        const std::string other = PathInTheWay(path, *stated);
         if (path.empty() || !IsEscapedRight(path)) {
             roles.Error(
                 "this is no element path; allowed: names with \"/\" between, in which \"~0\" and \"~1\" stand "
                 "for \"~\" and \"/\"");
         } else if (!other.empty()) {
             roles.Error("the path leads through an attribute of the element path " + Quoted(other));
-        } else {
-            ReadRoles(roles, path, draft);
+        } else if (std::find(paths.begin(), paths.end(), path) == paths.end()) {
+            paths.push_back(path);
         }
     });
+    for (const std::string& path : paths) {
+        ReadRoles(path, draft);
+    }
 }
 
-void ProfileObjects::ReadRoles(const JsonCursor& roles, const std::string& path, Draft& draft) {
+// What the object states counts before the named element that the dictionary provides for.
+ProfileObjects::Filling ProfileObjects::FillRole(const char* member, const char* attribute, const std::string& path,
+                                                 const Draft& draft) {
+    const bool atTop = path == draft.mainPath && draft.place->contains(member);
+    const JsonCursor roles = atTop ? draft.place : draft.place.At("elements").At(path);
+    const auto& key = draft.identity.key;
+    const std::string source = key ? key->GetSource(path, attribute) : "";
+    Filling filling{draft.place};
+    if (roles->contains(member)) {
+        filling.place = roles.At(member);
+        filling.element = mElements.Get(filling.place);
+        filling.isThere = true;
+    } else if (mElements.Has(source)) {
+        filling.source = source;
+        filling.element = mElements.Get(source);
+        filling.isThere = true;
+    }
+    return filling;
+}
+
+void ProfileObjects::ReadRoles(const std::string& path, Draft& draft) {
     const auto adapter = std::make_shared<DataObjectAdapter>(path, draft.urn);
     std::shared_ptr<const ProfileElement> value;
+    bool isFaulty = false;
     for (const Role& role : ROLES) {
-        const JsonCursor place = roles.At(role.member);
-        const auto element = mElements.Get(place);
+        const auto [place, source, element, isThere] = FillRole(role.member, role.attribute, path, draft);
+        isFaulty = isFaulty || (isThere && !element);
         if (!element) {
-            draft.labelsKnown = draft.labelsKnown && place->is_null();
             continue;
         }
         if (role.type == AttributeAdapterType::VALUE) {
             value = element;
+        } else if (draft.plain && !source.empty()) {
+            continue;  // the object does without
         } else if (draft.plain) {
             place.Error("a plain object has a value and nothing else");
         } else if (!role.suits(*element)) {
-            place.Error("the element does not suit the role " + Quoted(role.member) + "; needed: " + role.needed);
+            place.Error("the element " + (source.empty() ? "" : Quoted(source) + ' ') + "does not suit the role " +
+                        Quoted(role.member) + "; needed: " + role.needed);
         }
         draft.labels.insert(element->labels.begin(), element->labels.end());
         adapter->SetAdapter(role.type, element->adapter);
     }
-    if (!value) {
-        return;  // reported already
+    draft.labelsKnown = draft.labelsKnown && !isFaulty;
+    const JsonCursor stated = path == draft.mainPath ? draft.place : draft.place.At("elements").At(path);
+    if (!value && !isFaulty && !stated->is_null() && draft.identity.key) {
+        ReportMissingValue(stated, path, *draft.identity.key);
     }
+    if (value) {
+        AddAdapter(*value, adapter, path, draft);
+    }
+}
+
+// The first one is that of the object's main value.
+void ProfileObjects::AddAdapter(const ProfileElement& value, const std::shared_ptr<DataObjectAdapter>& adapter,
+                                const std::string& path, Draft& draft) {
     if (draft.adapters.empty()) {
-        draft.className = value->className;
-        draft.kind = value->kind;
+        draft.className = value.className;
+        draft.kind = value.kind;
     }
-    draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value->adapter))
+    draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value.adapter))
                                          : Adapter(adapter));
 }
 
@@ -180,16 +241,16 @@ void ProfileObjects::ReadLabels(const Draft& draft) {
     }
 }
 
-void ProfileObjects::KeepByName(TextByName& texts, const JsonCursor& object, const char* member,
-                                const std::string& text) {
+void ProfileObjects::KeepText(TextByName& texts, const Draft& draft, const char* member, const std::string& text) {
+    const auto& [name, alias, key] = draft.identity;
     if (text.empty()) {
         return;
     }
-    const auto [kept, isNew] = texts.try_emplace(object.At("name").Text(), text);
+    const auto [kept, isNew] = texts.try_emplace(key ? key->GetText() : name, text);
     if (!isNew && kept->second != text) {
-        (object.Has(member) ? object.At(member) : object)
-            .Warning("the model keeps one " + std::string(member) +
-                     " for all objects of a name: " + Quoted(kept->second) + ", not " + Quoted(text));
+        (draft.place.Has(member) ? draft.place.At(member) : draft.place)
+            .Warning("the model keeps one " + std::string(member) + " for all objects of a " + (key ? "key" : "name") +
+                     ": " + Quoted(kept->second) + ", not " + Quoted(text));
     }
 }
 
@@ -201,8 +262,12 @@ ModbusDeviceModel::Device::DeviceModel::ObjectAdapters ProfileObjects::GetAdapte
     return adapters;
 }
 
-const ProfileObjects::Known* ProfileObjects::Find(const std::string& name, const std::string& alias) const {
-    const auto found = mKnown.find({name, alias});
+const ProfileObjects::Known* ProfileObjects::Find(const std::string& nameOrKey, const std::string& alias) const {
+    auto found = mKnown.find({nameOrKey, alias});
+    const auto byKey = alias.empty() && found == mKnown.end() ? mNamesByKey.find(nameOrKey) : mNamesByKey.end();
+    if (byKey != mNamesByKey.end()) {
+        found = mKnown.find(byKey->second);
+    }
     return found == mKnown.end() ? nullptr : &found->second;
 }
 

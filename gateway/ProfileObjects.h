@@ -10,6 +10,7 @@
 #include "DataModel/DataObjectAdapter.h"
 #include "Device/DeviceModel.h"
 #include "gateway/JsonCursor.h"
+#include "gateway/ObjectIdentity.h"
 #include "gateway/ProfileElements.h"
 #include "gateway/ProfileLoader.h"
 
@@ -23,7 +24,8 @@ public:
     // Reads the section and reports what is wrong with it. The elements must outlive this section.
     ProfileObjects(const JsonCursor& section, ProfileElements& elements);
 
-    // Valid when no error was reported. In the order of the profile; units and class names by the objects' names.
+    // Valid when no error was reported. In the order of the profile; units and class names by the objects' keys, or by
+    // their names where they have none.
     const std::vector<LoadedProfile::Object>& GetObjects() const { return mObjects; }
     const TextByName& GetUnits() const { return mUnits; }
     const TextByName& GetClassNames() const { return mClassNames; }
@@ -37,8 +39,8 @@ public:
         ValueKind kind;
         bool faulty;
     };
-    // Null for an unknown object.
-    const Known* Find(const std::string& name, const std::string& alias) const;
+    // By name and alias, or by key. Null for an unknown object.
+    const Known* Find(const std::string& nameOrKey, const std::string& alias) const;
     // Each name as often as it has objects, faulty ones too.
     Names GetNames() const;
 
@@ -51,8 +53,10 @@ private:
     // The object at hand.
     struct Draft {
         JsonCursor place;
-        std::string urn;
+        ObjectIdentity identity;
         bool plain;
+        std::string urn;
+        std::string mainPath = {};  // the element path of the roles that stand in the object itself
         std::string className = {};
         ValueKind kind = ValueKind::OTHER;
         std::vector<Adapter> adapters = {};
@@ -65,15 +69,29 @@ private:
         JsonCursor place;
     };
 
+    // What fills a role, and where that is said: in the object, or by the name of a named element.
+    struct Filling {
+        JsonCursor place;
+        std::string source = {};  // empty where the object says it
+        std::shared_ptr<const ProfileElement> element = nullptr;
+        bool isThere = false;  // if without element, it is faulty
+    };
+
     void ReadObject(const JsonCursor& place);
-    void ReadRoles(const JsonCursor& roles, const std::string& path, Draft& draft);
     void ReadPaths(Draft& draft);
+    void ReadRoles(const std::string& path, Draft& draft);
+    Filling FillRole(const char* member, const char* attribute, const std::string& path, const Draft& draft);
+    static void AddAdapter(const ProfileElement& value,
+                           const std::shared_ptr<ModbusDeviceModel::DataModel::DataObjectAdapter>& adapter,
+                           const std::string& path, Draft& draft);
     void ReadLabels(const Draft& draft);
-    void KeepByName(TextByName& texts, const JsonCursor& object, const char* member, const std::string& text);
+    void Keep(const Draft& draft);
+    void KeepText(TextByName& texts, const Draft& draft, const char* member, const std::string& text);
 
     ProfileElements& mElements;
     std::vector<LoadedProfile::Object> mObjects;
     std::map<std::pair<std::string, std::string>, Known> mKnown;  // by name and alias
+    std::map<std::string, std::pair<std::string, std::string>> mNamesByKey;
     TextByName mUnits;
     TextByName mClassNames;
     std::map<std::pair<std::string, std::string>, Translation> mLabels;  // by urn and label

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "gateway/ProfileAlarms.h"
+#include "gateway/ObjectIdentity.h"
 
 namespace kzm::ModbusGateway {
 
@@ -14,12 +14,13 @@ namespace {
 // Of the objects, also of those that alarms and services have; faulty ones too.
 std::set<std::string> NamesOfObjects(const JsonCursor& profile) {
     std::set<std::string> names;
-    for (const char* section : {"objects", "services"}) {
-        profile.At(section).ForEach(
-            [&](const std::string&, const JsonCursor& object) { names.insert(object.At("name").Text()); });
-    }
+    profile.At("objects").ForEach(
+        [&](const std::string&, const JsonCursor& object) { names.insert(ObjectIdentity::OfObject(object).name); });
     profile.At("alarms").ForEach(
-        [&](const std::string&, const JsonCursor& alarm) { names.insert(ProfileAlarms::ObjectNameOf(alarm)); });
+        [&](const std::string&, const JsonCursor& alarm) { names.insert(ObjectIdentity::OfAlarm(alarm).name); });
+    profile.At("services").ForEach([&](const std::string&, const JsonCursor& service) {
+        names.insert(service.At("name").Text());
+    });
     return names;
 }
 

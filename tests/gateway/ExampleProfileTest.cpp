@@ -5,7 +5,6 @@
 #include <nlohmann/json.hpp>
 
 #include "ProfileTesting.h"
-#include "dictionary/CustomAlarmElementStructure.h"
 #include "gateway/Capture.h"
 #include "kzm/DateTime/DateTime.h"
 #include "kzm/StandIn/Clock.h"
@@ -14,7 +13,6 @@ namespace kzm::ModbusGateway {
 
 namespace {
 
-using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
 using ModbusDeviceModel::DataModel::PreviousMeasurements;
 using nlohmann::json;
 
@@ -32,7 +30,7 @@ std::unique_ptr<LoadedProfile> LoadExample(const std::string& name) {
 
 json ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object,
                 const std::shared_ptr<RegisterCache>& cache) {
-    kz::orba::VortaORBAObject target("", object.name, object.alias, json::object());
+    kz::orba::VortaORBAObject target(object.key, object.name, object.alias, object.structure);
     const auto status = profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
     return {{"name", object.name},
             {"alias", object.alias},
@@ -43,8 +41,7 @@ json ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& objec
 
 json EvaluateAlarm(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm,
                    const std::shared_ptr<RegisterCache>& cache, const PreviousMeasurements& previous) {
-    json structure = CustomAlarmElementStructure::GetStructure()["IoTElementDynamicClassForDevice"];
-    kz::orba::VortaORBAObject target("", alarm.name, alarm.alias, std::move(structure));
+    kz::orba::VortaORBAObject target("", alarm.name, alarm.alias, alarm.structure);
     const auto status =
         profile.model->GetCustomAlarmVortaObjectValue(cache, /*ignoreCacheAge=*/false, target, previous);
     return {{"name", alarm.name},
@@ -82,7 +79,7 @@ void ExpectReplay(const LoadedProfile& profile, const std::string& captureName, 
 }
 
 TEST(ExampleProfile, CapturesBecomeTheExpectedObjects) {
-    for (const std::string name : {"energy-meter", "sunspec-inverter"}) {
+    for (const std::string name : {"energy-meter", "circuit-breaker", "sunspec-inverter"}) {
         SCOPED_TRACE(name);
         const auto profile = LoadExample(name);
         ASSERT_TRUE(profile);
@@ -96,18 +93,21 @@ TEST(ExampleProfile, CapturesBecomeTheExpectedObjects) {
     }
 }
 
-TEST(ExampleProfile, ASeriesHasTheExpectedHistoryOfAlarms) {
-    const auto profile = LoadExample("energy-meter");
-    ASSERT_TRUE(profile);
-    const auto previous = std::make_shared<PreviousMeasurements::element_type>();
-    ExpectReplay(*profile, "energy-meter.series.capture.json", "energy-meter.alarms.expected.json",
-                 [&](const auto& cache) {
-                     std::vector<json> alarms;
-                     for (const auto& alarm : profile->alarms) {
-                         alarms.push_back(EvaluateAlarm(*profile, alarm, cache, previous));
-                     }
-                     return alarms;
-                 });
+TEST(ExampleProfile, CapturesHaveTheExpectedHistoryOfAlarms) {
+    for (const auto& [name, capture] : {std::pair<std::string, std::string>{"energy-meter", ".series.capture.json"},
+                                        {"circuit-breaker", ".capture.json"}}) {
+        SCOPED_TRACE(name);
+        const auto profile = LoadExample(name);
+        ASSERT_TRUE(profile);
+        const auto previous = std::make_shared<PreviousMeasurements::element_type>();
+        ExpectReplay(*profile, name + capture, name + ".alarms.expected.json", [&](const auto& cache) {
+            std::vector<json> alarms;
+            for (const auto& alarm : profile->alarms) {
+                alarms.push_back(EvaluateAlarm(*profile, alarm, cache, previous));
+            }
+            return alarms;
+        });
+    }
 }
 
 }  // namespace

@@ -113,6 +113,27 @@ class FilesTest(unittest.TestCase):
         expected = json.loads((PROFILES / "energy-meter.expected.json").read_text(encoding="utf-8"))
         self.assertEqual([json.loads(line) for line in done.stdout.splitlines()], expected)
 
+    def test_a_custom_key_finds_its_object_and_comes_back_whole(self):
+        for alias, shown in [(bytes(range(256)), None), ("盤内".encode(), "盤内"), (b"\xff(", "\ufffd(")]:
+            key = "7b8" + "".join(chr(byte) if chr(byte).isalnum() and byte < 128 else f"_{byte:02x}" for byte in alias)
+            custom = PUMP.replace('"name": "Flow", "unit"', f'"key": "{key}", "unit"')
+            show = ["show", file("custom.jsonc", custom), "--capture", CAPTURE, "--object", key]
+            line = json.loads(run(*show, "--json").stdout)
+            self.assertEqual((line["value"]["_id"], line["value"]["name"], line["value"]["unit"]),
+                             (key, "Measurement.CustomMeasurement", "m³/h"))
+            self.assertIn(line["alias"], (shown, line["alias"] if shown is None else shown))
+            self.assertIn("Measurement.CustomMeasurement", run(*show).stdout)
+
+    def test_a_table_shows_the_parts_that_the_device_fills(self):
+        done = run("show", PROFILES / "circuit-breaker.jsonc", "--object", "25",
+                   "--capture", PROFILES / "circuit-breaker.capture.json")
+        self.assertEqual([re.split(" {2,}", line)[:4] for line in done.stdout.splitlines()[1:]], [
+            ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_a", "1234.5", "A", "Good"],
+            ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_b", "1180.25", "A", "Good"],
+            ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_c", "not available or out of range", "A", "Bad"],
+            ["Alarm.VoltageLossAlarm: state", "Active", "Good", "2026-03-02T14:05:41.000Z"],
+        ])
+
     def test_log_lines_go_to_standard_error_when_asked_for(self):
         for level, shown in [((), False), (("--log", "6"), True), (("--log", "information"), True)]:
             done = run(*SHOW, CAPTURE, "--object", "Spare", *level)

@@ -2,21 +2,15 @@
 
 #include "Support/Status.h"
 #include "WhyNoValue.h"
-#include "dictionary/CustomAlarmElementStructure.h"
 #include "kz/orba/VortaORBAObject.h"
 
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
 namespace Status = ModbusDeviceModel::Status;
-using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
 using nlohmann::json;
 
 namespace {
-
-json NewAlarmObject() {
-    return CustomAlarmElementStructure::GetStructure().at("IoTElementDynamicClassForDevice");
-}
 
 std::string WhyNoState(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm, const Cache& cache,
                        kz::orba::StatusCode status) {
@@ -55,7 +49,7 @@ bool AlarmReading::DiffersFrom(const AlarmReading& other) const {
 
 AlarmReading ReadAlarm(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm, const Cache& cache,
                        const ModbusDeviceModel::DataModel::PreviousMeasurements& previous) {
-    kz::orba::VortaORBAObject object("", alarm.name, alarm.alias, NewAlarmObject());
+    kz::orba::VortaORBAObject object("", alarm.name, alarm.alias, alarm.structure);
     const auto status =
         profile.model->GetCustomAlarmVortaObjectValue(cache, /*ignoreCacheAge=*/false, object, previous);
     bool lasting = true;

@@ -7,10 +7,10 @@
 
 #include "Columns.h"
 #include "Commands.h"
-#include "Nearest.h"
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DynamicDeviceClasses.h"
+#include "gateway/ElementKey.h"
 
 namespace kzm::ModbusTool {
 
@@ -145,23 +145,13 @@ void PrintElement(const Element& element) {
     PrintRows(rows);
 }
 
-std::string NearestKeys(const std::string& key) {
-    std::vector<std::string> keys;
-    for (const NamedTable& table : Tables()) {
-        for (const auto& row : table.rows) {
-            keys.emplace_back(row.first);
-        }
-    }
-    return NearestTo(key, keys);
-}
-
 ExitStatus ShowDictionary(const DictionaryOptions& options) {
     const std::vector<Element> elements = Select(options);
     if (elements.empty()) {
         throw Failure(ExitStatus::OBJECT_NOT_FOUND,
                       options.key.empty() ? "nothing in the dictionary fits"
                                           : "the dictionary has no key \"" + options.key +
-                                                "\"; nearest: " + NearestKeys(options.key.substr(0, 200)));
+                                                "\"; nearest: " + ModbusGateway::ElementKey::Nearest(options.key));
     }
     if (options.json) {
         std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';

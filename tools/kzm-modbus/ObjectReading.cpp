@@ -21,28 +21,32 @@ bool IsAttribute(const std::string& name) {
     return name == "value" || name == "quality" || name == "datetime";
 }
 
-bool HoldsAttributes(const json& node) {
-    return node.contains("value") || node.contains("quality") || node.contains("datetime");
+// Whether an attribute was written since the node was as at the start.
+bool HoldsAttributes(const json& node, const json& start) {
+    return std::any_of(node.items().begin(), node.items().end(), [&](const auto& member) {
+        return IsAttribute(member.key()) && (!start.contains(member.key()) || start[member.key()] != member.value());
+    });
 }
 
 // An element may hold attributes and further elements.
-void AddElements(const std::string& path, const json& node, std::vector<ObjectPart>& parts) {
-    if (HoldsAttributes(node)) {
+void AddElements(const std::string& path, const json& node, const json& start, std::vector<ObjectPart>& parts) {
+    if (HoldsAttributes(node, start)) {
         parts.push_back({path, node, ""});
     }
     for (const auto& [name, child] : node.items()) {
         if (child.is_object() && !IsAttribute(name)) {
-            AddElements(path.empty() ? name : path + "/" + name, child, parts);
+            AddElements(path.empty() ? name : path + "/" + name, child, start.value(name, json::object()), parts);
         }
     }
 }
 
-std::vector<ObjectPart> PartsOf(const json& value) {
+// The parts that were filled since the object was as at the start; the whole where none was.
+std::vector<ObjectPart> PartsOf(const json& value, const json& start) {
     std::vector<ObjectPart> parts;
     if (value.contains("elements")) {
-        AddElements("", value["elements"], parts);
+        AddElements("", value["elements"], start.value("elements", json::object()), parts);
     }
-    if (parts.empty() || HoldsAttributes(value)) {
+    if (parts.empty() || HoldsAttributes(value, start)) {
         parts.insert(parts.begin(), {"", value, ""});
     }
     return parts;
@@ -69,7 +73,7 @@ void Explain(const LoadedProfile& profile, const ObjectGroupAdapter::Adapters& a
     for (const std::shared_ptr<VortaObjectAdapter>& adapter : adapters) {
         VortaORBAObject alone("", "", "", json::object());
         adapter->GetObject(cache, profile.model->IsBigEndian(), /*ignoreCacheAge=*/false, alone);
-        ObjectPart part = PartsOf(alone.GetValue()).front();
+        ObjectPart part = PartsOf(alone.GetValue(), json::object()).front();
         if (part.attributes.contains("value")) {
             continue;
         }
@@ -86,15 +90,15 @@ ObjectGroupAdapter::Adapters AdaptersOf(const std::shared_ptr<VortaObjectAdapter
 }
 
 bool LacksValue(const ObjectPart& part) {
-    return !part.attributes.contains("value");
+    return !part.attributes.contains("value") || part.attributes["value"].is_null();
 }
 
 ObjectReading ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object, const Cache& cache) {
-    VortaORBAObject target("", object.name, object.alias, json::object());
+    VortaORBAObject target(object.key, object.name, object.alias, object.structure);
     ObjectReading reading{&object, ModbusDeviceModel::Status::INVALID_ARGUMENT, {}, {}};
     try {
         reading.status = profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
-        reading.parts = PartsOf(target.GetValue());
+        reading.parts = PartsOf(target.GetValue(), object.structure);
         const bool failed = reading.status != ModbusDeviceModel::Status::SUCCESS;
         if (failed || std::any_of(reading.parts.begin(), reading.parts.end(), LacksValue)) {
             Explain(profile, AdaptersOf(object.adapter), cache, reading.parts);

@@ -12,14 +12,14 @@ namespace kzm::ModbusTool {
 
 using Cache = std::shared_ptr<ModbusGateway::RegisterCache>;
 
-// What an object holds at its top, or in one of its elements.
+// What the device fills of an object at its top, or in one of its elements.
 struct ObjectPart {
     std::string path;           // of the element, e.g. "phase1"; empty at the top
-    nlohmann::json attributes;  // "value", "quality", "datetime", as far as they were written
+    nlohmann::json attributes;  // "value", "quality", "datetime", as far as they are there
     std::string why;            // in words, why there is no value; empty where there is one
 };
 
-// One object as it was asked of the model, from an empty object on.
+// One object as it was asked of the model, from its structure on.
 struct ObjectReading {
     const ModbusGateway::LoadedProfile::Object* object;
     kz::orba::StatusCode status;

@@ -1,7 +1,7 @@
 #include "ObjectSelection.h"
 
 #include "ExitStatus.h"
-#include "Nearest.h"
+#include "gateway/Nearest.h"
 
 namespace kzm::ModbusTool {
 
@@ -9,16 +9,16 @@ using namespace ModbusGateway;
 
 namespace {
 
-std::string KeyOf(const LoadedProfile::Object& object) {
+std::string NameAndAlias(const LoadedProfile::Object& object) {
     return object.alias.empty() ? object.name : object.name + "/" + object.alias;
 }
 
 std::string NearestObjects(const std::string& wanted, const LoadedProfile& profile) {
-    std::vector<std::string> keys;
+    Names names;
     for (const LoadedProfile::Object& object : profile.objects) {
-        keys.push_back(KeyOf(object));
+        names.push_back(NameAndAlias(object));
     }
-    return NearestTo(wanted, keys);
+    return NearestTo(wanted, names);
 }
 
 }  // namespace
@@ -33,13 +33,13 @@ Selection SelectObjects(const LoadedProfile& profile, const std::vector<std::str
     for (const std::string& text : wanted) {
         const std::size_t before = selection.size();
         for (const LoadedProfile::Object& object : profile.objects) {
-            if (object.name == text || KeyOf(object) == text) {
+            if (object.name == text || NameAndAlias(object) == text || (object.key == text && !text.empty())) {
                 selection.push_back(&object);
             }
         }
         if (selection.size() == before) {
-            throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no object \"" + text.substr(0, 200) + "\"; nearest: " +
-                                                            NearestObjects(text.substr(0, 200), profile));
+            throw Failure(ExitStatus::OBJECT_NOT_FOUND,
+                          "no object \"" + text.substr(0, 200) + "\"; nearest: " + NearestObjects(text, profile));
         }
     }
     return selection;

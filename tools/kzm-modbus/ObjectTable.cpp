@@ -28,7 +28,7 @@ struct Cell {
 using Row = std::array<Cell, COLUMNS>;
 
 std::string AttributeOf(const json& attributes, const char* name) {
-    return attributes.contains(name) ? TextOf(attributes[name]) : "";
+    return attributes.contains(name) && !attributes[name].is_null() ? TextOf(attributes[name]) : "";
 }
 
 const char* StyleOfQuality(const std::string& quality) {
@@ -41,9 +41,10 @@ Row RowOf(const ObjectReading& reading, const ObjectPart& part) {
     const bool number = part.attributes.contains("value") && part.attributes["value"].is_number();
     return {Cell{Printable(object.name) + (part.path.empty() ? "" : ": " + Printable(part.path))},
             Cell{Printable(object.alias)},
-            part.why.empty() ? Cell{AttributeOf(part.attributes, "value"), nullptr, number}
-                             : Cell{Printable(part.why), DIM},
-            Cell{Printable(object.unit)},
+            part.why.empty()
+                ? Cell{part.attributes.contains("value") ? TextOf(part.attributes["value"]) : "", nullptr, number}
+                : Cell{Printable(part.why), DIM},
+            Cell{Printable(part.attributes.value("unit", object.unit))},
             Cell{quality, StyleOfQuality(quality)},
             Cell{AttributeOf(part.attributes, "datetime")}};
 }

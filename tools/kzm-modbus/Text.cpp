@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 namespace kzm::ModbusTool {
 
@@ -15,9 +16,16 @@ bool IsFloat(double number) {
            static_cast<double>(static_cast<float>(number)) == number;
 }
 
+// The JSON library puts U+FFFD in the place of what is no UTF-8.
+std::string Utf8(std::string_view text) {
+    using nlohmann::json;
+    return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace)).get<std::string>();
+}
+
 }  // namespace
 
-std::string Printable(std::string_view text) {
+std::string Printable(std::string_view raw) {
+    const std::string text = Utf8(raw);
     std::string printable;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);

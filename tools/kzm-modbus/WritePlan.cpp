@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "ExitStatus.h"
-#include "Nearest.h"
 #include "ObjectTable.h"
 #include "Text.h"
+#include "gateway/Nearest.h"
 
 namespace kzm::ModbusTool {
 
@@ -32,10 +32,9 @@ ServiceMapping MappingOf(const LoadedProfile& profile, const std::string& object
             return profile.serviceModel->GetServiceMapping(service.name, service.alias);
         }
     }
-    throw Failure(
-        ExitStatus::OBJECT_NOT_FOUND,
-        "no service writes " + Cited(object) +
-            (known.empty() ? "; the profile has none" : "; nearest: " + NearestTo(object.substr(0, 200), known)));
+    throw Failure(ExitStatus::OBJECT_NOT_FOUND,
+                  "no service writes " + Cited(object) +
+                      (known.empty() ? "; the profile has none" : "; nearest: " + NearestTo(object, known)));
 }
 
 std::uint16_t* RegistersOf(WritePlan::Payload& payload, const ElementData& element) {
@@ -83,8 +82,7 @@ WritePlan::Element WritePlan::FindElement(const std::string& name) const {
             return element;
         }
     }
-    throw Failure(ExitStatus::OBJECT_NOT_FOUND,
-                  "no element " + Cited(name) + "; nearest: " + NearestTo(name.substr(0, 200), known));
+    throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no element " + Cited(name) + "; nearest: " + NearestTo(name, known));
 }
 
 WritePlan::Payload WritePlan::Apply(const Payload& before) const {
