@@ -17,10 +17,15 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/Documentation.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/Triggers.cmake)
 
-# dpkg-shlibdeps finds the libraries that binaries need, but knows only those of this machine's architecture.
+# dpkg-shlibdeps finds the libraries that binaries need, but knows only those of this machine's architecture: for another, the
+# compiler's own are asked for.
 if(CMAKE_CROSSCOMPILING)
-    set(runtime "libc6 (>= 2.34), libgcc-s1 (>= 3.5), libstdc++6 (>= 12)")
-    set(modbus "libmodbus5 (>= 3.1.6)")
+    execute_process(COMMAND ${CMAKE_COMMAND} -E echo "#include <features.h>\nGLIBC __GLIBC__ __GLIBC_MINOR__"
+                    COMMAND ${CMAKE_CXX_COMPILER} -E -P -x c++ - OUTPUT_VARIABLE features)
+    string(REGEX REPLACE ".*GLIBC ([0-9]+) ([0-9]+).*" "\\1.\\2" libc ${features})
+    string(REGEX MATCH "^[0-9]+" compiler ${CMAKE_CXX_COMPILER_VERSION})
+    set(runtime "libc6 (>= ${libc}), libgcc-s1 (>= 3.5), libstdc++6 (>= ${compiler})")
+    set(modbus "libmodbus5 (>= ${MODBUS_VERSION})")
 else()
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform)

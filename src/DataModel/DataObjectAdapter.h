@@ -27,9 +27,10 @@ public:
 
     // Writes "value", "quality" and "datetime". Where no value can be had, "quality" becomes "Bad" and "value" stays as
     // it was. Without a timestamp adapter "datetime" is the current calendar time and the value's status is returned:
-    // 0, 42 no value, 63 not available, 1 no value adapter, or what an adapter gave. With one, its status is returned
-    // instead; when it fails, "datetime" stays as it was. Throws the JSON library's error for an element path that the
-    // object's structure does not admit, and type_error 302 for a date-time under an element path that is no text.
+    // 0, 42 no value, 63 not available, 1 no value adapter or an adapter's 44, or what an adapter gave. With one, its
+    // status is returned instead; when it fails, "datetime" stays as it was. Throws the JSON library's error for an
+    // element path that the object's structure does not admit, and type_error 302 for a date-time under an element path
+    // that is no text.
     kz::orba::StatusCode GetObject(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                    kz::orba::VortaORBAObject& object) override;
 
