@@ -45,6 +45,7 @@ endmacro()
 set(same "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(json "nlohmann-json3-dev (>= 3.11.2)")
 set(library libkzm-modbus-device-model${KZM_ABI_VERSION})
+# Another platform's run-time package is found by dpkg-shlibdeps; which one has its headers is not known here.
 if(NOT KZM_PLATFORM_PACKAGE)
     set(platform libkzm-platform${KZM_ABI_VERSION})
     kzm_debian_package(platform-runtime ${platform} libs
