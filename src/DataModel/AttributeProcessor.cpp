@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Support/FlatObject.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
@@ -42,7 +43,8 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
                                         const std::string& urn) {
     quality = DeviceCache::QUALITY_GOOD;
     KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
-    json parameters = json::object();
+    FlatObject inputs;
+    json& parameters = inputs.Get();
     auto status = ReadInputs(cache, deviceBigEndian, ignoreCacheAge, quality, parameters);
     if (status != Status::SUCCESS) {
         return status;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Support/FlatObject.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 #include "kzm/DateTime/DateTime.h"
@@ -96,7 +97,8 @@ StatusCode ComputedAlarmElement::Evaluate(const Reading& left, const Reading& ri
 
 StatusCode ComputedAlarmElement::Compare(const Reading& left, const Reading& right, _Quality_t& quality,
                                          json& value) const {
-    json parameters = json::object();
+    FlatObject operands;
+    json& parameters = operands.Get();
     parameters[mLeftOperand->GetName()] = left.value;
     parameters[mRightOperand->GetName()] = right.value;
     json result;

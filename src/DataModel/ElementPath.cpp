@@ -12,7 +12,11 @@ using nlohmann::json;
 namespace {
 
 json& Descend(json& parent, const std::string& token) {
-    if (parent.is_null() || parent.is_object()) {
+    if (parent.is_null()) {
+        // Not left to operator[], which for lack of memory leaves an object without its map.
+        parent = json::object();
+    }
+    if (parent.is_object()) {
         return parent[token];
     }
     json::json_pointer pointer;

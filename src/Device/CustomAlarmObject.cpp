@@ -29,7 +29,8 @@ const char* CriticalityOf(const std::string& priority) {
 
 }  // namespace
 
-CustomAlarmObject::CustomAlarmObject(json& value) : mElements(FindMember(&value, "elements")) {}
+CustomAlarmObject::CustomAlarmObject(json& value)
+    : mElements(FindMember(&value, "elements")), mDateTime(DateTime::DateTime::GetCalendarTime()), mQuality("") {}
 
 bool CustomAlarmObject::HasState() const {
     return FindMember(mElements, STATE) != nullptr;
@@ -44,11 +45,13 @@ void CustomAlarmObject::WriteIdentity(const DataModel::ComputedAlarmElement& ala
 
 void CustomAlarmObject::WriteState(json&& state) {
     Write(STATE, "value", std::move(state));
-    Write(STATE, "datetime", DateTime::DateTime::GetCalendarTime());
+    Write(STATE, "datetime", std::move(mDateTime));
 }
 
 void CustomAlarmObject::WriteQuality(DeviceCache::_Quality_t quality) {
-    Write(STATE, "quality", ConvertToString(quality));
+    // The texts are short enough for the string's own room.
+    mQuality.get_ref<std::string&>() = ConvertToString(quality);
+    Write(STATE, "quality", std::move(mQuality));
 }
 
 void CustomAlarmObject::Write(const char* element, const char* leaf, json&& value) {

@@ -8,8 +8,9 @@
 #include "kz/orba/StatusCode.h"
 #include "kzm/Log/RootLogger.h"
 
-// Log lines of the library. A line's arguments are evaluated only when the root logger's level admits the line. Each
-// source file that logs defines LOG_MODULE, the text that stands in its lines' second field.
+// Log lines of the library. A line's arguments are evaluated only when the root logger's level admits the line. A line
+// that cannot be made or printed, for lack of memory or by a fault of the logger, is lost; what it tells of goes on.
+// Each source file that logs defines LOG_MODULE, the text that stands in its lines' second field.
 namespace kzm::ModbusDeviceModel::Logging {
 
 using Level = kzm::Log::OrbaLogLevel;
@@ -30,13 +31,16 @@ inline std::string Text(kz::orba::StatusCode status) {
 
 }  // namespace kzm::ModbusDeviceModel::Logging
 
-#define KZM_LOG_LINE(level, prefix, format, ...)                                                    \
-    do {                                                                                            \
-        auto& kzmRootLogger = kzm::Log::RootLogger::GetInstance();                                  \
-        if (kzmRootLogger.GetLevel() >= (level)) {                                                  \
-            kzmRootLogger.Print((level), prefix format, static_cast<unsigned long>(pthread_self()), \
-                                LOG_MODULE __VA_OPT__(, ) __VA_ARGS__);                             \
-        }                                                                                           \
+#define KZM_LOG_LINE(level, prefix, format, ...)                                                        \
+    do {                                                                                                \
+        try {                                                                                           \
+            auto& kzmRootLogger = kzm::Log::RootLogger::GetInstance();                                  \
+            if (kzmRootLogger.GetLevel() >= (level)) {                                                  \
+                kzmRootLogger.Print((level), prefix format, static_cast<unsigned long>(pthread_self()), \
+                                    LOG_MODULE __VA_OPT__(, ) __VA_ARGS__);                             \
+            }                                                                                           \
+        } catch (...) {                                                                                 \
+        }                                                                                               \
     } while (false)
 
 // A line whose level is chosen at run time.

@@ -8,6 +8,10 @@ VortaORBAObject::VortaORBAObject(std::string id, std::string name, std::string a
     : mId(std::move(id)), mName(std::move(name)), mAlias(std::move(alias)), mValue(std::move(value)) {}
 
 void VortaORBAObject::AddOrUpdateAttributeToValue(const std::string& key, nlohmann::json value) {
+    if (mValue.is_null()) {
+        // Not left to operator[], which for lack of memory leaves an object without its map.
+        mValue = nlohmann::json::object();
+    }
     mValue[key] = std::move(value);
 }
 

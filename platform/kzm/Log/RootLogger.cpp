@@ -2,10 +2,13 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <mutex>
+#include <new>
+#include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace kzm::Log {
 
@@ -17,9 +20,11 @@ struct State {
     RootLogger::Sink sink;
 };
 
-// Never destroyed: static objects of other files may log while the process ends.
+// Never destroyed: static objects of other files may log while the process ends. Not on the heap: the first line may
+// tell that there is no memory.
 State& GetState() {
-    static State& state = *new State;
+    alignas(State) static std::byte place[sizeof(State)];
+    static State& state = *new (place) State;
     return state;
 }
 
@@ -39,7 +44,8 @@ void Deliver(State& state, OrbaLogLevel level, const char* line) noexcept {
 }  // namespace
 
 RootLogger& RootLogger::GetInstance() {
-    static RootLogger& instance = *new RootLogger;
+    static RootLogger instance;
+    static_assert(std::is_trivially_destructible_v<RootLogger>);
     return instance;
 }
 
@@ -71,9 +77,12 @@ void RootLogger::Print(OrbaLogLevel level, const char* format, ...) {
     if (length < static_cast<int>(sizeof text)) {
         Deliver(GetState(), level, length < 0 ? format : text);
     } else {
-        std::vector<char> longText(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(longText.data(), longText.size(), format, again);
-        Deliver(GetState(), level, longText.data());
+        const auto size = static_cast<std::size_t>(length) + 1;
+        const std::unique_ptr<char[]> longText(new (std::nothrow) char[size]);
+        if (longText) {
+            std::vsnprintf(longText.get(), size, format, again);
+        }
+        Deliver(GetState(), level, longText ? longText.get() : text);
     }
     va_end(again);
 }

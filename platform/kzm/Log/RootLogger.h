@@ -33,8 +33,8 @@ public:
     // Where lines go; an empty sink means standard error, which is also what the process starts with.
     void SetSink(Sink sink);
 
-    // Formats as std::printf does and hands the line to the sink; does nothing above the level. An exception of the
-    // sink is dropped with its line.
+    // Formats as std::printf does and hands the line to the sink; does nothing above the level. Never throws: an
+    // exception of the sink is dropped with its line, and without memory a long line is cut after 511 bytes.
     void Print(OrbaLogLevel level, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 private:

@@ -1,39 +1,11 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <new>
-
+#include "Allocator.h"
 #include "DataModel/DataObjectAdapter.h"
 #include "Device/DeviceModel.h"
-#include "kz/orba/VortaORBAObject.h"
 #include "src/TestCache.h"
-
-namespace {
-
-thread_local std::size_t allocations = 0;
-
-}  // namespace
-
-// None of them is inlined, else GCC sees memory of one allocator go to another and warns.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using namespace DataModel;
-using kz::orba::VortaORBAObject;
-using StandIn::StoppedClock;
+using Testing::CountAllocations;
 
 // A request that finds the attributes in place allocates for the texts that it writes into them, and for nothing else.
 TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
@@ -49,16 +21,16 @@ TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     auto quality = QUALITY_GOOD;
     json value;
 
-    std::size_t before = allocations;
+    std::size_t before = CountAllocations();
     ASSERT_EQ(Number(AttributeConverter::GetValueFromElementData(cache, true, false, element, quality, value)), 0);
-    EXPECT_EQ(allocations - before, 0U);
+    EXPECT_EQ(CountAllocations() - before, 0U);
 
-    before = allocations;
+    before = CountAllocations();
     const json texts[] = {json("Good"), json(std::string(NOW_TEXT))};
-    const std::size_t forTexts = allocations - before;
-    before = allocations;
+    const std::size_t forTexts = CountAllocations() - before;
+    before = CountAllocations();
     ASSERT_EQ(Number(model.GetVortaObjectValue(cache, false, object)), 0);
-    EXPECT_EQ(allocations - before, forTexts);
+    EXPECT_EQ(CountAllocations() - before, forTexts);
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

@@ -1,0 +1,53 @@
+#include "Allocator.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace kzm::Testing {
+
+namespace {
+
+thread_local std::size_t allocations = 0;
+thread_local std::size_t firstFailure = 0;  // 0: none
+thread_local std::size_t lastFailure = 0;
+
+bool IsToFail() {
+    ++allocations;
+    return firstFailure != 0 && allocations >= firstFailure && allocations <= lastFailure;
+}
+
+}  // namespace
+
+std::size_t CountAllocations() {
+    return allocations;
+}
+
+MemoryShortage::MemoryShortage(std::size_t n, bool isLasting) {
+    firstFailure = allocations + n;
+    lastFailure = isLasting ? SIZE_MAX : firstFailure;
+}
+
+MemoryShortage::~MemoryShortage() {
+    firstFailure = 0;
+}
+
+bool MemoryShortage::HasStruck() const {
+    return allocations >= firstFailure;
+}
+
+}  // namespace kzm::Testing
+
+// None of them is inlined, else GCC sees memory of one allocator go to another and warns.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    void* const memory = kzm::Testing::IsToFail() ? nullptr : std::malloc(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
