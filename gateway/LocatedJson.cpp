@@ -47,7 +47,11 @@ private:
 std::string WithoutJargon(std::string text) {
     const auto detail = text.find(" - ");
     text.erase(0, detail != std::string::npos ? detail + 3 : text.find("] ") + 2);
-    return text.substr(0, std::min(text.find("; last read: "), text.find(" parsing '")));
+    // Where a list or object could end, its end is only unexpected behind a comma.
+    const bool isEnd =
+        text.starts_with("unexpected ']'; expected '['") || text.starts_with("unexpected '}'; expected string");
+    text.resize(std::min({text.find("; last read: "), text.find(" parsing '"), text.size()}));
+    return text + (isEnd ? "; is the comma before it one too many?" : "");
 }
 
 }  // namespace

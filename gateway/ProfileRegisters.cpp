@@ -14,6 +14,7 @@ using ModbusDeviceModel::DataModel::AttributeConverter;
 using ModbusDeviceModel::DataModel::ElementData;
 using ModbusDeviceModel::DataModel::ExtendedElementData;
 using ModbusDeviceModel::DataModel::LogicCodeDependency;
+using ModbusDeviceModel::DeviceProfile::EnumerationType;
 using ModbusDeviceModel::DeviceProfile::Family;
 using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
 using ModbusDeviceModel::DeviceProfile::MAX_ELEMENT_REGISTERS;
@@ -114,6 +115,31 @@ void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
             element.At(member).Warning("has no effect on values of the type " + Quoted(type.name));
         }
     }
+    if (element.Has("scale") && *element.At("scale") == 0 && (IsScalable(type) || power)) {
+        element.At("scale").Warning("makes every value the same");
+    }
+}
+
+// Warns of a mask without bits, and of the first raw value of an enumeration that the mask's bits cannot give.
+void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCodeRow& type,
+                      const ProfileEnumerations::Pairs& pairs) {
+    std::uint64_t bits = 0;
+    for (const std::uint8_t byte : bytes) {
+        bits = bits << 8 | byte;
+    }
+    if (std::ranges::count(bytes, 0) == std::ssize(bytes)) {
+        mask.Warning("leaves no bit of the registers");
+    } else if (pairs && type.enumerationType == EnumerationType::UNSIGNED_INTEGER) {
+        if (type.family == Family::SHIFTED_ENUMERATION) {
+            bits /= bits & (~bits + 1);  // until the lowest one is bit 0
+        }
+        const auto never =
+            std::ranges::find_if(*pairs, [&](const auto& pair) { return pair.mValue.mUnsigned & ~bits; });
+        if (never != pairs->end()) {
+            mask.Warning("never gives the raw value " + std::to_string(never->mValue.mUnsigned) + " of " +
+                         Quoted(never->mLabel));
+        }
+    }
 }
 
 }  // namespace
@@ -136,6 +162,9 @@ std::optional<ProfileRegisters> ProfileRegisters::Read(const JsonCursor& element
     }
     const std::size_t byteCount = std::size_t{2} * *count;
     const auto mask = ReadBytes(element.At("mask"), byteCount);
+    if (mask) {
+        ReportFutileMask(element.At("mask"), *mask, type, *pairs);
+    }
     registers.mask = std::make_shared<Bytes>(mask.value_or(Bytes(byteCount, std::uint8_t{0xFF})));
     if (ReadBytes(element.At("notAvailable"), byteCount)) {
         registers.notAvailable = std::make_shared<std::string>(element.At("notAvailable").Text());

@@ -40,7 +40,8 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
     } rows[] = {
         {"", 1, "this is no JSON: unexpected end of input"},
         {"{\n\"a\": 1\n\"b\": 2}", 3, "unexpected string literal; expected '}'"},
-        {"[1,\n\n]", 3, "unexpected ']'"},
+        {"[1,\n\n]", 3, "unexpected ']'; expected '[', '{', or a literal; is the comma before it one too many?"},
+        {"{\"a\": 1,\n}", 2, "unexpected '}'; expected string literal; is the comma before it one too many?"},
         {"[1\n,tru\n]", 2, "this is no JSON: invalid literal"},
         {"[12\n}", 2, "unexpected '}'"},
         {"\n\"\xFF\"", 2, "ill-formed UTF-8"},
