@@ -7,7 +7,6 @@
 #include <stdexcept>
 #include <thread>
 
-#include "PymodbusServer.h"
 #include "ScriptedDevice.h"
 #include "ServedCache.h"
 #include "gateway/FrameAddresses.h"
@@ -31,20 +30,6 @@ ModbusConnection To(std::uint16_t port) {
     return {.line = TcpEndpoint{"127.0.0.1", port}, .timeout = 200ms, .firstPause = 20ms, .longestPause = 80ms};
 }
 
-// The same values as pymodbus_server.py.
-std::uint16_t ValueAt(ModbusFunctionCode functionCode, std::uint16_t address) {
-    switch (functionCode) {
-        case ModbusFunctionCode::READ_COILS:
-            return address % 3 == 0;
-        case ModbusFunctionCode::READ_DISCRETE_INPUTS:
-            return address % 5 == 0;
-        case ModbusFunctionCode::READ_HOLDING_REGISTERS:
-            return static_cast<std::uint16_t>(address * 31 + 1);
-        default:
-            return static_cast<std::uint16_t>(65535 - address);
-    }
-}
-
 const std::vector<FrameData> DEVICE_FRAMES{
     FrameData(ModbusFunctionCode::READ_COILS, false, 0, 11, std::uint16_t{2}),
     FrameData(ModbusFunctionCode::READ_DISCRETE_INPUTS, false, 0, 1900, std::uint16_t{1}),
@@ -54,41 +39,28 @@ const std::vector<FrameData> DEVICE_FRAMES{
     FrameData(ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, false, 0, 2, std::uint16_t{5})  // no reading
 };
 
-Registers ValuesOf(const FrameData& frame) {
-    Registers values;
-    for (const std::uint16_t address : AddressesOf(frame)) {
-        values.push_back(ValueAt(frame.mFunctionCode, address));
+TEST(ModbusReader, ReadsFramesOfEveryKindWhateverTheirLength) {
+    ServedCache served(DEVICE_FRAMES);
+    std::vector<Registers> values;
+    for (std::uint8_t index = 0; index < 4; ++index) {
+        for (const std::uint16_t address : AddressesOf(DEVICE_FRAMES[index])) {
+            values.resize(index + 1U);
+            values[index].push_back(static_cast<std::uint16_t>(index < 2 ? address % 3 % 2 : address * 31 + index));
+        }
+        served.cache.Update(index, values[index], 1);
     }
-    return values;
-}
-
-void ExpectDeviceIsRead(std::uint16_t port) {
     RegisterCache cache(DEVICE_FRAMES);
-    ModbusReader reader(To(port), DEVICE_FRAMES, cache);
+    ModbusReader reader(To(served.GetPort()), DEVICE_FRAMES, cache);
     const ModbusReader::Round round = reader.ReadAllFrames();
     EXPECT_EQ(round.connectionError, "");
     EXPECT_EQ(round.framesRead, 4U);
     for (std::uint8_t index = 0; index < 4; ++index) {
-        EXPECT_EQ(cache.GetFrame(index).registers, ValuesOf(DEVICE_FRAMES[index])) << "frame " << +index;
+        EXPECT_EQ(cache.GetFrame(index).registers, values[index]) << "frame " << +index;
     }
     ASSERT_EQ(round.errors.size(), 2U);
     EXPECT_EQ(round.errors[0].frameIndex, 4);
     EXPECT_EQ(round.errors[0].reason, "Illegal data address");
     EXPECT_EQ(round.errors[1].reason, "function code 16 reads nothing");
-}
-
-TEST(ModbusReader, ReadsTheSimulator) {
-    ServedCache served(DEVICE_FRAMES);
-    for (std::uint8_t index = 0; index < 4; ++index) {
-        served.cache.Update(index, ValuesOf(DEVICE_FRAMES[index]), 1);
-    }
-    ExpectDeviceIsRead(served.GetPort());
-}
-
-TEST(ModbusReader, ReadsTheServerOfPymodbus) {
-    const PymodbusServer server;
-    ASSERT_NE(server.GetPort(), 0) << "/usr/bin/python3 with python3-pymodbus is needed";
-    ExpectDeviceIsRead(server.GetPort());
 }
 
 const std::vector<FrameData> SCRIPTED_FRAMES{
@@ -193,21 +165,6 @@ TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
               std::vector<std::string>{"[ModbusLine] [Read] " + name + " cannot be reached: Connection refused"});
     EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
               std::vector<std::string>{"[ModbusLine] [Read] " + name + " answers again"});
-}
-
-TEST(ModbusReader, RefusesAConnectionThatCannotBe) {
-    const ModbusConnection connections[] = {
-        {.line = TcpEndpoint{""}},
-        {.line = TcpEndpoint{"127.0.0.1"}, .unit = 248},
-        {.line = RtuLine{""}},
-        {.line = RtuLine{"/dev/null", 19201}},
-        {.line = RtuLine{"/dev/null", 19200, 'X'}},
-        {.line = RtuLine{"/dev/null"}, .unit = 255},
-    };
-    RegisterCache cache({});
-    for (const ModbusConnection& connection : connections) {
-        EXPECT_THROW(ModbusReader(connection, {}, cache), std::invalid_argument) << &connection - connections;
-    }
 }
 
 }  // namespace

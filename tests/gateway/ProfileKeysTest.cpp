@@ -146,28 +146,16 @@ TEST(ProfileKeys, NameAndAliasMakeTheKeyOfACustomMeasurement) {
 }
 
 TEST(ProfileKeys, FaultsAreToldWithTheirRemedy) {
-    const Fault faults[] = {
-        {R"("key": "1d")", R"("key": "MinIA")", "14 /objects/2/key: the dictionary has no key \"MinIA\"",
-         "nearest: DTMinIA;MinIA, "},
-        {R"("key": "394")", R"("key": "7b8")", "18 /objects/6/key: a custom key is \"7b8\" and an encoded alias", ""},
-        {R"("key": "394")", R"("key": "7b8_zz")", "18 /objects/6/key: \"7b8_zz\" holds no encoded alias", ""},
-        {R"("key": "394")", R"("key": "86bA")", "18 /objects/6/key: custom alarms stand under \"alarms\"", ""},
-        {R"({"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}})", R"({"key": "VAB"})",
-         "18 /objects/6: nothing gives the value; needed: a \"value\" here, or the element \"VAB\" under \"elements\"",
-         ""},
-        {R"("snapshot_rms_current_phs_a": {"value": {"constant": 7}})",
-         R"("snapshot_rms_current_phs_c": {"quality": {"constant": "Good"}})",
-         "15 /objects/3/elements/snapshot_rms_current_phs_c: nothing gives the value of the element path ",
-         "the element \"IC _VLoss\""},
-        {R"("G_PTOC1_Op_Qual": {"address": 4, "type": "enum16", "mask": "0x0002", "enumeration": "validity"})",
-         R"("G_PTOC1_Op_Qual": {"address": 4, "type": "int16"})",
-         "13 /objects/1: the element \"G_PTOC1_Op_Qual\" does not suit the role \"quality\"", "needed: a text"},
-        {R"({"key": "1d"})", R"({"key": "DTMinIA;MinIA"})",
-         "14 /objects/2/key: the object \"ElectricalMeasurement.RmsMinCurrentPhsA\" stands in the profile already", ""},
-        {R"("alias": "west", "unit": "kA")", R"("alias": "west", "unit": "mA")",
-         "warning 17 /objects/5/unit: the model keeps one unit for all objects of a key", "\"kA\", not \"mA\""},
-    };
-    ExpectOneProblemEach(PROFILE, faults);
+    ExpectOneProblemEach(PROFILE, R"(
+"key": "1d" => "key": "MinIA" => 14 /objects/2/key: the dictionary has no key "MinIA" => nearest: DTMinIA;MinIA,
+"key": "394" => "key": "7b8" => 18 /objects/6/key: a custom key is "7b8" and an encoded alias
+"key": "394" => "key": "7b8_zz" => 18 /objects/6/key: "7b8_zz" holds no encoded alias
+"key": "394" => "key": "86bA" => 18 /objects/6/key: custom alarms stand under "alarms"
+{"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}} => {"key": "VAB"} => 18 /objects/6: nothing gives the value; needed: a "value" here, or the element "VAB" under "elements"
+"snapshot_rms_current_phs_a": {"value": {"constant": 7}} => "snapshot_rms_current_phs_c": {"quality": {"constant": "Good"}} => 15 /objects/3/elements/snapshot_rms_current_phs_c: nothing gives the value of the element path => the element "IC _VLoss"
+"G_PTOC1_Op_Qual": {"address": 4, "type": "enum16", "mask": "0x0002", "enumeration": "validity"} => "G_PTOC1_Op_Qual": {"address": 4, "type": "int16"} => 13 /objects/1: the element "G_PTOC1_Op_Qual" does not suit the role "quality" => needed: a text
+{"key": "1d"} => {"key": "DTMinIA;MinIA"} => 14 /objects/2/key: the object "ElectricalMeasurement.RmsMinCurrentPhsA" stands in the profile already
+"alias": "west", "unit": "kA" => "alias": "west", "unit": "mA" => warning 17 /objects/5/unit: the model keeps one unit for all objects of a key => "kA", not "mA")");
 }
 
 }  // namespace

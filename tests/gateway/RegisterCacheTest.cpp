@@ -4,9 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <stdexcept>
-#include <thread>
 
 namespace kzm::ModbusGateway {
 namespace {
@@ -94,32 +92,6 @@ TEST(RegisterCache, KeepsWhatAFrameHeldWhenItIsMarkedOrRefused) {
     EXPECT_EQ(cache.GetFrameTimestamp(0), 1000U);
     EXPECT_EQ(cache.GetFrameTimestamp(5), 0U);
     EXPECT_EQ(cache.GetFrameTimestamp(6), 0U);
-}
-
-TEST(ThreadsOnRegisterCache, AReaderNeverSeesHalfOfTwoFrames) {
-    RegisterCache cache({FrameData(HOLDING, false, 0, 100, std::uint16_t{0})});
-    std::atomic<bool> stop = false;
-    std::atomic<std::size_t> reads = 0;
-    std::atomic<std::size_t> torn = 0;
-    const auto read = [&] {
-        std::array<std::uint8_t, 200> bytes{};
-        RegisterCache::Quality quality{};
-        while (!stop) {
-            const std::uint32_t size = cache.ReadFrame(0, 0, 100, bytes.data(), bytes.size(), quality);
-            const bool whole = std::ranges::all_of(bytes, [&](std::uint8_t byte) { return byte == bytes[0]; });
-            torn += size != 0 && (!whole || quality != QUALITY_GOOD) ? 1 : 0;
-            reads += size != 0 ? 1 : 0;
-        }
-    };
-    std::thread readers[] = {std::thread(read), std::thread(read)};
-    for (std::uint16_t i = 0; i < 2000 || reads < 2000; ++i) {
-        cache.Update(0, Registers(100, static_cast<std::uint16_t>(i % 256 * 0x0101)), 1);
-    }
-    stop = true;
-    for (std::thread& reader : readers) {
-        reader.join();
-    }
-    EXPECT_EQ(torn, 0U);
 }
 
 }  // namespace

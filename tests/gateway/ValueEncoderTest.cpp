@@ -47,87 +47,69 @@ struct Row {
     const char* result;
 };
 
-class ValueEncoderTest : public testing::TestWithParam<Row> {};
+// clang-format off
+const Row ROWS[] = {
+    {{.code = 2}, "65535", "FFFF"}, {{.code = 2}, "65536", "65536 is out of range"},
+    {{.code = 2}, "-1", "-1 is out of range"}, {{.code = 2}, "1.5", "1.5 would be read back as 2"},
+    {{.code = 2}, "ten", "\"ten\" is no number"}, {{.code = 2}, "1e999", "\"1e999\" is no number"},
+    {{.code = 2, .pattern = "0xFFFF"}, "65535", "65535 would be read back as not available"},
+    {{.code = 2, .mask = "00FF"}, "255", "00FF"}, {{.code = 2, .mask = "00FF"}, "256", "256 does not fit the mask"},
+    {{.code = 25}, "-32768", "8000"}, {{.code = 25}, "32768", "32768 is out of range"},
+    {{.code = 22, .mask = "00FF"}, "-5", "00FB"}, {{.code = 22}, "-129", "-129 is out of range"},
+    {{.code = 13, .registers = 2}, "-2", "FFFF FFFE"},
+    {{.code = 14, .order = LITTLE, .registers = 2}, "74565", "2345 0001"},
+    {{.code = 14}, "65536", "65536 is out of range"},
+    {{.code = 24, .registers = 4}, "-9223372036854775808", "8000 0000 0000 0000"},
+    {{.code = 24, .registers = 4}, "9007199254740993", "9007199254740993 would be read back as 9007199254740992"},
+    {{.code = 26, .registers = 3}, "-1", "-1 is out of range"},
+    {{.code = 27, .order = LITTLE, .registers = 4}, "1", "0001 0000 0000 0000"},
+    {{.code = 28, .registers = 4}, "-1", "-1 would be read back as not available"},
+    {{.code = 19, .registers = 3}, "123456789", "1A85 0929 0001"},
+    {{.code = 20, .registers = 3}, "-20003", "FFFD FFFE 0000"},
+    {{.code = 51, .registers = 2}, "100000000", "100000000 is out of range"},
+    {{.code = 52, .registers = 4}, "-1", "-1 is out of range"},
+    {{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.5", "0267"},
+    {{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.55", "21.55 would be read back as 21.5"},
+    {{.code = 2, .scale = 10}, "40", "0004"}, {{.code = 2, .scale = 10}, "45", "45 would be read back as 50"},
+    {{.code = 2, .scale = 0}, "1", "1 is out of range"}, {{.code = 31, .registers = 2}, "0.1", "3DCC CCCD"},
+    {{.code = 31, .order = LITTLE, .registers = 2}, "49.984375", "F000 4247"},
+    {{.code = 31, .registers = 2}, "1e39", "1e39 is out of range"},
+    {{.code = 31, .registers = 2}, "16777217", "16777217 would be read back as 16777216"},
+    {{.code = 31, .scale = 0.001, .registers = 2}, "7", "45DA C000"},
+    {{.code = 60, .registers = 2}, "1", "0000 3F80"}, {{.code = 33, .registers = 2}, "255", "437F 0000"},
+    {{.code = 32, .registers = 4}, "-2.5", "C004 0000 0000 0000"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Slow", "0020"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "3", "0030"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Turbo", "Turbo does not fit the mask"},
+    {{.code = 0, .pairs = SPEEDS}, "Slaw", "\"Slaw\" is no label; did you mean \"Slow\"? Allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
+    {{.code = 0, .pairs = SPEEDS}, "1", "\"1\" is no label; allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
+    {{.code = 11, .mask = "00000F00", .registers = 2}, "11", "0000 0B00"},
+    {{.code = 23, .mask = "00FF", .pairs = SPEEDS}, "Turbo", "0009"}, {{.code = 23}, "256", "256 is out of range"},
+    {{.code = 30, .pairs = FLOATS, .registers = 2}, "Half", "3F00 0000"},
+    {{.code = 30, .pairs = FLOATS, .registers = 2}, "1", "3F80 0000"},
+    {{.code = 10, .mask = "0100"}, "true", "0100"}, {{.code = 10}, "0", "0000"},
+    {{.code = 10, .offset = 1.0F}, "false", "false would be read back as true"},
+    {{.code = 10, .registers = 0}, "false", "the type boolean does not stand in 0 registers"},
+    {{.code = 10, .mask = "0100000000000000000000", .registers = 5}, "true", "the type boolean does not stand in 5 registers"},
+    {{.code = 10}, "yes", "\"yes\" is neither true nor false"},
+    {{.code = 10, .mask = "0000"}, "true", "no bit of the registers belongs to the element"},
+    {{.code = 62, .registers = 2}, "abc", "6162 6300"},
+    {{.code = 62, .registers = 1}, "abc", "\"abc\" has more than 2 bytes"},
+    {{.code = 43, .registers = 2}, "abc", "6261 0063"},
+    {{.code = 41, .mask = "00FF00FF", .registers = 2}, "ab", "0061 0062"},
+    {{.code = 62, .order = LITTLE, .registers = 2}, "abcd", "6364 6162"},
+    {{.code = 61, .pairs = TEXTS, .registers = 1}, "Second", "6300"},
+    {{.code = 61, .pairs = TEXTS, .registers = 1}, "ab", "6162"},
+    {{.code = 57, .registers = 2}, "70000", "0001 1170"},
+    {{.code = 44, .registers = 4}, "2026", "the type datetime-iec870 cannot be written"},
+};
+// clang-format on
 
-TEST_P(ValueEncoderTest, GivesRegistersThatReadBackAsTheValueOrTheReason) {
-    const auto& [traits, text, result] = GetParam();
-    EXPECT_EQ(Write(traits, text, /*deviceBigEndian=*/true), result) << "code " << traits.code << ", value " << text;
+TEST(ValueEncoder, GivesRegistersThatReadBackAsTheValueOrTheReason) {
+    for (const auto& [traits, text, result] : ROWS) {
+        EXPECT_EQ(Write(traits, text, /*deviceBigEndian=*/true), result) << "code " << traits.code << " " << text;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Whole, ValueEncoderTest,
-    testing::Values(
-        Row{{.code = 2}, "65535", "FFFF"}, Row{{.code = 2}, "65536", "65536 is out of range"},
-        Row{{.code = 2}, "-1", "-1 is out of range"}, Row{{.code = 2}, "1.5", "1.5 would be read back as 2"},
-        Row{{.code = 2}, "ten", "\"ten\" is no number"}, Row{{.code = 2}, "1e999", "\"1e999\" is no number"},
-        Row{{.code = 2, .pattern = "0xFFFF"}, "65535", "65535 would be read back as not available"},
-        Row{{.code = 2, .mask = "00FF"}, "255", "00FF"},
-        Row{{.code = 2, .mask = "00FF"}, "256", "256 does not fit the mask"}, Row{{.code = 25}, "-32768", "8000"},
-        Row{{.code = 25}, "32768", "32768 is out of range"}, Row{{.code = 22, .mask = "00FF"}, "-5", "00FB"},
-        Row{{.code = 22}, "-129", "-129 is out of range"}, Row{{.code = 13, .registers = 2}, "-2", "FFFF FFFE"},
-        Row{{.code = 14, .order = LITTLE, .registers = 2}, "74565", "2345 0001"},
-        Row{{.code = 14}, "65536", "65536 is out of range"},
-        Row{{.code = 24, .registers = 4}, "-9223372036854775808", "8000 0000 0000 0000"},
-        Row{{.code = 24, .registers = 4},
-            "9007199254740993",
-            "9007199254740993 would be read back as 9007199254740992"},
-        Row{{.code = 26, .registers = 3}, "-1", "-1 is out of range"},
-        Row{{.code = 27, .order = LITTLE, .registers = 4}, "1", "0001 0000 0000 0000"},
-        Row{{.code = 28, .registers = 4}, "-1", "-1 would be read back as not available"},
-        Row{{.code = 19, .registers = 3}, "123456789", "1A85 0929 0001"},
-        Row{{.code = 20, .registers = 3}, "-20003", "FFFD FFFE 0000"},
-        Row{{.code = 51, .registers = 2}, "100000000", "100000000 is out of range"},
-        Row{{.code = 52, .registers = 4}, "-1", "-1 is out of range"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Scaled, ValueEncoderTest,
-    testing::Values(
-        Row{{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.5", "0267"},
-        Row{{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.55", "21.55 would be read back as 21.5"},
-        Row{{.code = 2, .scale = 10}, "40", "0004"}, Row{{.code = 2, .scale = 10}, "45", "45 would be read back as 50"},
-        Row{{.code = 2, .scale = 0}, "1", "1 is out of range"}, Row{{.code = 31, .registers = 2}, "0.1", "3DCC CCCD"},
-        Row{{.code = 31, .order = LITTLE, .registers = 2}, "49.984375", "F000 4247"},
-        Row{{.code = 31, .registers = 2}, "1e39", "1e39 is out of range"},
-        Row{{.code = 31, .registers = 2}, "16777217", "16777217 would be read back as 16777216"},
-        Row{{.code = 31, .scale = 0.001, .registers = 2}, "7", "45DA C000"},
-        Row{{.code = 60, .registers = 2}, "1", "0000 3F80"}, Row{{.code = 33, .registers = 2}, "255", "437F 0000"},
-        Row{{.code = 32, .registers = 4}, "-2.5", "C004 0000 0000 0000"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Labels, ValueEncoderTest,
-    testing::Values(
-        Row{{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Slow", "0020"},
-        Row{{.code = 0, .mask = "0030", .pairs = SPEEDS}, "3", "0030"},
-        Row{{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Turbo", "Turbo does not fit the mask"},
-        Row{{.code = 0, .pairs = SPEEDS},
-            "Slaw",
-            "\"Slaw\" is no label; did you mean \"Slow\"? Allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
-        Row{{.code = 0, .pairs = SPEEDS}, "1", "\"1\" is no label; allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
-        Row{{.code = 11, .mask = "00000F00", .registers = 2}, "11", "0000 0B00"},
-        Row{{.code = 23, .mask = "00FF", .pairs = SPEEDS}, "Turbo", "0009"},
-        Row{{.code = 23}, "256", "256 is out of range"},
-        Row{{.code = 30, .pairs = FLOATS, .registers = 2}, "Half", "3F00 0000"},
-        Row{{.code = 30, .pairs = FLOATS, .registers = 2}, "1", "3F80 0000"},
-        Row{{.code = 10, .mask = "0100"}, "true", "0100"}, Row{{.code = 10}, "0", "0000"},
-        Row{{.code = 10, .offset = 1.0F}, "false", "false would be read back as true"},
-        Row{{.code = 10, .registers = 0}, "false", "the type boolean does not stand in 0 registers"},
-        Row{{.code = 10, .mask = "0100000000000000000000", .registers = 5},
-            "true",
-            "the type boolean does not stand in 5 registers"},
-        Row{{.code = 10}, "yes", "\"yes\" is neither true nor false"},
-        Row{{.code = 10, .mask = "0000"}, "true", "no bit of the registers belongs to the element"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, ValueEncoderTest,
-    testing::Values(Row{{.code = 62, .registers = 2}, "abc", "6162 6300"},
-                    Row{{.code = 62, .registers = 1}, "abc", "\"abc\" has more than 2 bytes"},
-                    Row{{.code = 43, .registers = 2}, "abc", "6261 0063"},
-                    Row{{.code = 41, .mask = "00FF00FF", .registers = 2}, "ab", "0061 0062"},
-                    Row{{.code = 62, .order = LITTLE, .registers = 2}, "abcd", "6364 6162"},
-                    Row{{.code = 61, .pairs = TEXTS, .registers = 1}, "Second", "6300"},
-                    Row{{.code = 61, .pairs = TEXTS, .registers = 1}, "ab", "6162"},
-                    Row{{.code = 57, .registers = 2}, "70000", "0001 1170"},
-                    Row{{.code = 44, .registers = 4}, "2026", "the type datetime-iec870 cannot be written"}));
 
 TEST(ValueEncoder, FollowsTheWordOrderOfTheDeviceWhereTheElementHasNone) {
     EXPECT_EQ(Write({.code = 13, .registers = 2}, "-2", /*deviceBigEndian=*/false), "FFFE FFFF");

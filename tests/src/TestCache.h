@@ -5,6 +5,8 @@
 #include <stdexcept>
 
 #include "DeviceCache/CacheReadAccessInterface.h"
+#include "DeviceProfile/FrameData.h"
+#include "kz/orba/VortaORBAObject.h"
 #include "kzm/StandIn/Clock.h"
 #include "src/TestElement.h"
 
@@ -16,18 +18,20 @@ using DeviceCache::QUALITY_BAD;
 using DeviceCache::QUALITY_GOOD;
 using DeviceCache::QUALITY_QUESTIONABLE;
 using DeviceCache::QUALITY_UNINITIALISED;
+using DeviceProfile::FrameData;
 using kz::orba::StatusCode;
+using kz::orba::VortaORBAObject;
+using StandIn::StoppedClock;
 
 inline constexpr std::uint64_t NOW = 1'700'000'000'000;
 inline constexpr const char* NOW_TEXT = "2023-11-14T22:13:20.000Z";
 
-// Hands out the same bytes whatever is asked for, frame by frame. Can lie and throw.
+// Hands out the same bytes whatever is asked for, frame by frame. Throws for a frame that it does not have.
 struct TestCache : CacheReadAccessInterface {
     struct Frame {
         Bytes bytes;
         std::uint64_t timestamp = NOW;
         _Quality_t quality = QUALITY_GOOD;
-        std::uint32_t claimedLength = 0;  // instead of the true one
     };
 
     std::uint32_t ReadFrame(const std::uint8_t& frameIndex, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
@@ -35,7 +39,7 @@ struct TestCache : CacheReadAccessInterface {
         const Frame& frame = frames.at(frameIndex);
         quality = frame.quality;
         std::copy_n(frame.bytes.begin(), std::min<std::size_t>(frame.bytes.size(), capacity), buffer);
-        return frame.claimedLength ? frame.claimedLength : static_cast<std::uint32_t>(frame.bytes.size());
+        return static_cast<std::uint32_t>(frame.bytes.size());
     }
     std::uint64_t GetFrameTimestamp(std::uint8_t frameIndex) const override {
         return frames.count(frameIndex) ? frames.at(frameIndex).timestamp : NOW;

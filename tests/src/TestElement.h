@@ -1,18 +1,22 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "DataModel/AttributeConverter.h"
 #include "DataModel/ElementData.h"
+#include "kzm/StandIn/CapturedLog.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using DataModel::AttributeConverter;
-using DataModel::ElementData;
+using namespace DataModel;
 using DeviceProfile::EnumerationPairData;
+using Log::OrbaLogLevel;
 using nlohmann::json;
+using StandIn::CapturedLog;
 using Bytes = std::vector<std::uint8_t>;
 using Pairs = std::vector<EnumerationPairData>;
 

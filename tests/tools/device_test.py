@@ -1,72 +1,47 @@
-"""poll, capture and simulate against each other, software from elsewhere, and devices that misbehave."""
+"""poll, capture and simulate against each other, against software from elsewhere, and without a device."""
 
+import contextlib
 import json
 import os
 import queue
 import re
 import socket
-import struct
 import subprocess
 import sys
 import threading
-import time
 import unittest
 
-from program import MAIN, PUMP, capture_of, end, file, run, simulator, start
+from program import MAIN, PUMP, capture_of, end, file, pymodbus, run, simulator, start
 
 PROFILE = file("pump.jsonc", PUMP)
 CAPTURE = file("pump.capture.json", capture_of((33, [("main", MAIN, 0, {}), ("slow", "0007", 0, {})])))
-COUNTER = file("counter.jsonc", """{
-    "device": {"model": "Counter"},
-    "frames": [{"name": "f", "function": "holding", "address": 0, "count": 2}],
-    "objects": [{"name": "Count", "value": {"address": 0, "type": "uint32"}}]
+
+
+REGISTERS = file("registers.jsonc", """{
+    "frames": [
+        {"name": "two", "function": "holding", "address": 16, "count": 2},
+        {"name": "three", "function": "holding", "addresses": ["0x13", "0x11", "0x12"]},
+        {"name": "never", "function": "holding", "address": 20, "count": 1},
+        {"name": "coils", "function": "coils", "address": 0, "count": 10}
+    ],
+    "objects": [{"name": "A", "value": {"address": 16, "type": "int16"}}]
 }""")
 
-
-class Device:
-    """A Modbus TCP device that counts the requests it answers, and answers them as it is told to."""
-
-    def __init__(self):
-        self.behaviour = "answer"
-        self.count = 0
-        self.port = 0
-        self.listen()
-
-    def listen(self):
-        self.listener = socket.create_server(("127.0.0.1", self.port))
-        self.port = self.listener.getsockname()[1]
-        threading.Thread(target=self.accept, args=(self.listener,), daemon=True).start()
-
-    def accept(self, listener):
-        while True:
-            try:
-                client = listener.accept()[0]
-            except OSError:
-                return
-            threading.Thread(target=self.serve, args=(client,), daemon=True).start()
-
-    def serve(self, client):
-        with client:
-            while request := client.recv(12):
-                if self.behaviour in ("close", "gone"):
-                    return
-                if self.behaviour == "delay":
-                    time.sleep(0.5)
-                self.count += 1
-                answer = {"exception": b"\x83\x02", "short": b"\x03\x02\x00\x01"}.get(
-                    self.behaviour, b"\x03\x04" + struct.pack(">I", self.count))
-                try:
-                    client.sendall(request[:4] + struct.pack(">HB", len(answer) + 1, request[6]) + answer)
-                except OSError:
-                    return
-
-    def behave(self, behaviour):
-        self.behaviour = behaviour
-        if behaviour == "gone":
-            self.listener.shutdown(socket.SHUT_RDWR)
-            self.listener.close()
-        elif self.listener.fileno() < 0:
-            self.listen()
+# Requests as they come and the answers to them.
+REQUESTS = """\
+aabb 0000 0006 01 03 0010 0002 -> aabb 0000 0007 01 03 04 0a0b 0c0d
+0001 0000 0006 ff 03 0011 0003 -> 0001 0000 0009 ff 03 06 1111 1212 1313
+0001 0000 0006 00 03 0010 0004 -> 0001 0000 000b 00 03 08 0a0b 0c0d 1212 1313
+0001 0000 0006 01 01 0000 000a -> 0001 0000 0005 01 01 02 0d02
+0001 0000 0006 01 03 0010 0005 -> 0001 0000 0003 01 83 02
+0001 0000 0006 01 04 0010 0002 -> 0001 0000 0003 01 84 02
+0001 0000 0006 01 03 ffff 0002 -> 0001 0000 0003 01 83 02
+0001 0000 0006 01 03 0010 0000 -> 0001 0000 0003 01 83 03
+0001 0000 0006 01 03 0010 007e -> 0001 0000 0003 01 83 03
+0001 0000 0004 01 03 0010 -> 0001 0000 0003 01 83 03
+0001 0000 0006 01 06 0010 0001 -> 0001 0000 0003 01 86 01
+0001 0000 0005 01 2b 0e01 00 -> 0001 0000 0003 01 ab 01
+"""
 
 
 def lines_of(stream):
@@ -111,6 +86,28 @@ class DeviceTest(unittest.TestCase):
                                       capture_output=True, text=True, timeout=10, check=True)
                 self.assertEqual(re.findall(r"0x(\w{4})", done.stdout), expected, done.stdout)
 
+    def test_requests_are_answered_one_by_one_or_all_at_once_and_what_is_no_modbus_ends_its_connection(self):
+        capture = file("registers.json", capture_of((1, [
+            ("two", "0A0B 0C0D", 0, {}), ("three", "1313 1111 1212", 0, {}),
+            ("coils", "0001 0000 0001 0001 0000 0000 0000 0000 0000 0001", 0, {})])))
+        rows = [[bytes.fromhex(side) for side in line.split("->")] for line in REQUESTS.splitlines()]
+        with simulator(REGISTERS, capture) as served:
+            address = served.split(":")
+
+            def connect():
+                return socket.create_connection(address, timeout=5)
+            with connect() as waiting, connect() as client, client.makefile("rb") as answers:
+                waiting.sendall(bytes.fromhex("0001 0000 00"))
+                for request, answer in [*rows, [b"".join(side) for side in zip(*rows)]]:
+                    client.sendall(request)
+                    self.assertEqual(answers.read(len(answer)), answer, request.hex())
+                for garbage in ("474554202f20", "000100000001ff03", "0001000000ff0103", "000100010006010300100001"):
+                    with connect() as other, contextlib.suppress(ConnectionResetError):
+                        other.sendall(bytes.fromhex(garbage))
+                        self.assertEqual(other.recv(1), b"", garbage)
+                waiting.sendall(bytes.fromhex("06 01 03 0010 0001"))
+                self.assertEqual(waiting.makefile("rb").read(11), bytes.fromhex("0001 0000 0005 01 03 02 0a0b"))
+
     def test_a_served_series_is_played_and_its_last_snapshot_stays(self):
         series = file("series.json", capture_of((1, [("slow", "0001", 0, {})]), (2, [("slow", "0002", 0, {})])))
         with simulator(PROFILE, series) as address:
@@ -122,45 +119,41 @@ class DeviceTest(unittest.TestCase):
             self.assertEqual(end(poll), 0)
         self.assertEqual(sorted(set(values)), [0, 1, 2])
 
-    def test_poll_goes_on_and_recovers_from_a_device_that_misbehaves(self):
-        device = Device()
-        poll = start("poll", COUNTER, "--tcp", "127.0.0.1:%d" % device.port, "--timeout", 0.25, "--interval", 0.02)
-        objects, errors = lines_of(poll.stdout), lines_of(poll.stderr)
+    def test_the_server_of_pymodbus_is_captured_as_it_is(self):
+        profile = file("pymodbus.jsonc", json.dumps({"frames": [
+            {"name": "coils", "function": "coils", "address": 2, "count": 11},
+            {"name": "inputs", "function": "discrete inputs", "address": 1, "count": 1900},
+            {"name": "holding", "function": "holding", "addresses": [7, 300, 6, 8, 5]},
+            {"name": "input", "function": "input", "address": 1000, "count": 125},
+            {"name": "nowhere", "function": "input", "address": 3000, "count": 2}],
+            "objects": [{"name": "A", "value": {"frame": "holding", "address": 300, "type": "int16"}}]}))
+        with pymodbus() as address:
+            done = run("capture", profile, "--tcp", address, "-o", "/proc/self/fd/1")
+        self.assertRegex(done.stderr, r"^kzm-modbus: frame nowhere: Illegal data address\n")
+        frames = json.loads(done.stdout[:done.stdout.rindex("}") + 1])["snapshots"][0]["frames"]
+        self.assertEqual([[int(register, 16) for line in frame["registers"] for register in line.split()]
+                          for frame in frames],
+                         [[n % 3 == 0 for n in range(2, 13)], [n % 5 == 0 for n in range(1, 1901)],
+                          [n * 31 + 1 for n in (7, 300, 6, 8, 5)], [65535 - n for n in range(1000, 1125)]])
 
-        def next_object():
-            return json.loads(objects.get(timeout=5))["value"]
-
-        for behaviour, reason, quality in [
-                ("close", r"frame f: .*(closed|reset)", "Good"), ("delay", r"frame f: .*timed out", "Good"),
-                ("exception", r"frame f: Illegal data address", "Bad"), ("short", r"frame f: .+", "Good"),
-                ("gone", r"no connection: Connection refused", "Good")]:
-            with self.subTest(behaviour=behaviour):
-                while not objects.empty():
-                    last = next_object()
-                last = next_object()
-                device.behave(behaviour)
-                while not re.search(reason, errors.get(timeout=5)):
-                    pass
-                while not objects.empty():
-                    next_object()
-                kept = [next_object(), next_object()][1]
-                self.assertEqual(kept["quality"], quality)
-                self.assertGreaterEqual(kept["value"], last["value"])
-                device.behave("answer")
-                while errors.get(timeout=5) != "kzm-modbus: all frames are read again":
-                    pass
-                while next_object()["value"] <= kept["value"]:
-                    pass
-                self.assertEqual(next_object()["quality"], "Good")
-        self.assertEqual(end(poll), 0)
+    def test_poll_goes_on_and_recovers_when_the_device_was_away(self):
+        with simulator(PROFILE, CAPTURE) as address:
+            poll = start("poll", PROFILE, "--tcp", address, "--interval", 0.02, "--object", "Note")
+            objects, errors = lines_of(poll.stdout), lines_of(poll.stderr)
+            self.assertEqual(errors.get(timeout=5), "kzm-modbus: frame never: Illegal data address")
+        self.assertIn("Connection refused", errors.get(timeout=5))
+        with simulator(PROFILE, file("more.json", capture_of((33, [(name, registers, 0, {}) for name, registers in [
+                ("main", MAIN.replace("611B", "621B")), ("slow", "0000"), ("never", "0000")]]))), address):
+            self.assertEqual(errors.get(timeout=5), "kzm-modbus: all frames are read again")
+            values = [json.loads(objects.get(timeout=5))["value"]["value"][0]]
+            while values[-1] != "b":
+                values.append(json.loads(objects.get(timeout=5))["value"]["value"][0])
+            self.assertEqual(end(poll), 0)
 
     def test_a_device_that_cannot_be_reached_has_a_status_and_leaves_files_alone(self):
-        device = Device()
-        device.behave("gone")
-        address = "127.0.0.1:%d" % device.port
         kept = file("kept.json", "kept")
         for arguments in (["poll"], ["capture", "-o", kept]):
-            done = run(arguments[0], COUNTER, "--tcp", address, "--count", 2, "--interval", 0.01, *arguments[1:])
+            done = run(arguments[0], PROFILE, "--tcp", "127.0.0.1:1", "--count", 2, "--interval", 0.01, *arguments[1:])
             self.assertEqual(done.returncode, 4)
             self.assertEqual(done.stderr.count("no connection: Connection refused"), 1)
         with open(kept, encoding="utf-8") as stream:

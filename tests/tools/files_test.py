@@ -107,11 +107,17 @@ class FilesTest(unittest.TestCase):
         self.assertRegex(run(*SHOW, series).stdout,
                          r"(?s)^2026-03-14T09:26:00.000Z\nNAME.*\n\n2026-03-14T09:26:12.000Z\nNAME")
 
-    def test_the_example_becomes_the_expected_objects(self):
-        done = run("show", PROFILES / "energy-meter.jsonc", "--json",
-                   "--capture", PROFILES / "energy-meter.capture.json")
-        expected = json.loads((PROFILES / "energy-meter.expected.json").read_text(encoding="utf-8"))
-        self.assertEqual([json.loads(line) for line in done.stdout.splitlines()], expected)
+    def test_the_examples_become_the_expected_objects_and_alarms(self):
+        for command, profile, capture, expected in [
+                (["show"], "energy-meter", "energy-meter", "energy-meter"),
+                (["show"], "sunspec-inverter", "sunspec-inverter", "sunspec-inverter"),
+                (["show"], "circuit-breaker", "circuit-breaker", "circuit-breaker"),
+                (["alarms", "--all"], "energy-meter", "energy-meter.series", "energy-meter.alarms"),
+                (["alarms", "--all"], "circuit-breaker", "circuit-breaker", "circuit-breaker.alarms")]:
+            done = run(*command, PROFILES / (profile + ".jsonc"), "--json", "--capture",
+                       PROFILES / (capture + ".capture.json"))
+            objects = json.loads((PROFILES / (expected + ".expected.json")).read_text(encoding="utf-8"))
+            self.assertEqual([json.loads(line) for line in done.stdout.splitlines()], objects)
 
     def test_a_custom_key_finds_its_object_and_comes_back_whole(self):
         for alias, shown in [(bytes(range(256)), None), ("盤内".encode(), "盤内"), (b"\xff(", "\ufffd(")]:

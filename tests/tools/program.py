@@ -10,6 +10,7 @@ import tempfile
 
 COMMAND = sys.argv[1:]
 PROFILES = pathlib.Path(__file__).resolve().parents[2] / "profiles"
+SERVER = pathlib.Path(__file__).resolve().parent / "pymodbus_server.py"
 FOLDER = tempfile.TemporaryDirectory()
 
 PUMP = """{
@@ -80,11 +81,22 @@ def end(process):
 
 
 @contextlib.contextmanager
-def simulator(profile, capture):
+def simulator(profile, capture, address="127.0.0.1:0"):
     """Serves a capture, and gives the address."""
-    process = start("simulate", profile, "--capture", capture, "--listen", "127.0.0.1:0", stderr=None)
+    process = start("simulate", profile, "--capture", capture, "--listen", address, stderr=None)
     try:
         yield process.stdout.readline().removeprefix("listening on ").strip()
     finally:
         status = end(process)
     assert status == 0, status
+
+
+@contextlib.contextmanager
+def pymodbus():
+    """A server whose holding register n holds n * 31 + 1; gives its address."""
+    with subprocess.Popen(["/usr/bin/python3", "-B", SERVER], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                          text=True) as server:
+        try:
+            yield "127.0.0.1:" + server.stdout.readline().strip()
+        finally:
+            server.stdin.close()

@@ -1,7 +1,5 @@
 """write against a Modbus server from elsewhere, and against devices that do not do what they are told."""
 
-import contextlib
-import pathlib
 import re
 import socket
 import struct
@@ -10,9 +8,8 @@ import sys
 import threading
 import unittest
 
-from program import PUMP, capture_of, file, run, simulator
+from program import PUMP, capture_of, file, pymodbus, run, simulator
 
-SERVER = pathlib.Path(__file__).resolve().parents[1] / "gateway" / "pymodbus_server.py"
 PROFILE = file("breaker.jsonc", """{
     "frames": [
         {"name": "settings", "function": "holding", "address": 100, "count": 10},
@@ -41,17 +38,6 @@ mode     Test        On
 trip     true        true
 
 """
-
-
-@contextlib.contextmanager
-def pymodbus():
-    """A server whose register n holds n * 31 + 1; gives its address."""
-    with subprocess.Popen(["/usr/bin/python3", "-B", SERVER], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                          text=True) as server:
-        try:
-            yield "127.0.0.1:" + server.stdout.readline().strip()
-        finally:
-            server.stdin.close()
 
 
 def registers_at(address):

@@ -1,25 +1,15 @@
-#include <gtest/gtest.h>
-
 #include "DataModel/AttributeConstant.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 #include "src/TestCache.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using DataModel::AttributeConstant;
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
-using StandIn::StoppedClock;
-
 namespace {
 
-const std::string MODULE = "[DataModel::AttributeConverter]";
-
 // Asks for the value as the caller's outputs come out: "status quality value".
-std::string Ask(AttributeConverter& converter, const std::shared_ptr<TestCache>& cache, bool ignoreCacheAge = false,
-                bool edm = false) {
+std::string Ask(AttributeConverter& converter, const std::shared_ptr<CacheReadAccessInterface>& cache,
+                bool ignoreCacheAge = false, bool edm = false) {
     auto quality = QUALITY_QUESTIONABLE;
     json value = "before";
     const auto status = edm ? converter.GetEdmValue(cache, true, ignoreCacheAge, quality, value)
@@ -37,6 +27,9 @@ TEST(AttributeConverter, OnlyAFrameUpdatedWithinTheLastTwelveSecondsIsFresh) {
         bool ignoreCacheAge;
         const char* expected;
     } ROWS[] = {{NOW, NOW, false, "0 Good 7"},
+                {NOW + (1ULL << 42), NOW + (1ULL << 42) - 12000, false, "0 Good 7"},  // past 2038 and 2106
+                {0, 1, false, "42 Questionable \"before\""},
+                {NOW, ~0ULL, false, "42 Questionable \"before\""},
                 {NOW, NOW - 12000, false, "0 Good 7"},
                 {NOW, NOW - 12001, false, "42 Questionable \"before\""},
                 {NOW, NOW + 1, false, "42 Questionable \"before\""},
@@ -70,17 +63,42 @@ TEST(AttributeConverter, WhatCannotBeReadOrDecodedIsNoValue) {
     EXPECT_EQ(Ask(*MakeConverter({.code = 37}), cache), "42 Good \"before\"");
     EXPECT_EQ(Ask(*MakeConverter({.scale = 2}), cache), "42 Good null");
     EXPECT_TRUE(log.Lines().empty());
-    // An exception of the decoding or of the cache, and a cache that claims more than the buffer holds.
     EXPECT_EQ(Ask(*MakeConverter({.pattern = "0xZZZZ"}), cache), "42 Good \"before\"");
     EXPECT_EQ(Ask(*MakeConverter({.frame = 9}), cache), "42 Questionable \"before\"");
-    EXPECT_EQ(
-        log.Texts(OrbaLogLevel::ERROR),
-        (std::vector<std::string>{MODULE + " [GetValueFromElementData] Failed to read frame with index=0: stoi",
-                                  MODULE + " [GetValueFromElementData] Failed to read frame with index=9: map::at"}));
-    cache->frames[0].claimedLength = 257;
-    EXPECT_EQ(Ask(*MakeConverter({}), cache), "42 Good \"before\"");
-    cache->frames[0].claimedLength = 256;  // past what an element can hold
-    EXPECT_EQ(Ask(*MakeConverter({}), cache), "42 Good \"before\"");
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::AttributeConverter] [GetValueFromElementData] Failed to read frame with index=0: stoi
+[DataModel::AttributeConverter] [GetValueFromElementData] Failed to read frame with index=9: map::at)");
+}
+
+TEST(AttributeConverter, ACacheThatLiesIsNeverBelieved) {
+    const StoppedClock clock(NOW);
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    struct LyingCache : CacheReadAccessInterface {
+        std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
+                                std::uint32_t, _Quality_t& quality) const override {
+            buffer[0] = 1;
+            return read(quality);
+        }
+        std::uint64_t GetFrameTimestamp(std::uint8_t) const override { return NOW; }
+        std::function<std::uint32_t(_Quality_t&)> read;
+    };
+    const auto cache = std::make_shared<LyingCache>();
+    const auto expect = [&](const Traits& traits, const char* expected,
+                            std::function<std::uint32_t(_Quality_t&)> read) {
+        cache->read = std::move(read);
+        EXPECT_EQ(Ask(*MakeConverter(traits), cache), expected);
+    };
+    const auto sizes = [](std::uint32_t size) { return [=](auto&) { return size; }; };
+    expect({}, "42 Questionable \"before\"", sizes(257));
+    expect({}, "42 Questionable \"before\"", sizes(~0U));
+    expect({}, "42 Questionable \"before\"", sizes(256));  // past what an element can hold
+    expect({}, "0 Questionable 256", sizes(2));            // without a quality
+    expect({}, "0 Questionable 1", sizes(1));
+    expect({}, "42 Questionable \"before\"", sizes(0));
+    expect({.code = 14, .registers = 2}, "0 Questionable 65536", sizes(3));
+    expect({}, "42 Bad \"before\"",
+           [](auto& quality) -> std::uint32_t { throw quality = QUALITY_BAD, std::runtime_error("gone"); });
+    expect({}, "42 Questionable \"before\"", [](auto&) -> std::uint32_t { throw 7; });
 }
 
 TEST(AttributeConverter, ReadingIsLoggedStepByStep) {
@@ -89,27 +107,17 @@ TEST(AttributeConverter, ReadingIsLoggedStepByStep) {
     const auto cache = MakeCache("0007");
     const auto converter = MakeConverter({});
     Ask(*converter, nullptr);
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).at(0),
-              MODULE + " [GetValueFromElementData] ERROR CacheReadAccess=(nil) or frame index=0");
-    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
-              std::vector<std::string>{MODULE + "[trace] [GetIotValue] (urn=urn, address=100) value=\"before\", "
-                                                "quality=Questionable, status = invalid argument (1)"});
-    log.Clear();
     Ask(*converter, cache);
-    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
-              (std::vector<std::string>{MODULE + "[trace] [GetValueFromElementData] (frame=0, address=100, length=1) "
-                                                 "value=7, quality=Good, status = ok (0)",
-                                        MODULE + "[trace] [GetIotValue] (urn=urn, address=100) value=7, quality=Good, "
-                                                 "status = ok (0)"}));
-    log.Clear();
     cache->frames[0].timestamp = 0;
     Ask(*converter, cache, false, true);
-    ASSERT_EQ(log.Lines().size(), 3U);
-    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION).at(0),
-              MODULE + " [GetValueFromElementData] Cannot read frame with index=0, cache is out of date");
-    EXPECT_EQ(log.Lines()[2].text, MODULE +
-                                       "[trace] [GetEdmValue] (address=100) value=\"before\", "
-                                       "quality=Questionable, status = value not available (42)");
+    EXPECT_EQ(log.Joined(), R"(
+3[DataModel::AttributeConverter] [GetValueFromElementData] ERROR CacheReadAccess=(nil) or frame index=0
+7[DataModel::AttributeConverter][trace] [GetIotValue] (urn=urn, address=100) value="before", quality=Questionable, status = invalid argument (1)
+7[DataModel::AttributeConverter][trace] [GetValueFromElementData] (frame=0, address=100, length=1) value=7, quality=Good, status = ok (0)
+7[DataModel::AttributeConverter][trace] [GetIotValue] (urn=urn, address=100) value=7, quality=Good, status = ok (0)
+6[DataModel::AttributeConverter] [GetValueFromElementData] Cannot read frame with index=0, cache is out of date
+7[DataModel::AttributeConverter][trace] [GetValueFromElementData] (frame=0, address=100, length=1) value="before", quality=Questionable, status = value not available (42)
+7[DataModel::AttributeConverter][trace] [GetEdmValue] (address=100) value="before", quality=Questionable, status = value not available (42))");
 }
 
 TEST(AttributeConverter, AnElementInNoFrameIsAnInvalidArgument) {
@@ -139,46 +147,35 @@ TEST(AttributeConverter, AnEnumerationLabelIsTranslatedForTheUrn) {
     cache->frames[0].bytes = Hex("0002");
     EXPECT_EQ(Ask(*converter, cache), "44 Good \"A label that no dictionary knows\"");
     EXPECT_EQ(Ask(*converter, cache, false, true), "44 Good \"A label that no dictionary knows\"");
-    EXPECT_EQ(
-        log.Texts(OrbaLogLevel::ERROR),
-        (std::vector<std::string>{
-            MODULE + " [GetIotValue] (urn=urn, address=100) Expecting a string for 1",
-            MODULE + " [GetEdmValue] (address=100) Expecting a string as value, got:1",
-            MODULE + " [GetIotValue] (urn=urn, address=100) Failed to convert A label that no dictionary knows to "
-                     "iot value",
-            MODULE + " [GetEdmValue] (address=100) Failed to convert A label that no dictionary knows to edm "
-                     "value"}));
     cache->frames[0].bytes = Hex("0003");
-    log.Clear();
     EXPECT_EQ(Ask(*converter, cache), "42 Good null");
     EXPECT_EQ(Ask(*converter, nullptr, false, true), "1 Questionable \"before\"");
-    EXPECT_EQ(log.Lines()[0].level, OrbaLogLevel::INFORMATION);
-    EXPECT_EQ(log.Lines()[0].text, MODULE +
-                                       " [GetIotValue] (urn=urn, address=100) Failed to get value from element "
-                                       "data, status = value not available (42)");
-    EXPECT_EQ(log.Lines()[2].level, OrbaLogLevel::ERROR);
-    EXPECT_EQ(log.Lines()[2].text,
-              MODULE +
-                  " [GetEdmValue] (address=100) Failed to get value from element data, status = invalid argument "
-                  "(1)");
+    EXPECT_EQ(log.Joined(), R"(
+3[DataModel::AttributeConverter] [GetIotValue] (urn=urn, address=100) Expecting a string for 1
+3[DataModel::AttributeConverter] [GetEdmValue] (address=100) Expecting a string as value, got:1
+3[DataModel::AttributeConverter] [GetIotValue] (urn=urn, address=100) Failed to convert A label that no dictionary knows to iot value
+3[DataModel::AttributeConverter] [GetEdmValue] (address=100) Failed to convert A label that no dictionary knows to edm value
+6[DataModel::AttributeConverter] [GetIotValue] (urn=urn, address=100) Failed to get value from element data, status = value not available (42)
+3[DataModel::AttributeConverter] [GetValueFromElementData] ERROR CacheReadAccess=(nil) or frame index=0
+3[DataModel::AttributeConverter] [GetEdmValue] (address=100) Failed to get value from element data, status = invalid argument (1))");
 }
 
 TEST(AttributeConverter, DescribesItselfByItsElement) {
-    const auto pairs = std::make_shared<Pairs>();
-    const auto converter =
-        MakeConverter({.code = 44, .scale = 0.5, .offset = 1, .pairs = pairs, .registers = 4, .frame = 1});
+    const auto converter = MakeConverter({.code = 44,
+                                          .scale = 0.5,
+                                          .offset = 2,
+                                          .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS,
+                                          .pairs = std::make_shared<Pairs>(),
+                                          .registers = 4,
+                                          .frame = 7});
     const auto information = converter->GetModbusMeasurementInformation();
-    EXPECT_EQ(information.mRegisterAddress, 100);
-    EXPECT_EQ(information.mNumberOfRegisters, 4);
     EXPECT_EQ(information.mLogicCode, LogicCodeIdentifier{44});
-    EXPECT_EQ(information.mScaleFactor, 0.5);
-    EXPECT_EQ(information.mOffset, 1.0F);
-    EXPECT_EQ(information.mEnumerationPairs, pairs);
+    EXPECT_EQ(information.mOffset, 2.0F);
+    EXPECT_TRUE(information.mEnumerationPairs);
     EXPECT_EQ(information.mBitmask->size(), 256U);
-    std::string className;
-    EXPECT_EQ(Number(converter->GetClassName(className)), 0);
-    EXPECT_EQ(className, "$iot.measurement.DiscreteMeasurementValue<DateTime>");
-    EXPECT_EQ(json::parse(converter->ToJson())["nbRegisters"], 4);
+    EXPECT_EQ(json::parse(converter->ToJson()),
+              json::parse(R"({"registerAddress": 100, "nbRegisters": 4, "scaleFactor": 0.5, "frameIndex": 7,
+                              "offset": 2.0, "byteOrdering": 3, "attributePath": "", "logicCode": 44})"));
 }
 
 TEST(AttributeConstant, GivesCopiesOfItsValueAndKnowsNothingElse) {
@@ -200,11 +197,10 @@ TEST(AttributeConstant, GivesCopiesOfItsValueAndKnowsNothingElse) {
     EXPECT_EQ(className, "before");
     EXPECT_EQ(constant.GetModbusMeasurementInformation().mScaleFactor, 1.0);
     EXPECT_FALSE(constant.HasEnumOutput());
-    ASSERT_EQ(log.Lines().size(), 3U);
-    EXPECT_EQ(log.Lines()[1].text, "[DataModel::AttributeConstant][trace] [GetEdmValue] value={\"a\":null}");
-    EXPECT_EQ(log.Lines()[2].text,
-              "[DataModel::AttributeConstant] [GetModbusMeasurementInformation] Should not be called, empty value "
-              "returned");
+    EXPECT_EQ(log.Joined(), R"(
+7[DataModel::AttributeConstant][trace] [GetIotValue] value={"a":null}
+7[DataModel::AttributeConstant][trace] [GetEdmValue] value={"a":null}
+3[DataModel::AttributeConstant] [GetModbusMeasurementInformation] Should not be called, empty value returned)");
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

@@ -1,14 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <random>
-
-#include "kzm/StandIn/CapturedLog.h"
 #include "src/TestElement.h"
 
 namespace kzm::ModbusDeviceModel::Test {
-
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
 
 namespace {
 
@@ -95,12 +87,6 @@ TEST(ElementData, TheNotAvailablePatternIsComparedAfterTheSwapAndBeforeTheMask) 
     EXPECT_THROW(Decode({.pattern = "0x01ZZ"}, "0102"), std::invalid_argument);
 }
 
-TEST(ElementData, TheMaskIsAppliedByteByByte) {
-    EXPECT_EQ(Decode({.mask = "0FF0"}, "ABCD"), "u3008");
-    EXPECT_EQ(Decode({.code = 14, .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS, .mask = "FFFF0000"}, "11112222"),
-              "u572653568");
-}
-
 TEST(ElementData, BytesThatCannotBeDecodedAreRefused) {
     CapturedLog log;
     auto element = MakeElement({.code = 62});
@@ -125,51 +111,6 @@ TEST(ElementData, BytesThatCannotBeDecodedAreRefused) {
     EXPECT_EQ(value, std::string(255, 'x'));
     EXPECT_EQ(Decode({.mask = "FF"}, "0001"), "refused!");
     EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).size(), 2U);
-}
-
-TEST(ElementData, ToJsonDescribesTheElement) {
-    const auto element = MakeElement({.code = 31,
-                                      .scale = 0.5,
-                                      .offset = 2.0F,
-                                      .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS,
-                                      .registers = 2,
-                                      .frame = 7});
-    EXPECT_EQ(element.ToJson(), json::parse(R"({"registerAddress": 100, "nbRegisters": 2, "scaleFactor": 0.5,
-        "frameIndex": 7, "offset": 2.0, "byteOrdering": 3, "attributePath": "path", "logicCode": 31})"));
-}
-
-// Whatever comes off the line: nothing undefined, and the promises about value and flag hold.
-TEST(ElementData, AnyContentOfAnyLengthGivesAValueOrNullWithTheFlag) {
-    const CapturedLog quiet(OrbaLogLevel::NONE);
-    std::mt19937 random(1);
-    const std::vector<double> factors{1, 0, -1, 0.1, 1e-320, 1e19, -1e308, INFINITY, NAN};
-    const auto pairs = std::make_shared<Pairs>(Pairs{{0U, "zero"}, {1.0F, "one"}, {"\xFF", "text"}});
-    for (int code = 0; code < 256; ++code) {
-        for (int round = 0; round < 200; ++round) {
-            const auto length = static_cast<unsigned>(round < 100 ? random() % 9 : random() % 258);
-            Bytes bytes(length);
-            std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<std::uint8_t>(random()); });
-            if (round % 4 == 0) {
-                std::fill(bytes.begin(), bytes.end(), round % 8 == 0 ? std::uint8_t{0xFF} : std::uint8_t{0x7F});
-            }
-            auto element = MakeElement({.code = code,
-                                        .scale = factors[random() % factors.size()],
-                                        .offset = random() % 3 == 0 ? INFINITY : static_cast<float>(random() % 5),
-                                        .order = static_cast<ByteOrderingEnum>(random() % 4),
-                                        .mask = random() % 2 ? "FF00FF8001" : nullptr,
-                                        .pattern = random() % 8 ? nullptr : "0xFFFF",
-                                        .pairs = random() % 2 ? pairs : nullptr});
-            bool invalid = false;
-            json value = "untouched";
-            if (element.Build(bytes.data(), length, random() % 2 == 0, 0, invalid, value, nullptr)) {
-                EXPECT_TRUE(!invalid || value.is_null() || value == "") << code;
-                EXPECT_TRUE(!value.is_number_float() || std::isfinite(value.get<double>())) << code;
-                EXPECT_TRUE(value.is_primitive()) << code;
-            } else {
-                EXPECT_EQ(value, "untouched") << code;
-            }
-        }
-    }
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

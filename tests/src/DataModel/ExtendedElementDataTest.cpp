@@ -1,15 +1,11 @@
 #include "DataModel/ExtendedElementData.h"
 
-#include <gtest/gtest.h>
-
 #include "DataModel/IValueProcesser.h"
 #include "DataModel/LogicCodeDependency.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "src/TestElement.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using DataModel::ExtendedElementData;
 using Dependencies = std::vector<DataModel::LogicCodeDependency>;
 
 namespace {

@@ -1,19 +1,10 @@
-#include <gtest/gtest.h>
-
 #include "DataModel/AttributeConstant.h"
 #include "DataModel/DataObjectAdapter.h"
 #include "DataModel/SimpleObjectAdapter.h"
-#include "kz/orba/VortaORBAObject.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "src/TestCache.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using namespace DataModel;
-using kz::orba::VortaORBAObject;
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
-using StandIn::StoppedClock;
 using Adapter = std::shared_ptr<AttributeAdapter>;
 
 namespace {
@@ -79,15 +70,13 @@ TEST(SimpleObjectAdapter, AFailureLeavesTheObjectAsItWas) {
     EXPECT_EQ(Fill(failing), "44 {}");
     EXPECT_EQ(Number(none.ComputeFrameIndexes()), 1);
     none.GetModbusMeasurementInformation();
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{
-                  module + " GetObject: Pointer for value is empty",
-                  module + " GetObject: Failed to get value from value adapter, status=not found (44)",
-                  module + " ComputeFrameIndexes: Mandatory attribute pointer for value is empty, status = invalid "
-                           "argument (1)",
-                  module + " [GetModbusMeasurementInformation] Should not be called, empty value returned"}));
-    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
-              std::vector<std::string>{module + "[trace] GetObject: Did not read from cache"});
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::SimpleObjectAdapter] GetObject: Pointer for value is empty
+[DataModel::SimpleObjectAdapter] GetObject: Failed to get value from value adapter, status=not found (44)
+[DataModel::SimpleObjectAdapter] ComputeFrameIndexes: Mandatory attribute pointer for value is empty, status = invalid argument (1)
+[DataModel::SimpleObjectAdapter] [GetModbusMeasurementInformation] Should not be called, empty value returned)");
+    EXPECT_EQ(log.Joined(OrbaLogLevel::TRACE), R"(
+[DataModel::SimpleObjectAdapter][trace] GetObject: Did not read from cache)");
 }
 
 TEST(ElementPath, IsSplitAsAJsonPointerAndMakesMissingParentsObjects) {
@@ -143,58 +132,64 @@ TEST(DataObjectAdapter, TheQualityAdaptersTextIsGoodOrBad) {
 
 TEST(DataObjectAdapter, WithoutAValueTheQualityIsBadAndTheReasonIsReturned) {
     const StoppedClock clock(NOW);
-    const std::string module = "[DataModel::DataObjectAdapter]";
     const struct {
         std::map<AttributeAdapterType, Adapter> adapters;
         int status;
-        std::vector<std::string> lines;  // without the traces of the value and the missing timestamp adapter
-    } ROWS[] = {{{{VALUE, Fail(42)}}, 42, {"[trace] GetObject: Did not read from cache, urn=urn"}},
-                {{}, 1, {" GetValueWithAvailabilityAndQuality: Pointer for value is empty"}},
-                {{{VALUE, Fail(44)}},
-                 1,
-                 {" GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'not found (44)'"}},
-                {{{VALUE, Fail(7)}},
-                 7,
-                 {" GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'status 7'",
-                  " GetObject: Failed to get object value, urn=urn, status=status 7"}},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant(false)}},
-                 63,
-                 {" GetValueWithAvailabilityAndQuality: Measurement with urn=urn is not available"}},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant("true")}},
-                 1,
-                 {" [GetAvailability] Availability value is not a boolean: '\"true\"'",
-                  " GetObject: Failed to get object value, urn=urn, status=invalid argument (1)"}},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(42)}},
-                 42,
-                 {" GetAvailability: Did not got value from availability adapter",
-                  "[trace] GetObject: Did not read from cache, urn=urn"}},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(1)}},
-                 1,
-                 {" GetAvailability: Failed to get value from availability adapter 'invalid argument (1)'",
-                  " GetObject: Failed to get object value, urn=urn, status=invalid argument (1)"}},
-                {{{VALUE, Constant(1)}, {QUALITY, Fail(42)}},
-                 42,
-                 {" GetQuality: Did not got value from quality adapter",
-                  " GetValueWithAvailabilityAndQuality: Failed to get quality",
-                  "[trace] GetObject: Did not read from cache, urn=urn"}},
-                {{{VALUE, Constant(1)}, {QUALITY, Fail(20)}},
-                 20,
-                 {" GetQuality: Failed to get value from quality adapter 'already set (20)'",
-                  " GetValueWithAvailabilityAndQuality: Failed to get quality",
-                  " GetObject: Failed to get object value, urn=urn, status=already set (20)"}}};
+    } ROWS[] = {{{{VALUE, Fail(42)}}, 42},
+                {{}, 1},
+                {{{VALUE, Fail(44)}}, 1},
+                {{{VALUE, Fail(7)}}, 7},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant(false)}}, 63},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant("true")}}, 1},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(42)}}, 42},
+                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(1)}}, 1},
+                {{{VALUE, Constant(1)}, {QUALITY, Fail(42)}}, 42},
+                {{{VALUE, Constant(1)}, {QUALITY, Fail(20)}}, 20}};
+    CapturedLog log;
+    std::string lines;
     for (const auto& row : ROWS) {
-        CapturedLog log;
+        log.Clear();
         EXPECT_EQ(Fill(*MakeObject(row.adapters), nullptr, R"({"value": "old"})"),
                   std::to_string(row.status) + " {" + DATE + R"(,"quality":"Bad","value":"old"})");
-        std::vector<std::string> lines;
         for (const auto& line : log.Lines()) {
-            if (line.text.starts_with(module) && line.text.find("urn='urn', value=") == std::string::npos &&
-                line.text.find("default value is set") == std::string::npos) {
-                lines.push_back(line.text.substr(module.size()));
+            // Without the traces of the value and the missing timestamp adapter.
+            if (line.text.find("urn='urn', value=") == std::string::npos &&
+                line.text.find("default value is set") == std::string::npos &&
+                line.text.find("AttributeConstant") == std::string::npos) {
+                lines += '\n' + std::to_string(static_cast<int>(line.level)) + line.text;
             }
         }
-        EXPECT_EQ(lines, row.lines);
+        lines += '\n';
     }
+    EXPECT_EQ(lines, R"(
+7[DataModel::DataObjectAdapter][trace] GetObject: Did not read from cache, urn=urn
+
+3[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Pointer for value is empty
+
+3[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'not found (44)'
+
+3[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Failed to get value from value adapter 'status 7'
+3[DataModel::DataObjectAdapter] GetObject: Failed to get object value, urn=urn, status=status 7
+
+6[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Measurement with urn=urn is not available
+
+3[DataModel::DataObjectAdapter] [GetAvailability] Availability value is not a boolean: '"true"'
+3[DataModel::DataObjectAdapter] GetObject: Failed to get object value, urn=urn, status=invalid argument (1)
+
+6[DataModel::DataObjectAdapter] GetAvailability: Did not got value from availability adapter
+7[DataModel::DataObjectAdapter][trace] GetObject: Did not read from cache, urn=urn
+
+3[DataModel::DataObjectAdapter] GetAvailability: Failed to get value from availability adapter 'invalid argument (1)'
+3[DataModel::DataObjectAdapter] GetObject: Failed to get object value, urn=urn, status=invalid argument (1)
+
+6[DataModel::DataObjectAdapter] GetQuality: Did not got value from quality adapter
+6[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Failed to get quality
+7[DataModel::DataObjectAdapter][trace] GetObject: Did not read from cache, urn=urn
+
+3[DataModel::DataObjectAdapter] GetQuality: Failed to get value from quality adapter 'already set (20)'
+6[DataModel::DataObjectAdapter] GetValueWithAvailabilityAndQuality: Failed to get quality
+3[DataModel::DataObjectAdapter] GetObject: Failed to get object value, urn=urn, status=already set (20)
+)");
 }
 
 TEST(DataObjectAdapter, ATimestampAdaptersStatusReplacesTheValues) {
@@ -203,9 +198,8 @@ TEST(DataObjectAdapter, ATimestampAdaptersStatusReplacesTheValues) {
               R"(0 {"elements":{"p":{"datetime":"then","quality":"Bad"}}})");
     EXPECT_EQ(Fill(*MakeObject({{VALUE, Constant(1)}, {TIMESTAMP, Fail(42)}}), nullptr, R"({"datetime": "old"})"),
               R"(42 {"datetime":"old","quality":"Good","value":1})");
-    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
-              std::vector<std::string>{"[DataModel::DataObjectAdapter] GetObject: Failed to get value from timestamp "
-                                       "adapter, status=value not available (42)"});
+    EXPECT_EQ(log.Joined(OrbaLogLevel::INFORMATION), R"(
+[DataModel::DataObjectAdapter] GetObject: Failed to get value from timestamp adapter, status=value not available (42))");
     try {
         Fill(*MakeObject({{VALUE, Constant(1)}, {TIMESTAMP, Constant(5)}}, "p"));
         FAIL() << "a date-time under an element path must be a text";
@@ -221,10 +215,10 @@ TEST(DataObjectAdapter, ARoleTakesOneAdapter) {
     EXPECT_EQ(Number(object->SetAdapter(VALUE, Constant(2))), 20);
     EXPECT_EQ(Number(object->SetAdapter(TIMESTAMP, nullptr)), 28);
     EXPECT_EQ(Number(object->SetAdapter(AVAILABILITY, object)), 28);
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{"[DataModel::DataObjectAdapter] SetAdapter: an adapter is already set",
-                                        "[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter",
-                                        "[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter"}));
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::DataObjectAdapter] SetAdapter: an adapter is already set
+[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter
+[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter)");
     const StoppedClock clock(NOW);
     EXPECT_EQ(Fill(*object), "0 {" + DATE + R"(,"quality":"Good","value":1})");
 }
@@ -247,10 +241,8 @@ TEST(DataObjectAdapter, FrameIndexesAreMergedOverRolesAndReplaceTheCallersSet) {
     EXPECT_EQ(Number(failing->ComputeAndGetFrameIndexes(frames)), 1);
     EXPECT_EQ(Number(MakeObject({})->ComputeFrameIndexes()), 1);
     EXPECT_EQ(frames, Frames{7});
-    EXPECT_EQ(
-        log.Texts(OrbaLogLevel::ERROR),
-        std::vector<std::string>{"[DataModel::DataObjectAdapter] ComputeFrameIndexes: Failed to get frame indexes "
-                                 "from adapter, status=invalid argument (1)"});
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::DataObjectAdapter] ComputeFrameIndexes: Failed to get frame indexes from adapter, status=invalid argument (1))");
     EXPECT_EQ(Number(MakeObject({})->GetClassName(className)), 44);
     EXPECT_EQ(MakeObject({})->GetModbusMeasurementInformation().mScaleFactor, 1.0);
 }

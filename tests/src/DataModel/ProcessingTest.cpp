@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
 #include "DataModel/AttributeConstant.h"
 #include "DataModel/AttributeProcessor.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 #include "src/TestCache.h"
@@ -10,16 +7,9 @@
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using namespace DataModel;
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
-using StandIn::StoppedClock;
 using Type = ProcessingChainOperandType;
 
 namespace {
-
-const std::string CHAIN = "[ModbusDeviceModel::ProcessingChain]";
-const std::string PROCESSOR = "[DataModel::AttributeProcessor]";
 
 // An input of a fixed answer.
 struct Input : AttributeConstant {
@@ -72,29 +62,21 @@ TEST(ProcessingChain, ParametersMustSatisfyOneSignature) {
         std::vector<ProcessingChain::Signature> signatures;
         json parameters;
         int status;
-        std::vector<std::string> lines;
-    } ROWS[] = {{{}, {{"a", 1}}, 28, {}},
-                {{{}}, {{"a", 1}}, 0, {}},
-                {{{{"a", Type::NUMBER}}}, {{"a", 1}, {"b", 2}}, 0, {}},
-                {{{{"a", Type::STRING}}, {{"a", Type::NUMBER}}},
-                 {{"a", 5}},
-                 0,
-                 {"Error checking value type (expected=4), key=a, value=5 / {\"a\":5}"}},
-                {{{{"a", Type::INTEGER}}, {{"b", Type::NUMBER}}},
-                 {{"a", 2.5}},
-                 44,
-                 {"Error checking value type (expected=2), key=a, value=2.5 / {\"a\":2.5}",
-                  "Missing key=b in parameters={\"a\":2.5}"}},
-                {{{{"a", Type::NUMBER}}}, nullptr, 44, {"Missing key=a in parameters=null"}}};
+    } ROWS[] = {{{}, {{"a", 1}}, 28},
+                {{{}}, {{"a", 1}}, 0},
+                {{{{"a", Type::NUMBER}}}, {{"a", 1}, {"b", 2}}, 0},
+                {{{{"a", Type::STRING}}, {{"a", Type::NUMBER}}}, {{"a", 5}}, 0},
+                {{{{"a", Type::INTEGER}}, {{"b", Type::NUMBER}}}, {{"a", 2.5}}, 44},
+                {{{{"a", Type::NUMBER}}}, nullptr, 44}};
+    CapturedLog log(OrbaLogLevel::INFORMATION);
     for (const auto& row : ROWS) {
-        CapturedLog log(OrbaLogLevel::INFORMATION);
         EXPECT_EQ(Number(MakeChain(row.signatures)->__VerifyParameters(row.parameters)), row.status);
-        std::vector<std::string> lines;
-        for (const auto& line : row.lines) {
-            lines.push_back(CHAIN + " [__VerifyParameters][chain] " + line);
-        }
-        EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION), lines);
     }
+    EXPECT_EQ(log.Joined(), R"(
+6[ModbusDeviceModel::ProcessingChain] [__VerifyParameters][chain] Error checking value type (expected=4), key=a, value=5 / {"a":5}
+6[ModbusDeviceModel::ProcessingChain] [__VerifyParameters][chain] Error checking value type (expected=2), key=a, value=2.5 / {"a":2.5}
+6[ModbusDeviceModel::ProcessingChain] [__VerifyParameters][chain] Missing key=b in parameters={"a":2.5}
+6[ModbusDeviceModel::ProcessingChain] [__VerifyParameters][chain] Missing key=a in parameters=null)");
 }
 
 TEST(ProcessingChain, ExecuteComputesOnlyWhatIsVerified) {
@@ -103,68 +85,41 @@ TEST(ProcessingChain, ExecuteComputesOnlyWhatIsVerified) {
     EXPECT_EQ(Number(MakeChain({})->Execute({{"a", 1}}, result)), 28);
     EXPECT_EQ(result, "before");
     EXPECT_EQ(Number(MakeChain({{}}, 7, 7)->Execute({{"a", 1}}, result)), 7);
-    EXPECT_EQ(
-        log.Texts(OrbaLogLevel::ERROR),
-        std::vector<std::string>{CHAIN + " [Execute][chain] Error verifying parameters. Status code: out of range "
-                                         "(28), parameters: {\"a\":1}"});
-    EXPECT_EQ(log.Texts(OrbaLogLevel::TRACE),
-              std::vector<std::string>{CHAIN + "[trace] [Execute][chain] Processing chain executed, status code:status "
-                                               "7, parameters:{\"a\":1}, result:7"});
+    EXPECT_EQ(log.Joined(), R"(
+3[ModbusDeviceModel::ProcessingChain] [Execute][chain] Error verifying parameters. Status code: out of range (28), parameters: {"a":1}
+7[ModbusDeviceModel::ProcessingChain][trace] [Execute][chain] Processing chain executed, status code:status 7, parameters:{"a":1}, result:7)");
 }
 
 TEST(AttributeProcessor, ComputesOverItsInputsAndIsBadAsSoonAsOneIs) {
     const auto sum = MakeChain({{{"a", Type::NUMBER}}});
     CapturedLog log;
     EXPECT_EQ(Compute({{"a", In(1)}, {"b", In(2.5, QUALITY_BAD)}}, sum), R"(0 Bad {"a":1,"b":2.5})");
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              std::vector<std::string>{PROCESSOR + " [GetValue] Bad quality for input='b'"});
-    EXPECT_EQ(log.Lines().back().text,
-              PROCESSOR +
-                  "[trace] [GetValue] Executed processing chain 'chain' with parameters={\"a\":1,\"b\":2.5}, "
-                  "result={\"a\":1,\"b\":2.5}, value={\"a\":1,\"b\":2.5}, quality=Bad, status = ok (0)");
-    EXPECT_EQ(log.Lines().front().text, PROCESSOR + "[trace] [GetValue] urn:'urn', nb of input values = 2");
+    EXPECT_EQ(log.Joined(), R"(
+7[DataModel::AttributeProcessor][trace] [GetValue] urn:'urn', nb of input values = 2
+3[DataModel::AttributeProcessor] [GetValue] Bad quality for input='b'
+7[ModbusDeviceModel::ProcessingChain][trace] [Execute][chain] Processing chain executed, status code:ok (0), parameters:{"a":1,"b":2.5}, result:{"a":1,"b":2.5}
+7[DataModel::AttributeProcessor][trace] [GetValue] Executed processing chain 'chain' with parameters={"a":1,"b":2.5}, result={"a":1,"b":2.5}, value={"a":1,"b":2.5}, quality=Bad, status = ok (0))");
     EXPECT_EQ(Compute({{"a", In(1, QUALITY_QUESTIONABLE)}, {"b", nullptr}}, sum, true), R"(0 Good {"a":1})");
 }
 
 TEST(AttributeProcessor, AnInputsFailureEndsTheRequest) {
     const auto chain = MakeChain({{}});
-    const struct {
-        AttributeProcessor::Inputs inputs;
-        std::shared_ptr<ProcessingChain> chain;
-        const char* expected;
-        OrbaLogLevel level;
-        std::vector<std::string> lines;
-    } ROWS[] = {{{}, chain, "1 Good null", OrbaLogLevel::ERROR, {}},
-                {{{"a", nullptr}}, chain, "1 Good null", OrbaLogLevel::ERROR, {"Missing input value for input='a'"}},
-                {{{"a", In(1, QUALITY_BAD)}, {"b", In(2, QUALITY_GOOD, 42)}, {"c", In(3, QUALITY_GOOD, 7)}},
-                 chain,
-                 "42 Bad null",
-                 OrbaLogLevel::INFORMATION,
-                 {"GetEdmValue failed for input='b', quality='Good', value='2', status = value not available (42)"}},
-                {{{"a", In("x", QUALITY_BAD, 44)}},
-                 chain,
-                 "44 Good null",
-                 OrbaLogLevel::ERROR,
-                 {"GetEdmValue failed for input='a', quality='Bad', value='\"x\"', status = not found (44)"}},
-                {{{"a", In(1)}},
-                 nullptr,
-                 "1 Good null",
-                 OrbaLogLevel::ERROR,
-                 {"Processing chain execution failed, status = invalid argument (1)"}},
-                {{{"a", In(1)}},
-                 MakeChain({{}}, 5, 9),
-                 "5 Good null",
-                 OrbaLogLevel::ERROR,
-                 {"Processing chain execution failed, status = status 5"}}};
-    for (const auto& row : ROWS) {
-        CapturedLog log;
-        EXPECT_EQ(Compute(row.inputs, row.chain), row.expected);
-        std::vector<std::string> lines;
-        for (const auto& line : row.lines) {
-            lines.push_back(PROCESSOR + " [GetValue] " + line);
-        }
-        EXPECT_EQ(log.Texts(row.level), lines);
-    }
+    CapturedLog log(OrbaLogLevel::INFORMATION);
+    EXPECT_EQ(Compute({}, chain), "1 Good null");
+    EXPECT_EQ(Compute({{"a", nullptr}}, chain), "1 Good null");
+    EXPECT_EQ(
+        Compute({{"a", In(1, QUALITY_BAD)}, {"b", In(2, QUALITY_GOOD, 42)}, {"c", In(3, QUALITY_GOOD, 7)}}, chain),
+        "42 Bad null");
+    EXPECT_EQ(Compute({{"a", In("x", QUALITY_BAD, 44)}}, chain), "44 Good null");
+    EXPECT_EQ(Compute({{"a", In(1)}}, nullptr), "1 Good null");
+    EXPECT_EQ(Compute({{"a", In(1)}}, MakeChain({{}}, 5, 9)), "5 Good null");
+    EXPECT_EQ(log.Joined(), R"(
+3[DataModel::AttributeProcessor] [GetValue] Missing input value for input='a'
+3[DataModel::AttributeProcessor] [GetValue] Bad quality for input='a'
+6[DataModel::AttributeProcessor] [GetValue] GetEdmValue failed for input='b', quality='Good', value='2', status = value not available (42)
+3[DataModel::AttributeProcessor] [GetValue] GetEdmValue failed for input='a', quality='Bad', value='"x"', status = not found (44)
+3[DataModel::AttributeProcessor] [GetValue] Processing chain execution failed, status = invalid argument (1)
+3[DataModel::AttributeProcessor] [GetValue] Processing chain execution failed, status = status 5)");
 }
 
 TEST(AttributeProcessor, ALabelAsResultIsTranslated) {
@@ -177,10 +132,9 @@ TEST(AttributeProcessor, ALabelAsResultIsTranslated) {
     EXPECT_TRUE(log.Lines().empty());
     EXPECT_EQ(Compute(inputs, MakeChain({{}}, 0, 5, true)), "1 Good null");
     EXPECT_EQ(Compute(inputs, MakeChain({{}}, 0, "Low", true), true), "44 Good null");
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{
-                  PROCESSOR + " [GetValue] Failed to convert result 5 to iot value, status = invalid argument (1)",
-                  PROCESSOR + " [GetValue] Failed to convert result \"Low\" to iot value, status = not found (44)"}));
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::AttributeProcessor] [GetValue] Failed to convert result 5 to iot value, status = invalid argument (1)
+[DataModel::AttributeProcessor] [GetValue] Failed to convert result "Low" to iot value, status = not found (44))");
 }
 
 TEST(AttributeProcessor, ReadsTheFramesOfAllInputs) {
@@ -194,11 +148,9 @@ TEST(AttributeProcessor, ReadsTheFramesOfAllInputs) {
     EXPECT_EQ(compute({{"a", MakeConverter({.frame = 3})}, {"b", nullptr}, {"c", MakeConverter({.frame = 4})}}), 1);
     EXPECT_EQ(compute({{"a", MakeConverter({.frame = 255})}, {"c", MakeConverter({.frame = 4})}}), 1);
     EXPECT_EQ(frames, (std::set<std::uint8_t>{1, 2, 3, 9}));
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{
-                  PROCESSOR + " [ComputeAndGetFrameIndexes]: Input value is null, status = invalid argument (1)",
-                  PROCESSOR + " [ComputeAndGetFrameIndexes]: Failed to get frames for 'a', status = invalid argument "
-                              "(1)"}));
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::AttributeProcessor] [ComputeAndGetFrameIndexes]: Input value is null, status = invalid argument (1)
+[DataModel::AttributeProcessor] [ComputeAndGetFrameIndexes]: Failed to get frames for 'a', status = invalid argument (1))");
     std::string className;
     EXPECT_EQ(Number(AttributeProcessor({}, nullptr).GetClassName(className)), 60);
 }

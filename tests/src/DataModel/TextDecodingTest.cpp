@@ -1,54 +1,41 @@
-#include <gtest/gtest.h>
-
 #include "src/TestElement.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
+std::string Text(const std::string& hex) {
+    const Bytes bytes = Hex(hex);
+    return {bytes.begin(), bytes.end()};
+}
+
 TEST(TextDecoding, EveryByteThatIsNoUtf8IsReplaced) {
-    const std::string r = "\xEF\xBF\xBD";
-    const struct {
-        std::string text, expected;
-    } ROWS[] = {{"", ""},
-                {"kWh", "kWh"},
-                {"\xC2\xB0"
-                 "C \xE2\x82\xAC \xF0\x9F\x94\x8B",
-                 "\xC2\xB0"
-                 "C \xE2\x82\xAC \xF0\x9F\x94\x8B"},
-                {"A\xC3"
-                 "B",
-                 "A" + r + "B"},
-                {"\xE2\x82", r + r},
-                {"\xF0\x9F\x94", r + r + r},
-                {"\x80", r},
-                {"\xF8\xFF", r + r},
-                {"\xC0\x80\xED\xA0\x80", "\xC0\x80\xED\xA0\x80"},  // overlong forms and surrogates are let through
-                {std::string("a\0b", 3), std::string("a\0b", 3)}};
-    for (const auto& row : ROWS) {
-        std::string text = row.text;
+    const std::pair<const char*, const char*> rows[] = {
+        {"", ""},
+        {"6B 57 68", "6B 57 68"},
+        {"C2B0 43 20 E282AC 20 F09F948B", "C2B0 43 20 E282AC 20 F09F948B"},
+        {"41 C3 42", "41 EFBFBD 42"},
+        {"E2 82", "EFBFBD EFBFBD"},
+        {"F0 9F 94", "EFBFBD EFBFBD EFBFBD"},
+        {"80", "EFBFBD"},
+        {"F8 FF", "EFBFBD EFBFBD"},
+        {"C080 EDA080", "C080 EDA080"},  // overlong forms and surrogates are let through
+        {"61 00 62", "61 00 62"}};
+    for (const auto& [bytes, expected] : rows) {
+        std::string text = Text(bytes);
         ElementData::SanitiseUTF8Sequence(text);
-        EXPECT_EQ(text, row.expected);
+        EXPECT_EQ(text, Text(expected)) << bytes;
     }
 }
 
 TEST(TextDecoding, AnInvalidSequenceKeepsTheLengthThatItsLeadByteAnnounces) {
-    const struct {
-        std::string text;
-        bool isValid;
-        unsigned length;
-    } ROWS[] = {{"A", true, 1},
-                {"\xC3", false, 2},
-                {"\xE2\x82"
-                 "A",
-                 false, 3},
-                {"\xF0\x9F\x94\x8B", true, 4},
-                {"\x80", false, 1},
-                {"\xF8\x80", false, 1}};
-    for (const auto& row : ROWS) {
-        std::string text = "_" + row.text;
+    const std::tuple<const char*, bool, unsigned> rows[] = {{"41", true, 1},      {"C3", false, 2},
+                                                            {"E28241", false, 3}, {"F09F948B", true, 4},
+                                                            {"80", false, 1},     {"F880", false, 1}};
+    for (const auto& [bytes, isValid, expected] : rows) {
+        std::string text = "_" + Text(bytes);
         unsigned position = 1;
         unsigned length = 0;
-        EXPECT_EQ(ElementData::CheckUTF8Validity(text, position, length), row.isValid) << row.text;
-        EXPECT_EQ(length, row.length) << row.text;
+        EXPECT_EQ(ElementData::CheckUTF8Validity(text, position, length), isValid) << bytes;
+        EXPECT_EQ(length, expected) << bytes;
     }
 }
 

@@ -1,27 +1,16 @@
-#include <gtest/gtest.h>
-
 #include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/ConstantComputedAlarmOperand.h"
 #include "DataModel/PreviousMeasurementComputedAlarmOperand.h"
 #include "Device/DeviceModel.h"
 #include "Device/DynamicVorta.h"
-#include "kz/orba/VortaORBAObject.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "src/TestCache.h"
 #include "src/TestChain.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using namespace DataModel;
 using namespace Device;
-using DeviceProfile::FrameData;
-using kz::orba::VortaORBAObject;
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
 
 namespace {
-
-const std::string MODULE = "[Device::DeviceModel] ";
 
 std::shared_ptr<ComputedAlarmElement> MakeAlarm(const json& result, const char* priority, bool hasChanged = false) {
     const auto constant = std::make_shared<ConstantComputedAlarmOperand>("a", 1);
@@ -40,7 +29,7 @@ const json STRUCTURE = json::parse(R"({"elements": {
 }  // namespace
 
 TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
-    const StandIn::StoppedClock clock(NOW);
+    const StoppedClock clock(NOW);
     CapturedLog log(OrbaLogLevel::ERROR);
     const DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {},
                             {{{"Alarm", "active"}, MakeAlarm(true, "HIGH")},
@@ -70,10 +59,11 @@ TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     EXPECT_EQ(fill("active", json::parse(R"({"elements": {"type": {"value": 1}}})")),
               std::pair(28, json::parse(R"({"elements": {"type": {"value": "the type"}}})")));
     EXPECT_EQ(fill("other", STRUCTURE), std::pair(1, STRUCTURE));
-    const std::string missing = MODULE + "[GetCustomAlarmVortaObjectValue] ";
-    const std::string structure = missing + "Missing elements in custom device VORTA response structure";
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{structure, structure, structure, missing + "Custom alarm not found : id"}));
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[Device::DeviceModel] [GetCustomAlarmVortaObjectValue] Missing elements in custom device VORTA response structure
+[Device::DeviceModel] [GetCustomAlarmVortaObjectValue] Missing elements in custom device VORTA response structure
+[Device::DeviceModel] [GetCustomAlarmVortaObjectValue] Missing elements in custom device VORTA response structure
+[Device::DeviceModel] [GetCustomAlarmVortaObjectValue] Custom alarm not found : id)");
 
     bool instantaneous = true;
     EXPECT_EQ(Number(model.GetComputedAlarmInstantaneousness({"Alarm", "none"}, instantaneous)), 28);
@@ -108,15 +98,11 @@ TEST(ServiceMapping, BindsAServicesElementsToTheFrames) {
     }
     const DeviceModel without(DeviceModel::ObjectAdapters{}, std::move(frames), {}, {}, {}, true);
     without.GetServiceMapping("a", "b");
-    std::vector<std::string> lines;
-    for (const auto& line : log.Lines()) {
-        lines.push_back(std::to_string(static_cast<int>(line.level)) + line.text);
-    }
-    EXPECT_EQ(lines, (std::vector<std::string>{
-                         "6" + MODULE + "DeviceModel::GetServiceMapping ab.c found",
-                         "4" + MODULE + "DeviceModel::GetServiceMapping a.bc NOT FOUND",
-                         "4" + MODULE + "DeviceModel::GetServiceMapping null. NOT FOUND",
-                         "4" + MODULE + "DeviceModel::GetServiceMapping a.b NOT FOUND (NO SERVICE MAPPING)"}));
+    EXPECT_EQ(log.Joined(), R"(
+6[Device::DeviceModel] DeviceModel::GetServiceMapping ab.c found
+4[Device::DeviceModel] DeviceModel::GetServiceMapping a.bc NOT FOUND
+4[Device::DeviceModel] DeviceModel::GetServiceMapping null. NOT FOUND
+4[Device::DeviceModel] DeviceModel::GetServiceMapping a.b NOT FOUND (NO SERVICE MAPPING))");
 
     const auto range = mapping.BuildFrameDataValue(0), list = mapping.BuildFrameDataValue(1);
     EXPECT_EQ(range->mFunctionCode, ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS);

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/DataObjectAdapter.h"
 #include "DataModel/ExtendedElementData.h"
@@ -7,20 +5,14 @@
 #include "DataModel/MeasurementComputedAlarmOperand.h"
 #include "Device/DeviceModel.h"
 #include "edm/modbus/Vorta.h"
-#include "kzm/StandIn/CapturedLog.h"
 #include "src/TestCache.h"
 
 namespace kzm::ModbusDeviceModel::Test {
 
-using namespace DataModel;
 using Device::DeviceModel;
-using DeviceProfile::FrameData;
-using Log::OrbaLogLevel;
-using StandIn::CapturedLog;
 
 namespace {
 
-const std::string MODULE = "[Device::DeviceModel] ";
 const std::string CUSTOM = "Measurement.CustomMeasurement";
 
 std::vector<FrameData> MakeFrames(std::uint16_t count) {
@@ -65,9 +57,8 @@ TEST(Measurement, ItsClassIsTheDictionarysUnlessThatIsOnlyNumerical) {
     EXPECT_EQ(ask("1d"), "0 $iot.alm.GroundFaultAlarm");
     EXPECT_EQ(ask("mine"), "0 my class");
     EXPECT_EQ(ask("other"), "44 $iot.measurement.NumericalMeasurementValue");
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              std::vector<std::string>{MODULE + "[GetClassName] Measurement class name not found for "
-                                                "vortaSuffix=other"});
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[Device::DeviceModel] [GetClassName] Measurement class name not found for vortaSuffix=other)");
 }
 
 TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
@@ -100,12 +91,11 @@ TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
     }
     EXPECT_EQ(ofElements.GetMeasurementInformation("two").mScaleFactor, 1.0);
     EXPECT_EQ(ofObjects.GetMeasurementInformation("null").mNumberOfRegisters, 0);
-    const std::string failed = MODULE + "[GetMeasurementInformation] Failed to get ";
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              (std::vector<std::string>{failed + "IoT Name and Alias for shortId=7b8",
-                                        failed + "IoT Name and Alias for shortId=7b8_z",
-                                        failed + "Measurement Information for suffix=two, iotName='two', alias=''",
-                                        failed + "Measurement Information for suffix=null, iotName='null', alias=''"}));
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[Device::DeviceModel] [GetMeasurementInformation] Failed to get IoT Name and Alias for shortId=7b8
+[Device::DeviceModel] [GetMeasurementInformation] Failed to get IoT Name and Alias for shortId=7b8_z
+[Device::DeviceModel] [GetMeasurementInformation] Failed to get Measurement Information for suffix=two, iotName='two', alias=''
+[Device::DeviceModel] [GetMeasurementInformation] Failed to get Measurement Information for suffix=null, iotName='null', alias='')");
 }
 
 TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
@@ -126,9 +116,8 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     EXPECT_EQ(ask(ofObjects, "lost"), Expected{});
     EXPECT_EQ(ask(ofObjects, "none"), Expected{});
     EXPECT_EQ(ask(ofObjects, "null"), Expected{});
-    EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR),
-              std::vector<std::string>{MODULE + "[GetDependencyFrame] VortaObjectAdapter is null for '', iot name = "
-                                                "'null'"});
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[Device::DeviceModel] [GetDependencyFrame] VortaObjectAdapter is null for '', iot name = 'null')");
     DeviceModel::Frames frames;
     EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("null", "", frames)), 1);
     EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("none", "", frames)), 44);

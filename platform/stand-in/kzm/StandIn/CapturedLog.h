@@ -46,6 +46,24 @@ public:
         return texts;
     }
 
+    // The same as one text, each line on a new one.
+    std::string Joined(Log::OrbaLogLevel level) const {
+        std::string text;
+        for (const std::string& line : Texts(level)) {
+            text += '\n' + line;
+        }
+        return text;
+    }
+
+    // All lines as one text, each on a new line behind the number of its level.
+    std::string Joined() const {
+        std::string text;
+        for (const LogLine& line : mLines) {
+            text += '\n' + std::to_string(static_cast<int>(line.level)) + line.text;
+        }
+        return text;
+    }
+
 private:
     Log::OrbaLogLevel mEarlierLevel;
     std::vector<LogLine> mLines;
