@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "fuzz/Input.h"
+#include "fuzz/JsonMutator.h"
 #include "gateway/Capture.h"
 
 namespace kzm::ModbusFuzz {
@@ -63,4 +64,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         WriteAndRead(capture);
     }
     return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned seed) {
+    return kzm::ModbusFuzz::JsonMutator(seed).Mutate(data, size, maxSize);
 }

@@ -4,10 +4,13 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "DataModel/AttributeAdapter.h"
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "fuzz/Input.h"
+#include "fuzz/JsonMutator.h"
 #include "gateway/ProfileLoader.h"
 #include "gateway/RegisterCache.h"
+#include "gateway/ValueEncoder.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "kzm/StandIn/Clock.h"
 
@@ -16,6 +19,9 @@ namespace kzm::ModbusFuzz {
 namespace {
 
 using namespace ModbusGateway;
+using ModbusDeviceModel::DataModel::AttributeAdapter;
+using ModbusDeviceModel::DataModel::ElementData;
+using ModbusDeviceModel::DeviceProfile::FrameKind;
 using nlohmann::json;
 using Cache = std::shared_ptr<RegisterCache>;
 
@@ -54,6 +60,12 @@ void ReadObjects(const LoadedProfile& profile, const Cache& cache) {
         kz::orba::VortaORBAObject target("", object.name, object.alias, json::object());
         profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
         RequireGoodObject(target.GetValue());
+        if (const auto attribute = std::dynamic_pointer_cast<AttributeAdapter>(object.adapter)) {
+            ModbusDeviceModel::DeviceCache::_Quality_t quality{};
+            json value;
+            attribute->GetEdmValue(cache, profile.model->IsBigEndian(), /*ignoreCacheAge=*/true, quality, value);
+            Require(IsFinite(value), "a value is finite");
+        }
         std::string text;
         profile.model->GetUnit(object.name, text);
         profile.model->GetClassName(object.name, text);
@@ -79,13 +91,24 @@ void EvaluateAlarms(const LoadedProfile& profile, const Cache& cache) {
     }
 }
 
+void Write(const ModbusDeviceModel::Device::ServiceMapping& mapping, const ElementData& element, bool bigEndian) {
+    const auto payload = mapping.BuildFrameDataValue(element.GetFrameIndex());
+    try {
+        const auto encoded = EncodeValue(element, bigEndian, "1");
+        Require(payload->SetValue(element.GetDeviceRegister(), encoded.registers.data(),
+                                  static_cast<std::uint16_t>(encoded.registers.size()), nullptr) ||
+                    mapping.frames->at(element.GetFrameIndex()).mKind == FrameKind::ADDRESS_LIST,
+                "a service's element fits its frame");
+    } catch (const CannotEncode&) {
+    }
+}
+
 void MapServices(const LoadedProfile& profile) {
     for (const auto& service : profile.services) {
         const auto mapping = profile.serviceModel->GetServiceMapping(service.name, service.alias);
         Require(!mapping.elements.empty(), "a service has elements");
         for (const auto& element : mapping.elements) {
-            Require(mapping.BuildFrameDataValue(element->GetFrameIndex()) != nullptr,
-                    "a service's element is in a frame");
+            Write(mapping, *element, profile.serviceModel->IsBigEndian());
         }
     }
 }
@@ -110,4 +133,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         MapServices(*loaded.profile);
     }
     return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maxSize,
+                                               unsigned seed) {
+    return kzm::ModbusFuzz::JsonMutator(seed).Mutate(data, size, maxSize);
 }

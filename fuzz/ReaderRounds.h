@@ -29,10 +29,16 @@ inline void ReadRounds(Input& input, AnsweringDevice& device, const ModbusGatewa
     RegisterCache cache(FRAMES);
     ModbusReader reader(connection, FRAMES, cache);
     for (auto rounds = input.ConsumeIntegralInRange(1, 2); rounds > 0; --rounds) {
+        std::vector<RegisterCache::Frame> before;
+        for (std::uint8_t index = 0; index < FRAMES.size(); ++index) {
+            before.push_back(cache.GetFrame(index));
+        }
         const auto round = reader.ReadAllFrames();
         Require(round.framesRead + round.errors.size() == FRAMES.size(), "every frame is read, or it is told why not");
         for (const auto& error : round.errors) {
-            Require(!error.reason.empty() && error.frameIndex < FRAMES.size(), "an error has a reason");
+            Require(!error.reason.empty(), "an error has a reason");
+            Require(cache.GetFrame(error.frameIndex).registers == before.at(error.frameIndex).registers,
+                    "a frame that is not read stays as it was");
         }
     }
     for (std::uint8_t index = 0; index < FRAMES.size(); ++index) {
