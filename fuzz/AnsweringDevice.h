@@ -1,11 +1,14 @@
 #pragma once
 
+#include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/socket.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <deque>
 #include <mutex>
 #include <stop_token>
@@ -45,11 +48,7 @@ public:
 
     explicit AnsweringDevice(Line line) : mIsSerial(line == Line::SERIAL) {
         if (mIsSerial) {
-            int device = -1;
-            int otherEnd = -1;
-            openpty(&device, &otherEnd, mLineName.data(), nullptr, nullptr);
-            mLine = ModbusGateway::Socket(device);
-            mOtherEnd = ModbusGateway::Socket(otherEnd);
+            OpenSerialLine();
         } else {
             mLine = ModbusGateway::ListenOn("127.0.0.1", 0);
         }
@@ -62,10 +61,25 @@ public:
 
     void Tell(std::deque<Answer> answers) {
         const std::lock_guard lock(mMutex);
+        if (mIsSerial) {
+            tcflush(mOtherEnd.Get(), TCIOFLUSH);  // what was left of the answers before
+        }
         mAnswers = std::move(answers);
     }
 
 private:
+    // Raw, as an echo would be taken for a request; never waiting for a reader that takes no answers.
+    void OpenSerialLine() {
+        int device = -1;
+        int otherEnd = -1;
+        termios settings{};
+        cfmakeraw(&settings);
+        openpty(&device, &otherEnd, mLineName.data(), &settings, nullptr);
+        fcntl(device, F_SETFL, O_NONBLOCK);
+        mLine = ModbusGateway::Socket(device);
+        mOtherEnd = ModbusGateway::Socket(otherEnd);
+    }
+
     void Accept(const std::stop_token& stop) {
         while (!stop.stop_requested()) {
             pollfd waiting{mLine.Get(), POLLIN, 0};
@@ -84,6 +98,9 @@ private:
                 continue;
             }
             const ssize_t size = read(line, request.data(), request.size());
+            if (size < 0 && errno == EAGAIN) {
+                continue;  // flushed meanwhile
+            }
             if (size <= 0 || !AnswerTo(line, {request.begin(), request.begin() + size})) {
                 return;
             }
