@@ -93,11 +93,15 @@ void PollUntil(const std::atomic<bool>& stop, const LoadedProfile& profile, Regi
     const std::jthread serving([&] { simulator.Serve(stop); });
     RegisterCache cache(frames);
     ModbusReader reader({.line = TcpEndpoint{"127.0.0.1", simulator.GetPort()}}, frames, cache);
-    while (!stop && reader.ReadAllFrames().framesRead == 1) {
-        const auto frame = cache.GetFrame(0).registers;
-        EXPECT_EQ(std::count(frame.begin(), frame.end(), frame[0]), REGISTERS);
+    std::size_t rounds = 0;
+    while (!stop) {
+        if (reader.ReadAllFrames().framesRead == 1) {
+            const auto frame = cache.GetFrame(0).registers;
+            EXPECT_EQ(std::count(frame.begin(), frame.end(), frame[0]), REGISTERS);
+            ++rounds;
+        }
     }
-    EXPECT_TRUE(stop);
+    EXPECT_GT(rounds, 0U);
 }
 
 // For a second, or for as many as the environment's KZM_SOAK_SECONDS says.
