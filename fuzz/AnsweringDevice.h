@@ -157,6 +157,9 @@ private:
             bytes.insert(bytes.end(), answer.bytes.begin(), answer.bytes.end());
             return bytes;
         }
+        if (request[1] == 16) {
+            return {request, request + 6};
+        }
         const std::size_t count = static_cast<std::size_t>(request[4] << 8 | request[5]);
         Bytes data = answer.bytes;
         data.resize(request[1] <= 2 ? (count + 7) / 8 : 2 * count, 0xA5);
