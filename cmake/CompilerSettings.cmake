@@ -15,6 +15,9 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Wformat=2 -Wno-psabi -ffp-contract=off)
+# Nobody replaces single functions of a library here: calls within one need not go through its tables.
+add_compile_options(-fno-semantic-interposition)
+add_link_options(-Wl,-Bsymbolic-functions)
 if(KZM_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()

@@ -1,10 +1,11 @@
 #include "gateway/RegisterCache.h"
 
 #include <algorithm>
+#include <atomic>
 #include <map>
 #include <mutex>
-#include <shared_mutex>
 #include <stdexcept>
+#include <thread>
 
 #include "gateway/FrameAddresses.h"
 
@@ -37,11 +38,12 @@ std::vector<Place> PlacesOf(const std::vector<std::uint16_t>& addresses) {
 
 }  // namespace
 
+// Readers take no lock: one that readers share makes each wait for the others' processor caches. Instead they read
+// again what was written meanwhile, which the version tells: it is odd while a frame is being written. Data is loaded
+// with acquire and stored with release, so that whoever sees some of it sees the version as well.
 struct RegisterCache::Slot {
     explicit Slot(const std::vector<std::uint16_t>& addresses)
-        : places(PlacesOf(addresses)), registerCount(addresses.size()) {
-        frame.registers.reserve(registerCount);
-    }
+        : places(PlacesOf(addresses)), registers(addresses.size()) {}
 
     // The places of `count` registers from `address` on; null when one of them is not in the frame.
     const Place* Find(std::uint16_t address, std::uint8_t count) const {
@@ -53,10 +55,45 @@ struct RegisterCache::Slot {
         return first->address == address && first[count - 1].address == address + count - 1 ? &*first : nullptr;
     }
 
+    template <typename Copy>
+    void Read(const Copy& copy) const {
+        for (;; std::this_thread::yield()) {
+            const std::uint32_t before = version.load(std::memory_order_acquire);
+            if (before % 2 == 0) {
+                copy();
+                if (version.load(std::memory_order_relaxed) == before) {
+                    return;
+                }
+            }
+        }
+    }
+
+    template <typename Change>
+    void Write(const Change& change) {
+        const std::lock_guard lock(writing);
+        const std::uint32_t before = version.load(std::memory_order_relaxed);
+        version.store(before + 1, std::memory_order_relaxed);
+        change();
+        version.store(before + 2, std::memory_order_release);
+    }
+
+    template <typename Value>
+    static void Set(std::atomic<Value>& place, Value value) {
+        place.store(value, std::memory_order_release);
+    }
+
+    template <typename Value>
+    static Value Get(const std::atomic<Value>& place) {
+        return place.load(std::memory_order_acquire);
+    }
+
     const std::vector<Place> places;
-    const std::size_t registerCount;
-    mutable std::shared_mutex mutex;
-    Frame frame;
+    std::mutex writing;
+    std::atomic<std::uint32_t> version{0};
+    std::atomic<bool> received{false};
+    std::vector<std::atomic<std::uint16_t>> registers;
+    std::atomic<std::uint64_t> timestamp{0};
+    std::atomic<Quality> quality{QUALITY_UNINITIALISED};
 };
 
 RegisterCache::RegisterCache(const std::vector<FrameData>& frames) {
@@ -70,27 +107,39 @@ RegisterCache::~RegisterCache() = default;
 void RegisterCache::Update(std::uint8_t frameIndex, std::span<const std::uint16_t> registers, std::uint64_t timestamp,
                            Quality quality) {
     Slot& slot = *mSlots.at(frameIndex);
-    if (registers.size() != slot.registerCount) {
+    if (registers.size() != slot.registers.size()) {
         throw std::invalid_argument("wrong number of registers for the frame");
     }
-    const std::lock_guard lock(slot.mutex);
-    slot.frame.registers.assign(registers.begin(), registers.end());
-    slot.frame.timestamp = timestamp;
-    slot.frame.quality = quality;
+    slot.Write([&] {
+        for (std::size_t i = 0; i < registers.size(); ++i) {
+            Slot::Set(slot.registers[i], registers[i]);
+        }
+        Slot::Set(slot.received, !registers.empty());
+        Slot::Set(slot.timestamp, timestamp);
+        Slot::Set(slot.quality, quality);
+    });
 }
 
 void RegisterCache::SetQuality(std::uint8_t frameIndex, Quality quality) {
     Slot& slot = *mSlots.at(frameIndex);
-    const std::lock_guard lock(slot.mutex);
-    if (!slot.frame.registers.empty()) {
-        slot.frame.quality = quality;
-    }
+    slot.Write([&] {
+        if (Slot::Get(slot.received)) {
+            Slot::Set(slot.quality, quality);
+        }
+    });
 }
 
 RegisterCache::Frame RegisterCache::GetFrame(std::uint8_t frameIndex) const {
     const Slot& slot = *mSlots.at(frameIndex);
-    const std::shared_lock lock(slot.mutex);
-    return slot.frame;
+    Frame frame;
+    slot.Read([&] {
+        frame.registers.resize(Slot::Get(slot.received) ? slot.registers.size() : 0);
+        std::transform(slot.registers.begin(), slot.registers.begin() + std::ssize(frame.registers),
+                       frame.registers.begin(), [](const auto& place) { return Slot::Get(place); });
+        frame.timestamp = Slot::Get(slot.timestamp);
+        frame.quality = Slot::Get(slot.quality);
+    });
+    return frame;
 }
 
 std::uint32_t RegisterCache::ReadFrame(const std::uint8_t& frameIndex, const std::uint16_t& address, std::uint8_t count,
@@ -101,27 +150,23 @@ std::uint32_t RegisterCache::ReadFrame(const std::uint8_t& frameIndex, const std
         return 0;
     }
     const Slot& slot = *mSlots[frameIndex];
-    const Place* place = slot.Find(address, count);
-    const std::shared_lock lock(slot.mutex);
-    if (place == nullptr || slot.frame.registers.empty()) {
+    const Place* const place = slot.Find(address, count);
+    if (place == nullptr || !Slot::Get(slot.received)) {
         return 0;
     }
-    for (const Place* end = place + count; place != end; ++place) {
-        const std::uint16_t value = slot.frame.registers[place->position];
-        *buffer++ = static_cast<std::uint8_t>(value >> 8);
-        *buffer++ = static_cast<std::uint8_t>(value & 0xFF);
-    }
-    quality = slot.frame.quality;
+    slot.Read([&] {
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint16_t value = Slot::Get(slot.registers[place[i].position]);
+            buffer[2 * i] = static_cast<std::uint8_t>(value >> 8);
+            buffer[2 * i + 1] = static_cast<std::uint8_t>(value & 0xFF);
+        }
+        quality = Slot::Get(slot.quality);
+    });
     return byteCount;
 }
 
 std::uint64_t RegisterCache::GetFrameTimestamp(std::uint8_t frameIndex) const {
-    if (frameIndex >= mSlots.size()) {
-        return 0;
-    }
-    const Slot& slot = *mSlots[frameIndex];
-    const std::shared_lock lock(slot.mutex);
-    return slot.frame.timestamp;
+    return frameIndex < mSlots.size() ? Slot::Get(mSlots[frameIndex]->timestamp) : 0;
 }
 
 }  // namespace kzm::ModbusGateway

@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <charconv>
 #include <chrono>
-#include <cstdio>
+#include <string_view>
+#include <utility>
 
 #include "DataModel/DateTimeText.h"
 #include "DataModel/ElementData.h"
@@ -65,16 +68,34 @@ std::tm BrokenDown(std::int64_t seconds) {
     return time;
 }
 
-// Fields out of their range print as they are.
-std::string TextOf(const std::tm& time, const char* fraction) {
+// At least two digits; a field out of its range prints as it is.
+char* PutField(char* text, int number) {
+    if (number < 10) {
+        *text++ = '0';
+    }
+    return std::to_chars(text, text + 12, number).ptr;
+}
+
+std::string TextOf(const std::tm& time, std::string_view fraction) {
     char text[64];
-    std::snprintf(text, sizeof text, "%d-%02d-%02dT%02d:%02d:%02d.%s+00:00", time.tm_year + 1900, time.tm_mon + 1,
-                  time.tm_mday, time.tm_hour, time.tm_min, time.tm_sec, fraction);
-    return text;
+    char* end = PutField(text, time.tm_year + 1900);
+    const std::pair<char, int> fields[] = {
+        {'-', time.tm_mon + 1}, {'-', time.tm_mday}, {'T', time.tm_hour}, {':', time.tm_min}, {':', time.tm_sec}};
+    for (const auto& [separator, number] : fields) {
+        *end++ = separator;
+        end = PutField(end, number);
+    }
+    *end++ = '.';
+    for (const std::string_view rest : {fraction, std::string_view("+00:00")}) {
+        end = std::copy(rest.begin(), rest.end(), end);
+    }
+    return {text, end};
 }
 
 std::string TextOf(const std::tm& time, int milliseconds) {
-    return TextOf(time, std::to_string(milliseconds).c_str());
+    char digits[12];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, milliseconds).ptr;
+    return TextOf(time, std::string_view(digits, static_cast<std::size_t>(end - digits)));
 }
 
 }  // namespace
@@ -126,7 +147,7 @@ std::string DateTimeText(Family layout, const char* bytes) {
     } else {
         ElementData::DecodeDateTime3REGSV1ToIEC870(time, bytes);
     }
-    return TextOf(time, "000");
+    return TextOf(time, std::string_view("000"));
 }
 
 }  // namespace kzm::ModbusDeviceModel::DataModel

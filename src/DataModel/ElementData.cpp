@@ -1,8 +1,12 @@
 #include "DataModel/ElementData.h"
 
 #include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cstring>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <utility>
 
 #include "DataModel/LogicCodeDependency.h"
@@ -22,13 +26,108 @@ constexpr const char* LOG_MODULE = "DataModel::ElementData";
 // One byte is kept free in the raw record, so that a text in it always ends.
 constexpr unsigned int MAX_LENGTH = 255;
 
-template <typename Number>
-Number GatherBigEndian(const unsigned char* buffer, unsigned int length) {
-    Number number = 0;
-    for (unsigned int i = 0; i < length; ++i) {
-        number = static_cast<Number>(number << 8 | buffer[i]);
+// Without a loop, as that is what compilers make one instruction of.
+template <std::size_t... I>
+std::uint64_t BigEndianOf(const unsigned char* bytes, std::index_sequence<I...>) {
+    return ((std::uint64_t{bytes[I]} << (8 * (sizeof...(I) - 1 - I))) | ...);
+}
+
+std::uint64_t GatherBigEndian(const unsigned char* bytes, unsigned int length) {
+    switch (length) {
+        case 2:
+            return BigEndianOf(bytes, std::make_index_sequence<2>());
+        case 4:
+            return BigEndianOf(bytes, std::make_index_sequence<4>());
+        case 8:
+            return BigEndianOf(bytes, std::make_index_sequence<8>());
+        default:
+            return std::accumulate(bytes, bytes + length, std::uint64_t{0},
+                                   [](std::uint64_t number, unsigned char byte) { return number << 8 | byte; });
     }
-    return number;
+}
+
+template <typename Word>
+Word LoadAt(const unsigned char* bytes) {
+    Word word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+template <typename Word>
+void StoreAt(unsigned char* bytes, Word word) {
+    std::memcpy(bytes, &word, sizeof word);
+}
+
+template <typename Word>
+void MaskWord(unsigned char* bytes, const std::uint8_t* mask) {
+    StoreAt(bytes, static_cast<Word>(LoadAt<Word>(bytes) & LoadAt<Word>(mask)));
+}
+
+// Two characters as std::stoi reads them, which costs more than all other steps of an element: only what is no plain
+// number is left to it, to read or to refuse.
+int HexadecimalAt(const std::string& text, std::size_t position) {
+    const char* const digits = text.data() + position;
+    int number = 0;
+    const auto [end, error] = std::from_chars(digits, digits + 2, number, 16);
+    return error == std::errc() && end == digits + 2 ? number : std::stoi(text.substr(position, 2), nullptr, 16);
+}
+
+void Mask(const std::uint8_t* mask, unsigned char* buffer, unsigned int length) {
+    switch (length) {
+        case 2:
+            return MaskWord<std::uint16_t>(buffer, mask);
+        case 4:
+            return MaskWord<std::uint32_t>(buffer, mask);
+        case 8:
+            return MaskWord<std::uint64_t>(buffer, mask);
+        default:
+            std::transform(buffer, buffer + length, mask, buffer, std::bit_and<unsigned char>());
+    }
+}
+
+bool TellOfMask(std::size_t size, unsigned int length) {
+    KZM_LOG(ERROR, "[%s] Bitmask has %zu bytes for %u bytes of data", "Build", size, length);
+    return false;
+}
+
+bool IsMaskFor(const std::vector<std::uint8_t>* mask, unsigned int length) {
+    const std::size_t size = mask ? mask->size() : 0;
+    return size >= length || TellOfMask(size, length);
+}
+
+void Gather(Gathering gathering, const std::uint8_t* mask, unsigned char* buffer, unsigned int length, myData& data) {
+    auto& bytes = data.mBytes;
+    switch (gathering) {
+        case Gathering::BIG_ENDIAN_64:
+            data.SetUnsigned(GatherBigEndian(buffer, length));
+            break;
+        case Gathering::LITTLE_ENDIAN_64:
+            // The record stands least significant byte first.
+            std::copy_n(buffer, std::min(length, 8U), bytes.begin());
+            break;
+        case Gathering::SWAPPED_BIG_ENDIAN_32:
+            ElementData::WordSwap(buffer, length < 4 ? 0 : 4);
+            [[fallthrough]];
+        case Gathering::BIG_ENDIAN_32:
+            data.SetUnsigned(static_cast<std::uint32_t>(GatherBigEndian(buffer, length)));
+            break;
+        case Gathering::MASKED_BYTES:
+            data.End(static_cast<std::size_t>(std::copy_if(buffer, buffer + length, bytes.begin(),
+                                                           [mask](unsigned char) mutable { return *mask++ != 0; }) -
+                                              bytes.begin()));
+            break;
+        case Gathering::SWAPPED_BYTES:
+            for (unsigned int i = 0; i + 1 < length; i += 2) {
+                bytes[i] = buffer[i + 1];
+                bytes[i + 1] = buffer[i];
+            }
+            data.End(length / 2 * 2);
+            break;
+        case Gathering::BYTES:
+            std::copy_n(buffer, length, bytes.begin());
+            data.End(length);
+            break;
+    }
 }
 
 }  // namespace
@@ -74,17 +173,17 @@ bool ElementData::Build(unsigned char* buffer, unsigned int length, bool deviceB
         value = nullptr;
         return true;
     }
-    if (!HasMaskFor(length)) {
+    if (!IsMaskFor(mBitmask.get(), length)) {
         return false;
     }
     if (mValidityCheckEnabled && MatchesPattern(buffer, length)) {
         value = nullptr;
         return true;
     }
-    MaskBytes(buffer, length);
+    Mask(mBitmask->data(), buffer, length);
     invalid = false;
     myData data;
-    Gather(buffer, length, data);
+    Gather(RowOf(mLogicCode).gathering, mBitmask->data(), buffer, length, data);
     return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
 }
 
@@ -100,8 +199,7 @@ bool ElementData::HasPatternFor(unsigned int length) const {
 
 bool ElementData::MatchesPattern(const unsigned char* buffer, unsigned int length) const {
     for (std::size_t i = 0; i < length; ++i) {
-        // Two characters fit into the string object itself: no allocation.
-        if (std::stoi(mValidityStatus->substr(2 + 2 * i, 2), nullptr, 16) != buffer[i]) {
+        if (HexadecimalAt(*mValidityStatus, 2 + 2 * i) != buffer[i]) {
             return false;
         }
     }
@@ -109,47 +207,11 @@ bool ElementData::MatchesPattern(const unsigned char* buffer, unsigned int lengt
 }
 
 bool ElementData::HasMaskFor(unsigned int length) const {
-    if (mBitmask && mBitmask->size() >= length) {
-        return true;
-    }
-    KZM_LOG(ERROR, "[%s] Bitmask has %zu bytes for %u bytes of data", "Build", mBitmask ? mBitmask->size() : 0, length);
-    return false;
+    return IsMaskFor(mBitmask.get(), length);
 }
 
 void ElementData::MaskBytes(unsigned char* buffer, unsigned int length) const {
-    std::transform(buffer, buffer + length, mBitmask->begin(), buffer, std::bit_and<unsigned char>());
-}
-
-void ElementData::Gather(unsigned char* buffer, unsigned int length, myData& data) const {
-    auto& bytes = data.mBytes;
-    switch (RowOf(mLogicCode).gathering) {
-        case Gathering::BIG_ENDIAN_64:
-            data.SetUnsigned(GatherBigEndian<std::uint64_t>(buffer, length));
-            break;
-        case Gathering::LITTLE_ENDIAN_64:
-            // The record stands least significant byte first.
-            std::copy_n(buffer, std::min(length, 8U), bytes.begin());
-            break;
-        case Gathering::SWAPPED_BIG_ENDIAN_32:
-            WordSwap(buffer, length < 4 ? 0 : 4);
-            [[fallthrough]];
-        case Gathering::BIG_ENDIAN_32:
-            data.SetUnsigned(GatherBigEndian<std::uint32_t>(buffer, length));
-            break;
-        case Gathering::MASKED_BYTES:
-            std::copy_if(buffer, buffer + length, bytes.begin(),
-                         [mask = mBitmask->begin()](unsigned char) mutable { return *mask++ != 0; });
-            break;
-        case Gathering::SWAPPED_BYTES:
-            for (unsigned int i = 0; i + 1 < length; i += 2) {
-                bytes[i] = buffer[i + 1];
-                bytes[i + 1] = buffer[i];
-            }
-            break;
-        case Gathering::BYTES:
-            std::copy_n(buffer, length, bytes.begin());
-            break;
-    }
+    Mask(mBitmask->data(), buffer, length);
 }
 
 std::uint16_t ElementData::GetDeviceRegister() const {
@@ -184,11 +246,19 @@ nlohmann::json ElementData::ToJson() const {
 }
 
 void ElementData::WordSwap(unsigned char* buffer, unsigned int length) {
-    if (buffer == nullptr || (length != 4 && length != 6 && length != 8)) {
+    if (buffer == nullptr) {
         return;
     }
-    for (unsigned int left = 0, right = length - 2; left < right; left += 2, right -= 2) {
-        std::swap_ranges(buffer + left, buffer + left + 2, buffer + right);
+    // Whole loads and stores: what is written by halves cannot be read at once before it has left the processor's
+    // queue.
+    if (length == 4) {
+        StoreAt(buffer, std::rotl(LoadAt<std::uint32_t>(buffer), 16));
+    } else if (length == 6) {
+        std::swap_ranges(buffer, buffer + 2, buffer + 4);
+    } else if (length == 8) {
+        const auto first = LoadAt<std::uint32_t>(buffer);
+        StoreAt(buffer, std::rotl(LoadAt<std::uint32_t>(buffer + 4), 16));
+        StoreAt(buffer + 4, std::rotl(first, 16));
     }
 }
 

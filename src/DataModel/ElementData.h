@@ -129,7 +129,6 @@ private:
     bool MustSwapWords(bool deviceBigEndian) const;
     bool HasPatternFor(unsigned int length) const;
     bool MatchesPattern(const unsigned char* buffer, unsigned int length) const;
-    void Gather(unsigned char* buffer, unsigned int length, myData& data) const;
     double Scale(double raw) const;
     std::uint32_t MaskOfBits(unsigned int bits) const;
 

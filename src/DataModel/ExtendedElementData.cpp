@@ -38,6 +38,13 @@ double NumberIn(const json& value) {
     return number;
 }
 
+// A number as patterns write it, of which only as many digits count as the registers hold.
+std::string PatternOf(std::uint64_t raw, std::uint8_t registers) {
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(raw));
+    return std::string(text, 0, 2 + 4 * std::size_t{registers});
+}
+
 }  // namespace
 
 ExtendedElementData::ExtendedElementData(
@@ -70,10 +77,7 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
         return false;
     }
     MaskBytes(buffer, length);
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%llX", static_cast<unsigned long long>(raw));
-    const auto shown = std::string_view(text).substr(0, 2 + 4 * std::size_t{GetNumberOfRegisters()});
-    if (const auto pattern = GetValidityStatus(); pattern && *pattern == shown) {
+    if (const auto pattern = GetValidityStatus(); pattern && *pattern == PatternOf(raw, GetNumberOfRegisters())) {
         invalid = true;
         value = nullptr;
         return true;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <span>
 
 #include "DataModel/DateTimeText.h"
 #include "DataModel/ElementData.h"
@@ -122,21 +123,29 @@ json LoadNature(double powerFactor, const char* upToOne, const char* aboveOne) {
     return magnitude <= 1.0 ? upToOne : aboveOne;
 }
 
-// The five decimal digits of a version number, regrouped into three groups of three.
-json Version(Family layout, std::uint16_t raw) {
-    std::string digits = std::to_string(raw);
-    digits.insert(0, 5 - digits.size(), '0');
-    const auto group = [&](std::size_t from, std::size_t count) {
-        return std::string(3 - count, '0') + digits.substr(from, count);
-    };
+// Where the decimal digits of a version number go in its text, the least significant first.
+std::span<const std::uint8_t> VersionPlaces(Family layout) {
+    static constexpr std::uint8_t TWO_THREE[] = {6, 5, 4, 2, 1};
+    static constexpr std::uint8_t ONE_ONE_TWO[] = {10, 9, 6, 2};
+    static constexpr std::uint8_t ONE_ONE_THREE[] = {10, 9, 8, 6, 2};
     switch (layout) {
         case Family::VERSION_2_3:
-            return group(0, 2) + "." + group(2, 3) + ".000";
+            return TWO_THREE;
         case Family::VERSION_1_1_2:
-            return group(1, 1) + "." + group(2, 1) + "." + group(3, 2);
+            return ONE_ONE_TWO;
         default:
-            return group(0, 1) + "." + group(1, 1) + "." + group(2, 3);
+            return ONE_ONE_THREE;
     }
+}
+
+json Version(Family layout, std::uint16_t raw) {
+    std::string text = "000.000.000";
+    unsigned int rest = raw;
+    for (const std::uint8_t place : VersionPlaces(layout)) {
+        text[place] = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    }
+    return text;
 }
 
 void SetFrequencyClass(std::uint32_t hertz, json& value) {
@@ -150,27 +159,34 @@ void SetFrequencyClass(std::uint32_t hertz, json& value) {
 }  // namespace
 
 bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
-    const Family family = RowOf(mLogicCode).family;
-    if (family == Family::NONE || family == Family::SCALED_POWER) {
-        return false;
+    const auto& row = RowOf(mLogicCode);
+    switch (row.family) {
+        case Family::NONE:
+        case Family::SCALED_POWER:
+            return false;
+        case Family::NUMBER:
+            value = Emit(row.output, Scale(NumberOf(row.view, data)));
+            invalid = value.is_null();
+            return true;
+        case Family::FREQUENCY_CLASS:
+            invalid = false;
+            SetFrequencyClass(data.Unsigned32(), value);
+            return true;
+        case Family::TEXT_ENUMERATION:
+            invalid = false;
+            value = GetEnumValue<unsigned long long>(data, invalid);
+            return true;
+        default:
+            invalid = false;
+            value = Convert(data, invalid);
+            invalid = invalid || value.is_null();
+            return true;
     }
-    invalid = false;
-    if (family == Family::FREQUENCY_CLASS) {
-        SetFrequencyClass(data.Unsigned32(), value);
-    } else if (family == Family::TEXT_ENUMERATION) {
-        value = GetEnumValue<unsigned long long>(data, invalid);
-    } else {
-        value = Convert(data, invalid);
-        invalid = invalid || value.is_null();
-    }
-    return true;
 }
 
 json ElementData::Convert(myData& data, bool& invalid) {
     const auto& row = RowOf(mLogicCode);
     switch (row.family) {
-        case Family::NUMBER:
-            return Emit(row.output, Scale(NumberOf(row.view, data)));
         case Family::DOUBLE:
             return EmitFinite(Scale(data.Double()));
         case Family::BOOLEAN:

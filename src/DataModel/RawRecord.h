@@ -1,28 +1,37 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <utility>
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// The raw value record: 256 bytes, zero before an element is gathered into it. Numbers stand in it least significant
-// byte first on every host; texts end with a NUL, since an element has at most 255 bytes.
+// The raw value record of 256 bytes. Numbers stand in it least significant byte first on every host. Zero at first is
+// what is read whatever was gathered: the eight bytes of a number, and a NUL behind them; gathered text is ended by
+// End.
 struct myData {
-    std::array<std::uint8_t, 256> mBytes{};
+    std::array<std::uint8_t, 256> mBytes;
 
+    myData() { std::fill_n(mBytes.begin(), 16, std::uint8_t{0}); }
+
+    // Ends a text of `length` bytes, which are at most 255.
+    void End(std::size_t length) { mBytes[length] = 0; }
+
+    // Written without a loop, as that is what compilers make one instruction of.
     void SetUnsigned(std::uint64_t number) {
-        for (std::size_t i = 0; i < 8; ++i) {
-            mBytes[i] = static_cast<std::uint8_t>(number >> (8 * i));
+        [&]<std::size_t... I>(std::index_sequence<I...>) {
+            ((mBytes[I] = static_cast<std::uint8_t>(number >> (8 * I))), ...);
         }
+        (std::make_index_sequence<8>());
     }
 
     std::uint64_t Unsigned64() const {
-        std::uint64_t number = 0;
-        for (std::size_t i = 8; i-- > 0;) {
-            number = number << 8 | mBytes[i];
+        return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            return ((std::uint64_t{mBytes[I]} << (8 * I)) | ...);
         }
-        return number;
+        (std::make_index_sequence<8>());
     }
     std::uint32_t Unsigned32() const { return static_cast<std::uint32_t>(Unsigned64()); }
     std::uint16_t Unsigned16() const { return static_cast<std::uint16_t>(Unsigned64()); }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include "DataModel/ElementData.h"
@@ -36,6 +37,9 @@ bool ElementData::CheckUTF8Validity(std::string& text, unsigned int& position, u
 }
 
 void ElementData::SanitiseUTF8Sequence(std::string& text) {
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+        return;
+    }
     std::string repaired;
     repaired.reserve(text.size());
     unsigned int length = 1;

@@ -38,11 +38,13 @@ DeviceModel::DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::F
       mUnits(std::move(units)),
       mComputedAlarms(std::move(computedAlarms)),
       mClassNames(std::move(classNames)) {
-    mObjectAdapters.merge(adapters);
-    for (const auto& [key, adapter] : mObjectAdapters) {
-        if (adapter) {
-            adapter->ComputeFrameIndexes();
+    mObjectAdapters.reserve(adapters.size());
+    while (!adapters.empty()) {
+        auto next = adapters.extract(adapters.begin());
+        if (next.mapped()) {
+            next.mapped()->ComputeFrameIndexes();
         }
+        mObjectAdapters.emplace(std::move(next.key()), std::move(next.mapped()));
     }
 }
 
@@ -75,7 +77,7 @@ ModbusMeasurementInformation DeviceModel::GetMeasurementInformation(const std::s
     }
     KZM_LOG_TRACE("%s: Measure shortId=%s, name=%s, alias=%s", __func__, suffix.c_str(), name.c_str(), alias.c_str());
     ModbusMeasurementInformation information;
-    const auto found = mObjectAdapters.find(KeyLess::View(name, alias));
+    const auto found = mObjectAdapters.find(KeyView(name, alias));
     const auto elements = GetElements(name, alias);
     if (found != mObjectAdapters.end() && found->second) {
         information = found->second->GetModbusMeasurementInformation();
@@ -155,14 +157,14 @@ kz::orba::StatusCode DeviceModel::GetVortaObjectValue(
     kz::orba::VortaORBAObject& object) const {
     const auto& name = object.GetName();
     const auto& alias = object.GetAlias();
-    std::shared_ptr<DataModel::VortaObjectAdapter> adapter;
+    DataModel::VortaObjectAdapter* adapter = nullptr;
     const auto status = FindAdapter(__func__, name, alias, adapter);
     return adapter ? adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object) : status;
 }
 
 kz::orba::StatusCode DeviceModel::FindAdapter(const char* operation, std::string_view name, std::string_view alias,
-                                              std::shared_ptr<DataModel::VortaObjectAdapter>& adapter) const {
-    const auto found = mObjectAdapters.find(KeyLess::View(name, alias));
+                                              DataModel::VortaObjectAdapter*& adapter) const {
+    const auto found = mObjectAdapters.find(KeyView(name, alias));
     if (found == mObjectAdapters.end()) {
         KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", operation,
                       mModelName.c_str(), std::string(name).c_str(), Logging::Text(Status::NOT_FOUND).c_str());
@@ -173,7 +175,7 @@ kz::orba::StatusCode DeviceModel::FindAdapter(const char* operation, std::string
                 std::string(name).c_str());
         return Status::INVALID_ARGUMENT;
     }
-    adapter = found->second;
+    adapter = found->second.get();
     return Status::SUCCESS;
 }
 
@@ -188,7 +190,7 @@ kz::orba::StatusCode DeviceModel::GetFramesForIoTNameAndAlias(const std::string&
     if (!elements.empty()) {
         return Status::SUCCESS;
     }
-    std::shared_ptr<DataModel::VortaObjectAdapter> adapter;
+    DataModel::VortaObjectAdapter* adapter = nullptr;
     const auto status = FindAdapter(__func__, name, alias, adapter);
     if (adapter) {
         AddFrames(adapter->GetFrameIndexes(), frames);
@@ -211,7 +213,7 @@ DeviceModel::Frames DeviceModel::GetDependencyFrame(const std::string& name, con
         AddFrames(alarm->GetFrameIndexes(), frames);
         return frames;
     }
-    const auto adapter = mObjectAdapters.find(KeyLess::View(name, alias));
+    const auto adapter = mObjectAdapters.find(KeyView(name, alias));
     if (adapter != mObjectAdapters.end()) {
         if (adapter->second) {
             AddFrames(adapter->second->GetFrameIndexes(), frames);

@@ -76,20 +76,21 @@ public:
                                                      Frames& frames) const;
 
 private:
-    // Orders keys as std::pair does, and finds one without building a pair of strings.
-    struct KeyLess {
+    // A key is found without building a pair of strings.
+    using KeyView = std::pair<std::string_view, std::string_view>;
+    struct KeyHash {
         using is_transparent = void;
-        using View = std::pair<std::string_view, std::string_view>;
-        static View ViewOf(const Key& key) { return {key.first, key.second}; }
-        static View ViewOf(const View& key) { return key; }
-        template <typename Left, typename Right>
-        bool operator()(const Left& left, const Right& right) const {
-            return ViewOf(left) < ViewOf(right);
+        std::size_t operator()(const KeyView& key) const {
+            return std::hash<std::string_view>{}(key.first) * 31 + std::hash<std::string_view>{}(key.second);
         }
+    };
+    struct KeyEqual {
+        using is_transparent = void;
+        bool operator()(const KeyView& left, const KeyView& right) const { return left == right; }
     };
 
     kz::orba::StatusCode FindAdapter(const char* operation, std::string_view name, std::string_view alias,
-                                     std::shared_ptr<DataModel::VortaObjectAdapter>& adapter) const;
+                                     DataModel::VortaObjectAdapter*& adapter) const;
     void AddDependencies(const std::vector<std::shared_ptr<DataModel::ElementData>>& elements, Frames& frames) const;
     void AddFrames(const std::set<std::uint8_t>& frameIndexes, Frames& frames) const;
 
@@ -100,7 +101,7 @@ private:
     bool mEdmType = false;
     TextByName mUnits;
     ComputedAlarms mComputedAlarms;
-    std::map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>, KeyLess> mObjectAdapters;
+    std::unordered_map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>, KeyHash, KeyEqual> mObjectAdapters;
     TextByName mClassNames;
     std::string mModelVersion;
     bool mUserDefinedModel = false;

@@ -1,6 +1,5 @@
 #include "kzm/Log/RootLogger.h"
 
-#include <atomic>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -15,7 +14,6 @@ namespace kzm::Log {
 namespace {
 
 struct State {
-    std::atomic<OrbaLogLevel> level{OrbaLogLevel::WARNING};
     std::mutex mutex;
     RootLogger::Sink sink;
 };
@@ -49,12 +47,8 @@ RootLogger& RootLogger::GetInstance() {
     return instance;
 }
 
-OrbaLogLevel RootLogger::GetLevel() const {
-    return GetState().level.load(std::memory_order_relaxed);
-}
-
 void RootLogger::SetLevel(OrbaLogLevel level) {
-    GetState().level = level;
+    mLevel = level;
 }
 
 void RootLogger::SetSink(Sink sink) {

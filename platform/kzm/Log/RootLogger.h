@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -27,7 +28,7 @@ public:
     static RootLogger& GetInstance();
 
     // WARNING when the process starts.
-    OrbaLogLevel GetLevel() const;
+    OrbaLogLevel GetLevel() const { return mLevel.load(std::memory_order_relaxed); }
     void SetLevel(OrbaLogLevel level);
 
     // Where lines go; an empty sink means standard error, which is also what the process starts with.
@@ -39,6 +40,8 @@ public:
 
 private:
     RootLogger() = default;
+
+    std::atomic<OrbaLogLevel> mLevel{OrbaLogLevel::WARNING};
 };
 
 }  // namespace kzm::Log

@@ -33,4 +33,28 @@ TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     EXPECT_EQ(CountAllocations() - before, forTexts);
 }
 
+TEST(ElementData, DecodingAllocatesOnlyTheTextThatComesOut) {
+    const std::pair<int, const char*> rows[] = {{62, "53657269616C204E6F2E203132333400"},
+                                                {43, "65536972616C204E"},
+                                                {44, "0019060C091E2328"},
+                                                {47, "060C7D091E0900FA"},
+                                                {56, "3039"},
+                                                {57, "12345678"},
+                                                {58, "3F400000"}};
+    for (const auto& [code, registers] : rows) {
+        ElementData element = MakeElement({.code = code});
+        Bytes bytes = Hex(registers);
+        bool invalid = false;
+        json value;
+        std::size_t before = CountAllocations();
+        ASSERT_TRUE(
+            element.Build(bytes.data(), static_cast<unsigned>(bytes.size()), true, 2000, invalid, value, nullptr));
+        const std::size_t taken = CountAllocations() - before;
+        const auto text = value.get<std::string>();
+        before = CountAllocations();
+        const json alone = std::string(text);
+        EXPECT_EQ(taken, CountAllocations() - before) << "code " << code;
+    }
+}
+
 }  // namespace kzm::ModbusDeviceModel::Test
