@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <new>
 
 // The operator new of the test programs: it counts, and fails when it is told to.
