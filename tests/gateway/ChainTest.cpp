@@ -50,6 +50,7 @@ const Row ROWS[] = {
     {"sum", "{}", R"({"a": 18446744073709551615, "b": 1})", "status 28"},
     {"sum", "{}", R"({"a": 1e308, "b": 1e308})", "status 28"}, {"sum", "{}", R"({"a": 1, "b": "2"})", "status 28"},
     {"sum", "{}", R"({"a": 1, "b": null})", "status 28"},
+    {"difference", "{}", R"({"subtrahend": 0.5, "minuend": 2})", "1.5"},
     {"difference", "{}", R"({"subtrahend": 2, "minuend": 1})", "-1"},
     {"difference", "{}", R"({"subtrahend": 9223372036854775808, "minuend": 0})", "-9223372036854775808"},
     {"difference", "{}", R"({"subtrahend": 9223372036854775809, "minuend": 0})", "status 28"},

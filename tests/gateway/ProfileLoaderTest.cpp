@@ -111,7 +111,11 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 "type": 44 => "type": 44, "scale": 2 => warning 10 /elements/clock/scale: has no effect => iec870
 "scale": 0.5 => "scale": 0 => warning 12 /objects/0/value/scale: makes every value the same
 "0x00F0" => "0x0000" => warning 13 /objects/1/value/mask: leaves no bit of the registers
+[7, => [102, 7, => 13 /objects/1/value: more than one frame holds register 102 => "main", "list"
+"int32" => "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaé" => 12 /objects/0/value/type: there is no logic code "aaaaaaaaaaaaaaaaaa => a...
 // enumerations
+"enum16", "mask": "0x00F0" => "enum-float32" => 8 /enumerations/state/0x1: "0x1" is no raw value of the type "enum-float32" => a number
+"text", "count": 2 => "enum-text", "enumeration": "state" => 16 /objects/3/value: "count" is missing => 1 to 127
 "0x1" => "16" => warning 13 /objects/1/value/mask: never gives the raw value 16 of "On"
 "0x1" => "0x10000" => 8 /enumerations/state/0x10000: "0x10000" is no raw value => 0 to 65535
 "0x1" => "0x00" => 8 /enumerations/state/0x00: the raw value => already

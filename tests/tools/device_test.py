@@ -97,7 +97,7 @@ class DeviceTest(unittest.TestCase):
             def connect():
                 return socket.create_connection(address, timeout=5)
             with connect() as waiting, connect() as client, client.makefile("rb") as answers:
-                waiting.sendall(bytes.fromhex("0001 0000 00"))
+                waiting.sendall(bytes.fromhex("0001 0000 0006 01"))
                 for request, answer in [*rows, [b"".join(side) for side in zip(*rows)]]:
                     client.sendall(request)
                     self.assertEqual(answers.read(len(answer)), answer, request.hex())
@@ -105,7 +105,7 @@ class DeviceTest(unittest.TestCase):
                     with connect() as other, contextlib.suppress(ConnectionResetError):
                         other.sendall(bytes.fromhex(garbage))
                         self.assertEqual(other.recv(1), b"", garbage)
-                waiting.sendall(bytes.fromhex("06 01 03 0010 0001"))
+                waiting.sendall(bytes.fromhex("03 0010 0001"))
                 self.assertEqual(waiting.makefile("rb").read(11), bytes.fromhex("0001 0000 0005 01 03 02 0a0b"))
 
     def test_a_served_series_is_played_and_its_last_snapshot_stays(self):
@@ -152,10 +152,12 @@ class DeviceTest(unittest.TestCase):
 
     def test_a_device_that_cannot_be_reached_has_a_status_and_leaves_files_alone(self):
         kept = file("kept.json", "kept")
-        for arguments in (["poll"], ["capture", "-o", kept]):
-            done = run(arguments[0], PROFILE, "--tcp", "127.0.0.1:1", "--count", 2, "--interval", 0.01, *arguments[1:])
-            self.assertEqual(done.returncode, 4)
-            self.assertEqual(done.stderr.count("no connection: Connection refused"), 1)
+        for line, reason in [(["--tcp", "127.0.0.1:1"], "Connection refused"),
+                             (["--rtu", "/nowhere/tty:9600:N"], "No such file or directory")]:
+            for command, *more in (["poll"], ["capture", "-o", kept]):
+                done = run(command, PROFILE, *line, "--count", 2, "--interval", 0.01, *more)
+                self.assertEqual(done.returncode, 4)
+                self.assertEqual(done.stderr.count("no connection: " + reason), 1)
         with open(kept, encoding="utf-8") as stream:
             self.assertEqual(stream.read(), "kept")
         self.assertFalse([name for name in os.listdir(os.path.dirname(kept)) if ".part" in name])
