@@ -44,8 +44,9 @@ std::string Alternatives(std::string_view unknown, const Names& known, const std
     std::size_t least = std::max<std::size_t>(2, unknown.size() / 3) + 1;
     std::string nearest;
     for (const auto& name : known) {
-        if (std::max(name.size(), unknown.size()) > LONGEST_COMPARED_NAME) {
-            continue;
+        const auto [shorter, longer] = std::minmax({name.size(), unknown.size()});
+        if (longer > LONGEST_COMPARED_NAME || longer - shorter >= least) {
+            continue;  // differs by that many characters at least
         }
         const std::size_t distance = Distance(unknown, name);
         if (distance < least) {
