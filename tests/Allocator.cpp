@@ -37,17 +37,32 @@ bool MemoryShortage::HasStruck() const {
 
 }  // namespace kzm::Testing
 
-// None of them is inlined, else GCC sees memory of one allocator go to another and warns.
+// All of them, as a sanitizer brings its own for each that is missing. None is inlined, else GCC sees memory of one
+// allocator go to another and warns.
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return kzm::Testing::IsToFail() ? nullptr : std::malloc(size);
+}
 [[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const memory = kzm::Testing::IsToFail() ? nullptr : std::malloc(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
+    if (void* const memory = operator new(size, std::nothrow)) {
+        return memory;
     }
-    return memory;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return operator new(size, std::nothrow);
+}
+[[gnu::noinline]] void* operator new[](std::size_t size) {
+    return operator new(size);
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept {
     std::free(memory);
 }
