@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 constexpr auto HOLDING = ModbusFunctionCode::READ_HOLDING_REGISTERS;
 
 ModbusConnection To(std::uint16_t port) {
-    return {.line = TcpEndpoint{"127.0.0.1", port}, .timeout = 200ms, .firstPause = 20ms, .longestPause = 80ms};
+    return {.line = TcpEndpoint{"127.0.0.1", port}, .timeout = 500ms, .firstPause = 20ms, .longestPause = 80ms};
 }
 
 const std::vector<FrameData> DEVICE_FRAMES{
@@ -132,8 +132,8 @@ TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnASerialLine) {
         {"disturbed", {MISFIT}, 0, "Invalid CRC"},
     };
     for (const FaultRow& row : rows) {
-        ScriptedDevice device(225ms);
-        ExpectFaultHitsOneFrameOnce(device, {.line = RtuLine{device.GetLineName()}, .timeout = 150ms}, row);
+        ScriptedDevice device(600ms);
+        ExpectFaultHitsOneFrameOnce(device, {.line = RtuLine{device.GetLineName()}, .timeout = 400ms}, row);
     }
 }
 
