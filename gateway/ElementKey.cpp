@@ -12,6 +12,7 @@ namespace kzm::ModbusGateway {
 
 using kz::orba::VortaExtensionModbus::Device::CustomAlarmElementStructure;
 using kz::orba::VortaExtensionModbus::Device::DeviceElementLookUp;
+using kz::orba::VortaExtensionModbus::Device::DictionaryEntry;
 using nlohmann::json;
 namespace Vorta = edm::modbus::Vorta;
 
@@ -28,6 +29,12 @@ std::string ElementPathOf(const std::string& dictionaryPath) {
     const std::size_t begin = dictionaryPath.starts_with(ELEMENTS) ? std::string_view(ELEMENTS).size() : 0;
     const std::size_t end = dictionaryPath.rfind('.');
     return begin == 0 ? "" : dictionaryPath.substr(begin, end - begin);
+}
+
+// Whether the text is the element's name or the id of a device element that feeds it.
+bool IsOf(const DictionaryEntry& entry, std::string_view text) {
+    return entry.name == text || std::any_of(entry.sources.begin(), entry.sources.end(),
+                                             [&](const auto& source) { return source.id == text; });
 }
 
 }  // namespace
@@ -57,15 +64,19 @@ std::optional<ElementKey> ElementKey::Find(const std::string& text, std::string&
 
 std::string ElementKey::Nearest(std::string_view text) {
     Names keys;
+    Names meant;
     for (const auto* table :
          {&DeviceElementLookUp::mIotAlmFunctionElement, &DeviceElementLookUp::mIotMeasurementFunctionElement,
           &DeviceElementLookUp::mIotProtectionFunctionElement,
           &DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement}) {
         for (const auto& row : *table) {
             keys.emplace_back(row.first);
+            if (IsOf(row.second, text)) {
+                meant.emplace_back(row.first);
+            }
         }
     }
-    return NearestTo(text, keys);
+    return NearestTo(text, meant.empty() ? keys : meant);
 }
 
 bool ElementKey::IsInDictionary() const {

@@ -17,7 +17,8 @@ public:
     // Nothing for a text that is no key; `fault` then says why, and what is near.
     static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
 
-    // The three keys of the dictionary that are most like a text.
+    // Up to three keys of the dictionary: those whose element has the text as name or is fed by the device element of
+    // that id, else those that are most like the text.
     static std::string Nearest(std::string_view text);
 
     const std::string& GetText() const { return mText; }
