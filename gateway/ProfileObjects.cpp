@@ -167,7 +167,7 @@ ProfileObjects::Filling ProfileObjects::FillRole(const char* member, const char*
         filling.place = roles.At(member);
         filling.element = mElements.Get(filling.place);
         filling.isThere = true;
-    } else if (mElements.Has(source)) {
+    } else if (!source.empty() && mElements.Has(source)) {
         filling.source = source;
         filling.element = mElements.Get(source);
         filling.isThere = true;

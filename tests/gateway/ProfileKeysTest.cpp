@@ -145,6 +145,14 @@ TEST(ProfileKeys, NameAndAliasMakeTheKeyOfACustomMeasurement) {
     EXPECT_EQ(unit, "V");
 }
 
+TEST(ProfileKeys, AnElementWithoutNameFeedsOnlyWhoNamesIt) {
+    const auto loaded = ProfileLoader::Load(
+        R"({"frames": [{"name": "a", "function": 3, "address": 0, "count": 1}],
+            "elements": {"": {"address": 0, "type": "int16"}},
+            "objects": [{"name": "Level", "value": ""}, {"key": "IA", "value": ""}]})");
+    EXPECT_EQ(Written(loaded.problems), "");
+}
+
 TEST(ProfileKeys, FaultsAreToldWithTheirRemedy) {
     ExpectOneProblemEach(PROFILE, R"(
 "key": "1d" => "key": "minia" => 14 /objects/2/key: the dictionary has no key "minia" => nearest: DTMinIA;MinIA,
