@@ -4,7 +4,7 @@
 #include "Device/DeviceModel.h"
 #include "benchmarks/AllocationCount.h"
 #include "benchmarks/OneFrameCache.h"
-#include "gateway/RegisterCache.h"
+#include "gateway/cache/RegisterCache.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "src/TestElement.h"
 

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "fuzz/Input.h"
-#include "gateway/Socket.h"
+#include "gateway/modbus/Socket.h"
 
 namespace kzm::ModbusFuzz {
 

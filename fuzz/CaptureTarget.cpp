@@ -3,7 +3,7 @@
 
 #include "fuzz/Input.h"
 #include "fuzz/JsonMutator.h"
-#include "gateway/Capture.h"
+#include "gateway/capture/Capture.h"
 
 namespace kzm::ModbusFuzz {
 

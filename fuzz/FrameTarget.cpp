@@ -3,8 +3,8 @@
 
 #include "DeviceProfile/FrameData.h"
 #include "fuzz/Input.h"
-#include "gateway/FrameAddresses.h"
-#include "gateway/RegisterCache.h"
+#include "gateway/cache/FrameAddresses.h"
+#include "gateway/cache/RegisterCache.h"
 
 namespace kzm::ModbusFuzz {
 

@@ -8,9 +8,9 @@
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "fuzz/Input.h"
 #include "fuzz/JsonMutator.h"
-#include "gateway/ProfileLoader.h"
-#include "gateway/RegisterCache.h"
-#include "gateway/ValueEncoder.h"
+#include "gateway/cache/RegisterCache.h"
+#include "gateway/model/ValueEncoder.h"
+#include "gateway/profile/ProfileLoader.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "kzm/StandIn/Clock.h"
 

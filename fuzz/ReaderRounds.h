@@ -4,14 +4,14 @@
 #include <deque>
 
 #include "fuzz/AnsweringDevice.h"
-#include "gateway/FrameAddresses.h"
-#include "gateway/ModbusLine.h"
-#include "gateway/ModbusReader.h"
+#include "gateway/cache/FrameAddresses.h"
+#include "gateway/modbus/ModbusConnection.h"
+#include "gateway/modbus/ModbusReader.h"
 
 namespace kzm::ModbusFuzz {
 
 // Reads a device's frames for some rounds, then writes; the device gives answers of the input.
-inline void ReadRounds(Input& input, AnsweringDevice& device, const ModbusGateway::ModbusConnection& connection) {
+inline void ReadRounds(Input& input, AnsweringDevice& device, const ModbusGateway::ModbusSettings& connection) {
     using namespace ModbusGateway;
     using ModbusDeviceModel::ModbusFunctionCode;
     using ModbusDeviceModel::DeviceProfile::FrameData;
@@ -48,9 +48,10 @@ inline void ReadRounds(Input& input, AnsweringDevice& device, const ModbusGatewa
         Require(index % 2 == 0 || std::ranges::all_of(frame.registers, [](auto bit) { return bit <= 1; }),
                 "a coil is 0 or 1");
     }
-    ModbusLine line(connection);
+    ModbusConnection line(connection);
     const auto written = line.Write({ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, 10, 2});
-    Require((written.outcome == ModbusLine::Outcome::ANSWERED) == written.reason.empty(), "a failure has a reason");
+    Require((written.outcome == ModbusConnection::Outcome::ANSWERED) == written.reason.empty(),
+            "a failure has a reason");
 }
 
 }  // namespace kzm::ModbusFuzz

@@ -7,6 +7,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace std::chrono_literals;
     static AnsweringDevice device(AnsweringDevice::Line::SERIAL);
     Input input(data, size);
-    ReadRounds(input, device, {.line = kzm::ModbusGateway::RtuLine{device.GetLineName()}, .timeout = 3ms});
+    ReadRounds(input, device, {.line = kzm::ModbusGateway::SerialPort{device.GetLineName()}, .timeout = 3ms});
     return 0;
 }

@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "fuzz/Input.h"
-#include "gateway/ModbusSimulator.h"
-#include "gateway/Socket.h"
+#include "gateway/modbus/ModbusSimulator.h"
+#include "gateway/modbus/Socket.h"
 
 namespace kzm::ModbusFuzz {
 

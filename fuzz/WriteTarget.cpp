@@ -1,7 +1,7 @@
 // Puts values into a write request, and encodes texts as values of elements.
 #include "DeviceProfile/FrameDataValue.h"
 #include "fuzz/ElementInput.h"
-#include "gateway/ValueEncoder.h"
+#include "gateway/model/ValueEncoder.h"
 
 namespace kzm::ModbusFuzz {
 

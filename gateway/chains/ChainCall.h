@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "gateway/ProblemText.h"
+#include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusGateway {
 

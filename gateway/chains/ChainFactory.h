@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DataModel/ProcessingChain.h"
-#include "gateway/ProblemText.h"
+#include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusGateway {
 

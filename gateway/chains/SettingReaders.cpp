@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "gateway/JsonCursor.h"
 #include "gateway/chains/NumberOrder.h"
+#include "gateway/json/JsonCursor.h"
 
 namespace kzm::ModbusGateway::SettingReaders {
 

@@ -22,7 +22,7 @@ namespace {
 struct AlarmsOptions {
     std::string profile;
     std::string capture;
-    ModbusConnection connection;
+    ModbusSettings connection;
     Repetition repetition{0};
     bool all = false;
     bool json = false;

@@ -16,7 +16,7 @@ namespace {
 
 struct CaptureOptions {
     std::string profile;
-    ModbusConnection connection;
+    ModbusSettings connection;
     Repetition repetition{1};
     std::string output;
 };

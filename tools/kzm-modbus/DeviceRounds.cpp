@@ -13,7 +13,7 @@ using namespace ModbusGateway;
 
 namespace {
 
-ModbusReader ReaderOf(const ModbusConnection& connection, const LoadedProfile& profile, RegisterCache& cache) try {
+ModbusReader ReaderOf(const ModbusSettings& connection, const LoadedProfile& profile, RegisterCache& cache) try {
     return ModbusReader(connection, profile.model->GetFrames(), cache);
 } catch (const std::invalid_argument&) {
     throw NoSuchLine(connection);
@@ -21,11 +21,11 @@ ModbusReader ReaderOf(const ModbusConnection& connection, const LoadedProfile& p
 
 }  // namespace
 
-Failure NoSuchLine(const ModbusConnection& connection) {
+Failure NoSuchLine(const ModbusSettings& connection) {
     return {ExitStatus::WRONG_USAGE, ToText(connection) + ": the line has no such unit, or no such baud rate"};
 }
 
-ExitStatus ReadRounds(const ModbusConnection& connection, const Repetition& repetition, const LoadedProfile& profile,
+ExitStatus ReadRounds(const ModbusSettings& connection, const Repetition& repetition, const LoadedProfile& profile,
                       RegisterCache& cache, const OnRound& onRound) {
     using Clock = std::chrono::steady_clock;
     const StopSignal stop;

@@ -6,8 +6,8 @@
 
 #include "ExitStatus.h"
 #include "Options.h"
-#include "gateway/ModbusReader.h"
-#include "gateway/ProfileLoader.h"
+#include "gateway/modbus/ModbusReader.h"
+#include "gateway/profile/ProfileLoader.h"
 
 namespace kzm::ModbusTool {
 
@@ -15,12 +15,12 @@ using OnRound = std::function<void(const ModbusGateway::ModbusReader::Round& rou
 
 // Reads a device round by round into the cache and tells each. Ends after the count, with a stop signal, or when
 // standard output is closed. The result is NOT_REACHED when the count was reached without a single frame.
-ExitStatus ReadRounds(const ModbusGateway::ModbusConnection& connection, const Repetition& repetition,
+ExitStatus ReadRounds(const ModbusGateway::ModbusSettings& connection, const Repetition& repetition,
                       const ModbusGateway::LoadedProfile& profile, ModbusGateway::RegisterCache& cache,
                       const OnRound& onRound);
 
-// For a connection that cannot be, as ModbusReader and ModbusLine call it.
-Failure NoSuchLine(const ModbusGateway::ModbusConnection& connection);
+// For a connection that cannot be, as ModbusReader and ModbusConnection call it.
+Failure NoSuchLine(const ModbusGateway::ModbusSettings& connection);
 
 // What went wrong in a round, a line for each: "frame basic: Illegal data address".
 std::vector<std::string> DescribeErrors(const ModbusGateway::ModbusReader::Round& round,

@@ -10,7 +10,7 @@
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DynamicDeviceClasses.h"
-#include "gateway/ElementKey.h"
+#include "gateway/profile/ElementKey.h"
 
 namespace kzm::ModbusTool {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "gateway/Capture.h"
-#include "gateway/ProfileLoader.h"
+#include "gateway/capture/Capture.h"
+#include "gateway/profile/ProfileLoader.h"
 
 namespace kzm::ModbusTool {
 

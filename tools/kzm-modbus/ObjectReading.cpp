@@ -4,7 +4,7 @@
 
 #include "Support/Status.h"
 #include "WhyNoValue.h"
-#include "gateway/ObjectGroupAdapter.h"
+#include "gateway/model/ObjectGroupAdapter.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "kzm/Log/RootLogger.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ObjectSelection.h"
-#include "gateway/RegisterCache.h"
+#include "gateway/cache/RegisterCache.h"
 
 namespace kzm::ModbusTool {
 

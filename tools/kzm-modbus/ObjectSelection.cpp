@@ -1,7 +1,7 @@
 #include "ObjectSelection.h"
 
 #include "ExitStatus.h"
-#include "gateway/Nearest.h"
+#include "gateway/json/Suggestions.h"
 
 namespace kzm::ModbusTool {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "gateway/ProfileLoader.h"
+#include "gateway/profile/ProfileLoader.h"
 
 namespace kzm::ModbusTool {
 

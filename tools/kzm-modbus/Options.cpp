@@ -55,7 +55,7 @@ constexpr const char* CAPTURE_HELP = "The recorded frames of a device";
 constexpr const char* RTU_FORM = " is not DEVICE:BAUD:PARITY with parity N, E or O, e.g. /dev/ttyUSB0:19200:E";
 
 // A device's name may hold colons, so that the last two count.
-RtuLine ParseRtuLine(const std::string& text) {
+SerialPort ParseRtuLine(const std::string& text) {
     const std::size_t parityAt = text.rfind(':');
     const std::size_t baudAt = parityAt == text.npos || parityAt == 0 ? text.npos : text.rfind(':', parityAt - 1);
     if (baudAt == text.npos || baudAt == 0) {
@@ -83,7 +83,7 @@ void AddSeconds(CLI::App& command, const std::string& name, Milliseconds& target
 }
 
 // One of these must be said.
-CLI::Option_group& AddLineOptions(CLI::App& command, ModbusConnection& connection) {
+CLI::Option_group& AddLineOptions(CLI::App& command, ModbusSettings& connection) {
     CLI::Option_group* lines = command.add_option_group("Device");
     lines
         ->add_option_function<std::string>(
@@ -99,7 +99,7 @@ CLI::Option_group& AddLineOptions(CLI::App& command, ModbusConnection& connectio
     return *lines;
 }
 
-void AddUnitOptions(CLI::App& command, ModbusConnection& connection) {
+void AddUnitOptions(CLI::App& command, ModbusSettings& connection) {
     const auto setUnit = [&](const std::string& text) {
         const auto unit = ParseNumber(text, 0, 255);
         if (!unit || (*unit > 247 && *unit != 255)) {
@@ -143,12 +143,12 @@ void AddRepetitionOptions(CLI::App& command, Repetition& repetition) {
     AddSeconds(command, "--interval", repetition.interval, "From the start of one reading to that of the next");
 }
 
-void AddConnectionOptions(CLI::App& command, ModbusConnection& connection) {
+void AddConnectionOptions(CLI::App& command, ModbusSettings& connection) {
     AddLineOptions(command, connection);
     AddUnitOptions(command, connection);
 }
 
-void AddSourceOptions(CLI::App& command, std::string& capture, ModbusConnection& connection) {
+void AddSourceOptions(CLI::App& command, std::string& capture, ModbusSettings& connection) {
     AddLineOptions(command, connection).add_option("--capture", capture, CAPTURE_HELP)->type_name("FILE");
     AddUnitOptions(command, connection);
 }
@@ -167,9 +167,9 @@ std::string ToText(const TcpEndpoint& endpoint) {
     return (ipv6 ? "[" + endpoint.host + "]" : endpoint.host) + ":" + std::to_string(endpoint.port);
 }
 
-std::string ToText(const ModbusConnection& connection) {
+std::string ToText(const ModbusSettings& connection) {
     const auto* tcp = std::get_if<TcpEndpoint>(&connection.line);
-    return (tcp ? ToText(*tcp) : std::get<RtuLine>(connection.line).device) + " unit " +
+    return (tcp ? ToText(*tcp) : std::get<SerialPort>(connection.line).device) + " unit " +
            std::to_string(connection.unit);
 }
 

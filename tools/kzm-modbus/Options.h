@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "gateway/ModbusConnection.h"
+#include "gateway/modbus/ModbusSettings.h"
 
 namespace CLI {
 class App;
@@ -28,14 +28,14 @@ struct Repetition {
 void AddRepetitionOptions(CLI::App& command, Repetition& repetition);
 
 // "--tcp" or "--rtu", "--unit" and "--timeout".
-void AddConnectionOptions(CLI::App& command, ModbusGateway::ModbusConnection& connection);
+void AddConnectionOptions(CLI::App& command, ModbusGateway::ModbusSettings& connection);
 // "--capture" or the options of AddConnectionOptions; `capture` stays empty for the latter.
-void AddSourceOptions(CLI::App& command, std::string& capture, ModbusGateway::ModbusConnection& connection);
+void AddSourceOptions(CLI::App& command, std::string& capture, ModbusGateway::ModbusSettings& connection);
 // "--listen".
 void AddListenOption(CLI::App& command, ModbusGateway::TcpEndpoint& endpoint);
 
 // As it is written on the command line, "[::1]:502" with brackets.
 std::string ToText(const ModbusGateway::TcpEndpoint& endpoint);
-std::string ToText(const ModbusGateway::ModbusConnection& connection);
+std::string ToText(const ModbusGateway::ModbusSettings& connection);
 
 }  // namespace kzm::ModbusTool

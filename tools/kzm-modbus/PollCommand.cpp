@@ -20,7 +20,7 @@ namespace {
 
 struct PollOptions {
     std::string profile;
-    ModbusConnection connection;
+    ModbusSettings connection;
     Repetition repetition{0};
     std::vector<std::string> objects;
     bool json = false;

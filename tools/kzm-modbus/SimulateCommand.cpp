@@ -8,7 +8,7 @@
 #include "Files.h"
 #include "Options.h"
 #include "StopSignal.h"
-#include "gateway/ModbusSimulator.h"
+#include "gateway/modbus/ModbusSimulator.h"
 
 namespace kzm::ModbusTool {
 

@@ -8,14 +8,14 @@
 #include "Options.h"
 #include "Text.h"
 #include "WritePlan.h"
-#include "gateway/ModbusLine.h"
+#include "gateway/modbus/ModbusConnection.h"
 
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
 using ModbusDeviceModel::ModbusFunctionCode;
 using Payload = WritePlan::Payload;
-using Outcome = ModbusLine::Outcome;
+using Outcome = ModbusConnection::Outcome;
 
 namespace {
 
@@ -23,18 +23,18 @@ struct WriteOptions {
     std::string profile;
     std::string object;
     std::vector<std::string> assignments;
-    ModbusConnection connection;
+    ModbusSettings connection;
     bool send = false;
 };
 
-ModbusLine LineOf(const ModbusConnection& connection) try {
-    return ModbusLine(connection);
+ModbusConnection LineOf(const ModbusSettings& connection) try {
+    return ModbusConnection(connection);
 } catch (const std::invalid_argument&) {
     throw NoSuchLine(connection);
 }
 
 // Fills a payload with what the device holds.
-Payload Read(ModbusLine& line, Payload payload, const ModbusConnection& connection) {
+Payload Read(ModbusConnection& line, Payload payload, const ModbusSettings& connection) {
     const auto result = line.Read(ModbusFunctionCode::READ_HOLDING_REGISTERS, payload.mStartAddress,
                                   static_cast<std::uint16_t>(payload.mValues.size()), payload.mValues.data());
     if (result.outcome != Outcome::ANSWERED) {
@@ -43,7 +43,7 @@ Payload Read(ModbusLine& line, Payload payload, const ModbusConnection& connecti
     return payload;
 }
 
-void Send(ModbusLine& line, const Payload& changes) {
+void Send(ModbusConnection& line, const Payload& changes) {
     const auto result = line.Write(changes);
     if (result.outcome == Outcome::EXCEPTION || result.outcome == Outcome::UNREACHABLE) {
         throw Failure(ExitStatus::NOT_WRITTEN, "the device did not take the write: " + result.reason);
@@ -68,7 +68,7 @@ void Compare(const Payload& written, const Payload& held) {
 ExitStatus Write(const WriteOptions& options) {
     const auto profile = LoadProfile(options.profile);
     const WritePlan plan(*profile, options.object, options.assignments);
-    ModbusLine line = LineOf(options.connection);
+    ModbusConnection line = LineOf(options.connection);
     const Payload before = Read(line, plan.GetEmptyFrame(), options.connection);
     const Payload after = plan.Apply(before);
     PrintRows(plan.CompareRegisters(before, after));

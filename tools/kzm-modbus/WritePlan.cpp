@@ -5,7 +5,7 @@
 #include "ExitStatus.h"
 #include "ObjectTable.h"
 #include "Text.h"
-#include "gateway/Nearest.h"
+#include "gateway/json/Suggestions.h"
 
 namespace kzm::ModbusTool {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "Columns.h"
-#include "gateway/ProfileLoader.h"
-#include "gateway/ValueEncoder.h"
+#include "gateway/model/ValueEncoder.h"
+#include "gateway/profile/ProfileLoader.h"
 
 namespace kzm::ModbusTool {
 

@@ -1,0 +1,216 @@
+#include "gateway/capture/Capture.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <optional>
+
+#include "gateway/json/JsonCursor.h"
+#include "gateway/json/JsonSchema.h"
+#include "gateway/json/ProblemText.h"
+#include "kzm/DateTime/DateTime.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::ModbusFunctionCode;
+using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
+using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
+using ModbusDeviceModel::DeviceCache::QUALITY_QUESTIONABLE;
+using ModbusDeviceModel::DeviceProfile::FrameData;
+
+namespace {
+
+constexpr std::size_t REGISTERS_PER_LINE = 8;
+
+// What `text` holds from `position` on: exactly `count` digits. -1 for anything else.
+int Digits(std::string_view text, std::size_t position, std::size_t count, int base = 10) {
+    int number = -1;
+    const char* begin = text.data() + position;
+    const auto result = std::from_chars(begin, begin + count, number, base);
+    return *begin != '-' && result.ec == std::errc() && result.ptr == begin + count ? number : -1;
+}
+
+// Milliseconds since 1970 of "2026-03-14T09:26:53.589Z".
+std::optional<std::uint64_t> ParseTime(const std::string& text) {
+    using namespace std::chrono;
+    constexpr std::string_view SHAPE = "dddd-dd-ddTdd:dd:dd.dddZ";
+    const auto fits = [](char c, char shape) { return shape == 'd' ? c >= '0' && c <= '9' : c == shape; };
+    if (!std::equal(text.begin(), text.end(), SHAPE.begin(), SHAPE.end(), fits)) {
+        return std::nullopt;
+    }
+    const year_month_day date{year(Digits(text, 0, 4)), month(static_cast<unsigned>(Digits(text, 5, 2))),
+                              day(static_cast<unsigned>(Digits(text, 8, 2)))};
+    const int hour = Digits(text, 11, 2);
+    const int minute = Digits(text, 14, 2);
+    const int second = Digits(text, 17, 2);
+    if (!date.ok() || date.year() < year(1970) || hour > 23 || minute > 59 || second > 59) {
+        return std::nullopt;
+    }
+    const auto instant = sys_time<milliseconds>(sys_days(date)) + hours(hour) + minutes(minute) + seconds(second) +
+                         milliseconds(Digits(text, 20, 3));
+    return static_cast<std::uint64_t>(instant.time_since_epoch().count());
+}
+
+std::uint64_t ReadTime(const JsonCursor& place, std::uint64_t usual) {
+    if (place->is_null()) {
+        return usual;
+    }
+    const auto time = ParseTime(place.Text());
+    if (!time) {
+        place.Error(Cited(*place) +
+                    " is no time; allowed: date and time in UTC from 1970 on, with milliseconds, as in "
+                    "\"2026-03-14T09:26:53.589Z\"");
+    }
+    return time.value_or(usual);
+}
+
+bool IsBits(const FrameData& frame) {
+    return frame.mFunctionCode == ModbusFunctionCode::READ_COILS ||
+           frame.mFunctionCode == ModbusFunctionCode::READ_DISCRETE_INPUTS;
+}
+
+void ReadLine(const JsonCursor& line, const FrameData& frame, std::vector<std::uint16_t>& registers) {
+    const std::string text = line.Text();
+    for (auto begin = text.find_first_not_of(' '); begin != std::string::npos;) {
+        const auto end = std::min(text.find(' ', begin), text.size());
+        const int number = end - begin == 4 ? Digits(text, begin, 4, 16) : -1;
+        if (number < 0 || (IsBits(frame) && number > 1)) {
+            line.Error(Cited(nlohmann::json(text.substr(begin, end - begin))) +
+                       " is no register; allowed: " + (IsBits(frame) ? "0000 and 0001" : "four hexadecimal digits"));
+        }
+        registers.push_back(static_cast<std::uint16_t>(number));
+        begin = text.find_first_not_of(' ', end);
+    }
+}
+
+std::vector<std::uint16_t> ReadRegisters(const JsonCursor& list, const FrameData& frame) {
+    std::vector<std::uint16_t> registers;
+    list.ForEach([&](const std::string&, const JsonCursor& line) { ReadLine(line, frame, registers); });
+    if (registers.size() != frame.mLength && !list->is_null()) {
+        list.Error("there are " + std::to_string(registers.size()) + " registers; the frame has " +
+                   std::to_string(frame.mLength));
+    }
+    return registers;
+}
+
+RegisterCache::Quality ReadQuality(const JsonCursor& quality) {
+    return quality.Text() == "Bad"            ? QUALITY_BAD
+           : quality.Text() == "Questionable" ? QUALITY_QUESTIONABLE
+                                              : QUALITY_GOOD;
+}
+
+Capture::Snapshot ReadSnapshot(const JsonCursor& place, const LoadedProfile& profile) {
+    Capture::Snapshot snapshot{ReadTime(place.At("time"), 0), {}};
+    place.At("frames").ForEach([&](const std::string&, const JsonCursor& frame) {
+        const JsonCursor name = frame.At("frame");
+        const auto known = std::find(profile.frameNames.begin(), profile.frameNames.end(), name.Text());
+        if (known == profile.frameNames.end()) {
+            if (!name->is_null()) {
+                name.Error("the profile has no such frame" + Alternatives(name.Text(), profile.frameNames));
+            }
+            return;
+        }
+        const auto index = static_cast<std::uint8_t>(known - profile.frameNames.begin());
+        if (std::any_of(snapshot.frames.begin(), snapshot.frames.end(),
+                        [index](const Capture::Frame& other) { return other.frameIndex == index; })) {
+            name.Error("the frame " + Quoted(*known) + " stands in the snapshot already");
+        }
+        snapshot.frames.push_back({index,
+                                   {ReadRegisters(frame.At("registers"), profile.model->GetFrames()[index]),
+                                    ReadTime(frame.At("time"), snapshot.time), ReadQuality(frame.At("quality"))}});
+    });
+    return snapshot;
+}
+
+Capture ReadCapture(const JsonCursor& root, const LoadedProfile& profile) {
+    Capture capture;
+    const JsonCursor model = root.At("model");
+    if (!model->is_null() && model.Text() != profile.model->GetModelName()) {
+        model.Warning("the profile is of the model " + Quoted(profile.model->GetModelName()));
+    }
+    root.At("snapshots").ForEach([&](const std::string&, const JsonCursor& place) {
+        capture.snapshots.push_back(ReadSnapshot(place, profile));
+        const std::size_t count = capture.snapshots.size();
+        if (count > 1 && capture.snapshots[count - 1].time < capture.snapshots[count - 2].time && place.Has("time")) {
+            place.At("time").Error("the snapshot before this one is later; allowed: snapshots in the order of time");
+        }
+    });
+    return capture;
+}
+
+std::vector<std::string> LinesOf(const std::vector<std::uint16_t>& registers) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < registers.size(); ++i) {
+        char word[8];
+        std::snprintf(word, sizeof word, "%04X", static_cast<unsigned>(registers[i]));
+        if (i % REGISTERS_PER_LINE == 0) {
+            lines.emplace_back(word);
+        } else {
+            lines.back() += ' ' + std::string(word);
+        }
+    }
+    return lines;
+}
+
+nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const LoadedProfile& profile) {
+    nlohmann::ordered_json text{{"frame", profile.frameNames.at(frame.frameIndex)}};
+    if (frame.content.timestamp != snapshotTime) {
+        text["time"] = kzm::DateTime::DateTime::ConvertToCalendarTime(frame.content.timestamp);
+    }
+    if (frame.content.quality != QUALITY_GOOD) {
+        text["quality"] = ConvertToString(frame.content.quality);
+    }
+    text["registers"] = LinesOf(frame.content.registers);
+    return text;
+}
+
+}  // namespace
+
+Capture Capture::Parse(std::string_view text, const LoadedProfile& profile, Problems& problems) {
+    static const JsonSchema STRUCTURE(GetSchema());
+    Problems found;
+    Capture capture;
+    const LocatedJson document = LocatedJson::Parse(text, found);
+    if (document.IsRead()) {
+        const nlohmann::json content = STRUCTURE.Check(document, found);
+        capture = ReadCapture(JsonCursor(document, content, found), profile);
+    }
+    SortByLine(found);
+    problems.insert(problems.end(), found.begin(), found.end());
+    return HasError(found) ? Capture{} : capture;
+}
+
+Capture::Snapshot Capture::Take(const RegisterCache& cache, const LoadedProfile& profile, std::uint64_t time) {
+    Snapshot snapshot{time, {}};
+    for (std::size_t i = 0; i < profile.frameNames.size(); ++i) {
+        const auto index = static_cast<std::uint8_t>(i);
+        RegisterCache::Frame frame = cache.GetFrame(index);
+        if (!frame.registers.empty()) {
+            snapshot.time = std::max(snapshot.time, frame.timestamp);
+            snapshot.frames.push_back({index, std::move(frame)});
+        }
+    }
+    return snapshot;
+}
+
+std::string Capture::Write(const LoadedProfile& profile) const {
+    nlohmann::ordered_json text{{"model", profile.model->GetModelName()},
+                                {"snapshots", nlohmann::ordered_json::array()}};
+    for (const auto& snapshot : snapshots) {
+        auto frames = nlohmann::ordered_json::array();
+        for (const auto& frame : snapshot.frames) {
+            frames.push_back(Written(frame, snapshot.time, profile));
+        }
+        text["snapshots"].push_back(
+            {{"time", kzm::DateTime::DateTime::ConvertToCalendarTime(snapshot.time)}, {"frames", std::move(frames)}});
+    }
+    return text.dump(4) + '\n';
+}
+
+void Capture::Restore(const Snapshot& snapshot, RegisterCache& cache) {
+    for (const auto& frame : snapshot.frames) {
+        cache.Update(frame.frameIndex, frame.content.registers, frame.content.timestamp, frame.content.quality);
+    }
+}
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,191 @@
+#include "gateway/json/JsonSchema.h"
+
+#include <algorithm>
+#include <charconv>
+
+#define VALIJSON_USE_EXCEPTIONS 1
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
+
+#include "gateway/json/ProblemText.h"
+
+namespace kzm::ModbusGateway {
+
+using nlohmann::json;
+using valijson::adapters::NlohmannJsonAdapter;
+
+struct JsonSchema::Schema {
+    json text;
+    valijson::Schema compiled;
+};
+
+namespace {
+
+// The parts of the schema that apply to one value.
+using Rules = std::vector<const json*>;
+
+class Comparison {
+public:
+    Comparison(const json& schema, const LocatedJson& document, Problems& problems)
+        : mSchema(schema), mDocument(document), mProblems(problems), mSound(document.GetRoot()) {}
+
+    // Takes up one result of the validator.
+    void Add(const valijson::ValidationResults::Error& error) {
+        if (error.description.starts_with("Failed to validate")) {
+            return;  // only tells that something within was found
+        }
+        const Place place = Follow(error.context);
+        if (error.description.starts_with("Missing ")) {
+            AddMissingMember(place, error.description);
+        } else if (error.description.starts_with("Object contains a property")) {
+            AddUnknownMembers(place);
+        } else {
+            Report(place.pointer, Cited(*place.value) + " is not allowed here; allowed: " + Describe(place.rules));
+            mFaulty.push_back(place.pointer);
+        }
+    }
+
+    json TakeSoundPart() {
+        for (const auto& faulty : mFaulty) {
+            const json::json_pointer pointer(faulty);
+            if (mSound.contains(pointer)) {
+                mSound[pointer] = nullptr;
+            }
+        }
+        return std::move(mSound);
+    }
+
+private:
+    struct Place {
+        const json* value;
+        std::string pointer;
+        Rules rules;
+    };
+
+    // Follows the validator's path, "<root>", "[objects]", "[0]", ...
+    Place Follow(const std::vector<std::string>& context) const {
+        Place place{&mDocument.GetRoot(), "", {}};
+        Collect(mSchema, *place.value, place.rules);
+        for (std::size_t i = 1; i < context.size(); ++i) {
+            const std::string token = context[i].substr(1, context[i].size() - 2);
+            const json& child = place.value->is_array() ? (*place.value)[std::stoul(token)] : place.value->at(token);
+            place.rules = RulesOfChild(place, token, child);
+            place.value = &child;
+            place.pointer = LocatedJson::Extend(place.pointer, token);
+        }
+        return place;
+    }
+
+    // A rule, and those that it brings with it for a value.
+    void Collect(const json& rule, const json& value, Rules& rules) const {
+        rules.push_back(&rule);
+        if (rule.contains("$ref")) {
+            Collect(mSchema.at(json::json_pointer(rule["$ref"].get<std::string>().substr(1))), value, rules);
+        }
+        if (rule.contains("if")) {
+            const char* const branch = Holds(rule["if"], value) ? "then" : "else";
+            if (rule.contains(branch)) {
+                Collect(rule[branch], value, rules);
+            }
+        }
+    }
+
+    // A condition asks for a type or for members.
+    static bool Holds(const json& condition, const json& value) {
+        const json required = condition.value("required", json::array());
+        return condition.value("type", value.type_name()) == value.type_name() &&
+               std::all_of(required.begin(), required.end(),
+                           [&](const json& member) { return value.contains(member.get<std::string>()); });
+    }
+
+    Rules RulesOfChild(const Place& parent, const std::string& token, const json& child) const {
+        Rules rules;
+        for (const json* rule : parent.rules) {
+            if (parent.value->is_array()) {
+                if (rule->contains("items")) {
+                    Collect((*rule)["items"], child, rules);
+                }
+            } else if (rule->contains("properties") && (*rule)["properties"].contains(token)) {
+                Collect((*rule)["properties"][token], child, rules);
+            } else if (rule->contains("additionalProperties") && (*rule)["additionalProperties"].is_object()) {
+                Collect((*rule)["additionalProperties"], child, rules);
+            }
+        }
+        return rules;
+    }
+
+    static std::string Describe(const Rules& rules) {
+        std::string description;
+        for (const json* rule : rules) {
+            if (description.empty() && rule->contains("description")) {
+                description = (*rule)["description"].get<std::string>();
+            }
+            if (rule->contains("enum")) {
+                description += description.empty() ? "" : ": ";
+                for (const auto& value : (*rule)["enum"]) {
+                    description += value.dump() + (&value == &(*rule)["enum"].back() ? "" : ", ");
+                }
+            }
+        }
+        return description;
+    }
+
+    void AddMissingMember(const Place& place, const std::string& description) {
+        const auto begin = description.find('\'') + 1;
+        const std::string member = description.substr(begin, description.rfind('\'') - begin);
+        Report(place.pointer,
+               "the member " + Quoted(member) + " is missing; it is " + Describe(RulesOfChild(place, member, nullptr)));
+    }
+
+    void AddUnknownMembers(const Place& place) {
+        Names allowed;
+        for (const json* rule : place.rules) {
+            if (rule->contains("properties")) {
+                for (const auto& property : (*rule)["properties"].items()) {
+                    allowed.push_back(property.key());
+                }
+            }
+        }
+        for (const auto& member : place.value->items()) {
+            if (std::find(allowed.begin(), allowed.end(), member.key()) == allowed.end()) {
+                Report(LocatedJson::Extend(place.pointer, member.key()),
+                       "there is no such member here" + Alternatives(member.key(), allowed));
+            }
+        }
+    }
+
+    void Report(const std::string& pointer, std::string message) {
+        mProblems.push_back({Problem::Severity::ERROR, mDocument.GetLine(pointer), pointer, std::move(message)});
+    }
+
+    const json& mSchema;
+    const LocatedJson& mDocument;
+    Problems& mProblems;
+    json mSound;
+    std::vector<std::string> mFaulty;
+};
+
+}  // namespace
+
+JsonSchema::JsonSchema(std::string_view schema) {
+    auto parsed = std::make_unique<Schema>();
+    parsed->text = json::parse(schema);
+    valijson::SchemaParser().populateSchema(NlohmannJsonAdapter(parsed->text), parsed->compiled);
+    mSchema = std::move(parsed);
+}
+
+JsonSchema::~JsonSchema() = default;
+
+json JsonSchema::Check(const LocatedJson& document, Problems& problems) const {
+    valijson::ValidationResults results;
+    valijson::Validator().validate(mSchema->compiled, NlohmannJsonAdapter(document.GetRoot()), &results);
+    Comparison comparison(mSchema->text, document, problems);
+    for (const auto& error : results) {
+        comparison.Add(error);
+    }
+    return comparison.TakeSoundPart();
+}
+
+}  // namespace kzm::ModbusGateway

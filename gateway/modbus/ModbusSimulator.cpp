@@ -1,0 +1,248 @@
+#include "gateway/modbus/ModbusSimulator.h"
+
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "gateway/cache/FrameAddresses.h"
+#include "gateway/modbus/RequestLimits.h"
+#include "gateway/modbus/Socket.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::ModbusFunctionCode;
+using ModbusDeviceModel::DeviceProfile::FrameData;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// A message on TCP: transaction (2 bytes), protocol (2, always 0), length of what follows (2), unit (1), function code
+// and data.
+constexpr std::size_t LENGTH_END = 6;
+constexpr std::size_t HEADER_SIZE = 7;
+constexpr std::size_t LONGEST_LENGTH = 254;
+
+enum class ExceptionCode : std::uint8_t { ILLEGAL_FUNCTION = 1, ILLEGAL_DATA_ADDRESS = 2, ILLEGAL_DATA_VALUE = 3 };
+
+std::uint16_t WordAt(std::span<const std::uint8_t> bytes, std::size_t position) {
+    return static_cast<std::uint16_t>(bytes[position] << 8 | bytes[position + 1]);
+}
+
+void AppendWord(Bytes& bytes, std::size_t word) {
+    bytes.push_back(static_cast<std::uint8_t>(word >> 8 & 0xFF));
+    bytes.push_back(static_cast<std::uint8_t>(word & 0xFF));
+}
+
+Bytes ExceptionAnswer(std::uint8_t function, ExceptionCode code) {
+    return {static_cast<std::uint8_t>(function | 0x80), static_cast<std::uint8_t>(code)};
+}
+
+Bytes BitsAnswer(std::uint8_t function, const std::vector<std::uint16_t>& values) {
+    Bytes answer(2 + (values.size() + 7) / 8);
+    answer[0] = function;
+    answer[1] = static_cast<std::uint8_t>(answer.size() - 2);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const unsigned bit = values[i] != 0 ? 1 : 0;
+        answer[2 + i / 8] = static_cast<std::uint8_t>(answer[2 + i / 8] | bit << i % 8);
+    }
+    return answer;
+}
+
+Bytes RegistersAnswer(std::uint8_t function, const std::vector<std::uint16_t>& values) {
+    Bytes answer{function, static_cast<std::uint8_t>(2 * values.size())};
+    for (const std::uint16_t value : values) {
+        AppendWord(answer, value);
+    }
+    return answer;
+}
+
+}  // namespace
+
+class ModbusSimulator::Impl {
+public:
+    Impl(const std::vector<FrameData>& frames, const RegisterCache& cache, const std::string& host, std::uint16_t port);
+
+    std::uint16_t GetPort() const { return PortOf(mListener); }
+    void Serve(const std::atomic<bool>& stop);
+
+private:
+    struct Frame {
+        ModbusFunctionCode functionCode;
+        std::vector<std::uint16_t> addresses;
+    };
+    struct Client {
+        Socket socket;
+        Bytes received;  // not answered yet
+    };
+    using Values = std::vector<std::optional<std::uint16_t>>;
+
+    void ServeOnce();
+    void Accept();
+    bool ServeClient(Client& client) const;
+    bool AnswerRequests(Client& client) const;
+    bool Answer(const Client& client, std::span<const std::uint8_t> request) const;
+    Bytes Answer(std::span<const std::uint8_t> request) const;
+    Values Find(ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count) const;
+    bool FindInFrame(std::size_t frameIndex, std::uint16_t first, Values& values) const;
+
+    std::vector<Frame> mFrames;
+    const RegisterCache& mCache;
+    Socket mListener;
+    std::vector<Client> mClients;
+};
+
+ModbusSimulator::Impl::Impl(const std::vector<FrameData>& frames, const RegisterCache& cache, const std::string& host,
+                            std::uint16_t port)
+    : mCache(cache), mListener(ListenOn(host, port)) {
+    for (const FrameData& frame : frames) {
+        mFrames.push_back({frame.mFunctionCode, AddressesOf(frame)});
+    }
+}
+
+void ModbusSimulator::Impl::Serve(const std::atomic<bool>& stop) {
+    while (!stop) {
+        ServeOnce();
+    }
+    mClients.clear();
+}
+
+void ModbusSimulator::Impl::ServeOnce() {
+    std::vector<pollfd> descriptors{{mListener.Get(), POLLIN, 0}};
+    for (const Client& client : mClients) {
+        descriptors.push_back({client.socket.Get(), POLLIN, 0});
+    }
+    poll(descriptors.data(), descriptors.size(), 50);
+    for (std::size_t i = 0; i < mClients.size(); ++i) {
+        if (descriptors[i + 1].revents != 0 && !ServeClient(mClients[i])) {
+            mClients[i].socket = Socket();
+        }
+    }
+    std::erase_if(mClients, [](const Client& client) { return !client.socket; });
+    if (descriptors[0].revents != 0) {
+        Accept();
+    }
+}
+
+void ModbusSimulator::Impl::Accept() {
+    if (Socket socket = AcceptFrom(mListener)) {
+        mClients.push_back({std::move(socket), {}});
+    }
+}
+
+// False when the client is gone, or does not speak Modbus.
+bool ModbusSimulator::Impl::ServeClient(Client& client) const {
+    std::array<std::uint8_t, 1024> bytes;
+    const ssize_t size = recv(client.socket.Get(), bytes.data(), bytes.size(), 0);
+    if (size <= 0) {
+        return size < 0 && (errno == EAGAIN || errno == EINTR);
+    }
+    client.received.insert(client.received.end(), bytes.begin(), bytes.begin() + size);
+    return AnswerRequests(client);
+}
+
+bool ModbusSimulator::Impl::AnswerRequests(Client& client) const {
+    std::span<const std::uint8_t> rest(client.received);
+    while (rest.size() >= LENGTH_END) {
+        const std::size_t length = WordAt(rest, 4);
+        if (WordAt(rest, 2) != 0 || length < 2 || length > LONGEST_LENGTH) {
+            return false;
+        }
+        if (rest.size() < LENGTH_END + length) {
+            break;
+        }
+        if (!Answer(client, rest.first(LENGTH_END + length))) {
+            return false;
+        }
+        rest = rest.subspan(LENGTH_END + length);
+    }
+    client.received.erase(client.received.begin(), client.received.end() - static_cast<std::ptrdiff_t>(rest.size()));
+    return true;
+}
+
+// A client that does not take its answers is dropped rather than waited for.
+bool ModbusSimulator::Impl::Answer(const Client& client, std::span<const std::uint8_t> request) const {
+    const Bytes answer = Answer(request.subspan(HEADER_SIZE));
+    Bytes message(request.begin(), request.begin() + 4);
+    AppendWord(message, answer.size() + 1);
+    message.push_back(request[LENGTH_END]);
+    message.insert(message.end(), answer.begin(), answer.end());
+    return send(client.socket.Get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT) ==
+           static_cast<ssize_t>(message.size());
+}
+
+// From function code and data to function code and data.
+Bytes ModbusSimulator::Impl::Answer(std::span<const std::uint8_t> request) const {
+    const std::uint8_t function = request[0];
+    const auto functionCode = static_cast<ModbusFunctionCode>(function);
+    const std::uint16_t longest = MaxReadCount(functionCode);
+    if (longest == 0) {
+        return ExceptionAnswer(function, ExceptionCode::ILLEGAL_FUNCTION);
+    }
+    const std::uint16_t count = request.size() == 5 ? WordAt(request, 3) : std::uint16_t{0};
+    if (count == 0 || count > longest) {
+        return ExceptionAnswer(function, ExceptionCode::ILLEGAL_DATA_VALUE);
+    }
+    const Values found = Find(functionCode, WordAt(request, 1), count);
+    std::vector<std::uint16_t> values;
+    for (const auto& value : found) {
+        if (!value) {
+            return ExceptionAnswer(function, ExceptionCode::ILLEGAL_DATA_ADDRESS);
+        }
+        values.push_back(*value);
+    }
+    const bool isBits =
+        functionCode == ModbusFunctionCode::READ_COILS || functionCode == ModbusFunctionCode::READ_DISCRETE_INPUTS;
+    return isBits ? BitsAnswer(function, values) : RegistersAnswer(function, values);
+}
+
+// Registers that one frame holds all come from that frame, so that they are of one instant; others are put together.
+ModbusSimulator::Impl::Values ModbusSimulator::Impl::Find(ModbusFunctionCode functionCode, std::uint16_t first,
+                                                          std::uint16_t count) const {
+    Values together(count);
+    for (std::size_t index = 0; index < mFrames.size(); ++index) {
+        if (mFrames[index].functionCode != functionCode) {
+            continue;
+        }
+        Values own(count);
+        if (FindInFrame(index, first, own)) {
+            return own;
+        }
+        std::ranges::transform(together, own, together.begin(), [](auto a, auto b) { return a ? a : b; });
+    }
+    return together;
+}
+
+// Whether the frame holds all.
+bool ModbusSimulator::Impl::FindInFrame(std::size_t frameIndex, std::uint16_t first, Values& values) const {
+    const auto& addresses = mFrames[frameIndex].addresses;
+    const std::vector<std::uint16_t> registers = mCache.GetFrame(static_cast<std::uint8_t>(frameIndex)).registers;
+    for (std::size_t i = 0; i < registers.size(); ++i) {
+        if (addresses[i] >= first && addresses[i] < first + values.size()) {
+            values[addresses[i] - first] = registers[i];
+        }
+    }
+    return std::ranges::all_of(values, [](const auto& value) { return value.has_value(); });
+}
+
+ModbusSimulator::ModbusSimulator(const std::vector<FrameData>& frames, const RegisterCache& cache,
+                                 const std::string& host, std::uint16_t port)
+    : mImpl(std::make_unique<Impl>(frames, cache, host, port)) {}
+
+ModbusSimulator::~ModbusSimulator() = default;
+
+std::uint16_t ModbusSimulator::GetPort() const {
+    return mImpl->GetPort();
+}
+
+void ModbusSimulator::Serve(const std::atomic<bool>& stop) {
+    mImpl->Serve(stop);
+}
+
+}  // namespace kzm::ModbusGateway

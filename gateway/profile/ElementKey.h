@@ -1,0 +1,49 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "gateway/json/ProblemText.h"
+
+namespace kzm::ModbusGateway {
+
+// A key of the data model under which a profile publishes an object, and what is known by it: an element of the
+// dictionary ("DTMinIA;MinIA"), an identification element ("394"), or a custom measurement or alarm with its encoded
+// alias ("7b8Cage_203").
+class ElementKey {
+public:
+    // Nothing for a text that is no key; `fault` then says why, and what is near.
+    static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
+
+    // Up to three keys of the dictionary: those whose element has the text as name or is fed by the device element of
+    // that id, else those that are most like the text.
+    static std::string Nearest(std::string_view text);
+
+    const std::string& GetText() const { return mText; }
+    const std::string& GetName() const { return mName; }
+    const std::string& GetAlias() const { return mAlias; }  // any bytes; only custom ones have one
+    std::string GetUnit() const;                            // may be empty
+    std::string GetClassName() const;                       // empty where only the type of the value can tell
+    bool IsCustomAlarm() const;
+
+    // The element paths of the object that device elements feed, that of its value first.
+    Names GetPaths() const;
+    // The id of the device element that feeds an attribute ("value", "quality", "datetime") at an element path; empty
+    // where none does.
+    std::string GetSource(const std::string& path, const std::string& attribute) const;
+
+    // The object before the device has filled it: its structure, with key, name, alias and unit.
+    nlohmann::json MakeObject(const std::string& name, const std::string& alias, const std::string& unit) const;
+
+private:
+    ElementKey(std::string text, std::string name, std::string alias);
+    bool IsInDictionary() const;
+
+    std::string mText;
+    std::string mName;
+    std::string mAlias;
+};
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,87 @@
+#include "gateway/profile/ProfileChains.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "Device/CustomMeasureClassName.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::LogicCodeIdentifier;
+using ModbusDeviceModel::ProcessingChainOperandType;
+
+namespace {
+
+using Misfits = std::vector<std::pair<JsonCursor, ProcessingChainOperandType>>;
+
+const char* Describe(ProcessingChainOperandType type) {
+    switch (type) {
+        case ProcessingChainOperandType::NUMBER:
+            return "a number";
+        case ProcessingChainOperandType::INTEGER:
+            return "a whole number";
+        case ProcessingChainOperandType::BOOLEAN:
+            return "true or false";
+        case ProcessingChainOperandType::STRING:
+            return "a text";
+        case ProcessingChainOperandType::OBJECT:
+            break;
+    }
+    return "an object";
+}
+
+// The inputs that cannot have the types of one of the chain's alternatives.
+Misfits MisfitsOf(const ChainTypes& types, const ChainRow& row, const ChainInputsByName& inputs) {
+    const std::string first(row.inputs.names.empty() ? inputs.begin()->first : row.inputs.names.front());
+    Misfits misfits;
+    for (const auto& [name, input] : inputs) {
+        const auto type = name == first ? types.first : types.others;
+        if (!MayBe(input.kind, type)) {
+            misfits.emplace_back(input.place, type);
+        }
+    }
+    return misfits;
+}
+
+}  // namespace
+
+void ReportFaults(const JsonCursor& place, const ChainFactory::Result& result) {
+    for (const auto& fault : result.faults) {
+        JsonCursor member = place;
+        for (const auto& name : fault.path) {
+            member = member.At(name);
+        }
+        member.Error(fault.message);
+    }
+}
+
+void CheckInputKinds(const ChainRow& row, const ChainInputsByName& inputs) {
+    if (inputs.empty()) {
+        return;
+    }
+    std::vector<Misfits> alternatives;
+    for (const auto& types : row.types) {
+        alternatives.push_back(MisfitsOf(types, row, inputs));
+    }
+    const auto best = std::min_element(alternatives.begin(), alternatives.end(),
+                                       [](const auto& left, const auto& right) { return left.size() < right.size(); });
+    for (const auto& [place, type] : *best) {
+        place.Error("the element does not suit the chain " + Quoted(row.name) + "; needed: " + Describe(type) +
+                    (row.types.size() > 1 ? ", as its other inputs are" : ""));
+    }
+}
+
+std::string ClassNameOf(ChainResult result) {
+    constexpr LogicCodeIdentifier FLOAT{31};
+    constexpr LogicCodeIdentifier BOOLEAN{10};
+    constexpr LogicCodeIdentifier TEXT{62};
+    std::string name;
+    ModbusDeviceModel::Device::CustomMeasureClassName::GetClassNameForLogicCode(result == ChainResult::NUMBER ? FLOAT
+                                                                                : result == ChainResult::BOOLEAN
+                                                                                    ? BOOLEAN
+                                                                                    : TEXT,
+                                                                                name);
+    return name;
+}
+
+}  // namespace kzm::ModbusGateway

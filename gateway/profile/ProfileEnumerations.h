@@ -1,0 +1,39 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DeviceProfile/EnumerationPairData.h"
+#include "DeviceProfile/LogicCodeTable.h"
+#include "gateway/json/JsonCursor.h"
+
+namespace kzm::ModbusGateway {
+
+// The section "enumerations" of a device profile. What a raw value is written like depends on the logic code of the
+// element that uses the enumeration, so an enumeration is read once per use.
+class ProfileEnumerations {
+public:
+    using Pairs = std::shared_ptr<std::vector<ModbusDeviceModel::DeviceProfile::EnumerationPairData>>;
+
+    explicit ProfileEnumerations(const JsonCursor& section);
+
+    // The pairs of the enumeration that an element names, null when it names none. Nothing for a faulty enumeration,
+    // and for one that does not suit the type; that is reported.
+    std::optional<Pairs> Get(const JsonCursor& element, const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
+
+    // Warns of enumerations that were not asked for.
+    void ReportUnused() const;
+
+private:
+    struct Enumeration {
+        JsonCursor place;
+        bool used = false;
+    };
+
+    std::map<std::string, Enumeration> mEnumerations;
+};
+
+}  // namespace kzm::ModbusGateway

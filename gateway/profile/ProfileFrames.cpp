@@ -1,0 +1,206 @@
+#include "gateway/profile/ProfileFrames.h"
+
+#include <algorithm>
+
+#include "gateway/modbus/RequestLimits.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::ModbusFunctionCode;
+using ModbusDeviceModel::DeviceProfile::FrameData;
+
+namespace {
+
+constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
+
+constexpr std::size_t MAX_WRITE_COUNT = 123;  // of one request of function 16
+
+constexpr const char* FUNCTION_NAMES[] = {"coils", "discrete inputs", "holding", "input"};
+
+ModbusFunctionCode FunctionCodeOf(const JsonCursor& function) {
+    if (const auto number = function.Number()) {
+        return static_cast<ModbusFunctionCode>(*number);
+    }
+    const auto name = std::find(std::begin(FUNCTION_NAMES), std::end(FUNCTION_NAMES), function.Text());
+    return static_cast<ModbusFunctionCode>(name - std::begin(FUNCTION_NAMES) + 1);
+}
+
+std::string Range(std::uint32_t address, std::uint32_t count) {
+    return std::to_string(address) + (count == 1 ? "" : " to " + std::to_string(address + count - 1));
+}
+
+std::string Registers(std::uint32_t address, std::uint32_t count) {
+    return (count == 1 ? "register " : "registers ") + Range(address, count);
+}
+
+}  // namespace
+
+ProfileFrames::ProfileFrames(const JsonCursor& section) {
+    mComplete = !section->empty();
+    section.ForEach([this](const std::string&, const JsonCursor& place) {
+        Frame frame{place, place.At("name").Text(), FunctionCodeOf(place.At("function")), !place.Has("addresses"), {}};
+        const auto same = [&frame](const Frame& other) { return other.name == frame.name; };
+        if (!frame.name.empty() && std::any_of(mFrames.begin(), mFrames.end(), same)) {
+            place.At("name").Error("there are two frames with the name " + Quoted(frame.name));
+        }
+        if (frame.contiguous) {
+            ReadRange(frame);
+        } else {
+            ReadList(frame);
+        }
+        frame.sorted = frame.addresses;
+        std::sort(frame.sorted.begin(), frame.sorted.end());
+        frame.sorted.erase(std::unique(frame.sorted.begin(), frame.sorted.end()), frame.sorted.end());
+        mComplete = mComplete && !frame.name.empty() && !frame.addresses.empty();
+        mFrames.push_back(std::move(frame));
+    });
+}
+
+void ProfileFrames::ReadRange(Frame& frame) {
+    const auto address = frame.place.At("address").Number();
+    const auto count = frame.place.At("count").Number();
+    if (!address || !count) {
+        return;
+    }
+    const std::uint16_t most = MaxReadCount(frame.functionCode);
+    if (frame.place.Has("function") && *count > most) {
+        frame.place.At("count").Error(std::to_string(*count) + " are too many; one request of function code " +
+                                      std::to_string(static_cast<std::uint32_t>(frame.functionCode)) +
+                                      " reads at most " + std::to_string(most));
+    }
+    if (*address + *count > ADDRESS_COUNT) {
+        frame.place.At("count").Error("the frame ends at register " + std::to_string(*address + *count - 1) +
+                                      "; the last register of a device is 65535");
+    }
+    for (std::uint64_t i = *address; i < std::min<std::uint64_t>(*address + *count, ADDRESS_COUNT); ++i) {
+        frame.addresses.push_back(static_cast<std::uint16_t>(i));
+    }
+}
+
+void ProfileFrames::ReadList(Frame& frame) {
+    if (frame.place.Has("address") || frame.place.Has("count")) {
+        frame.place.At("addresses").Error("a frame has either \"address\" and \"count\" or \"addresses\", not both");
+    }
+    frame.place.At("addresses").ForEach([&frame](const std::string&, const JsonCursor& item) {
+        const auto address = item.Number();
+        if (!address) {
+            return;
+        }
+        if (std::count(frame.addresses.begin(), frame.addresses.end(), *address) != 0) {
+            item.Error("register " + std::to_string(*address) + " stands in the list already");
+        }
+        frame.addresses.push_back(static_cast<std::uint16_t>(*address));
+    });
+}
+
+bool ProfileFrames::Frame::Holds(std::uint32_t address, std::uint32_t count) const {
+    const auto first = std::lower_bound(sorted.begin(), sorted.end(), address);
+    return sorted.end() - first >= static_cast<std::ptrdiff_t>(count) && *first == address &&
+           first[static_cast<std::ptrdiff_t>(count) - 1] == address + count - 1;
+}
+
+std::uint32_t ProfileFrames::Frame::DistanceTo(std::uint32_t address) const {
+    return address < sorted.front() ? sorted.front() - address : address > sorted.back() ? address - sorted.back() : 0;
+}
+
+std::string ProfileFrames::Frame::Describe() const {
+    const std::uint32_t first = sorted.front();
+    return Quoted(name) + " (" + (contiguous ? "" : std::to_string(sorted.size()) + " of ") +
+           Range(first, sorted.back() - first + 1) + ')';
+}
+
+std::optional<std::uint8_t> ProfileFrames::Find(const JsonCursor& element, std::uint32_t address,
+                                                std::uint32_t count) const {
+    if (element.Has("frame")) {
+        return FindNamed(element, address, count);
+    }
+    Names holders;
+    std::size_t holder = 0;
+    for (std::size_t i = 0; i < mFrames.size(); ++i) {
+        if (mFrames[i].Holds(address, count)) {
+            holders.push_back(mFrames[i].name);
+            holder = i;
+        }
+    }
+    if (holders.size() == 1) {
+        return static_cast<std::uint8_t>(holder);
+    }
+    if (!holders.empty()) {
+        element.Error("more than one frame holds " + Registers(address, count) +
+                      "; say which one by \"frame\": " + ListOf(holders));
+    } else if (mComplete) {
+        element.At("address").Error("no frame holds " + Registers(address, count) + "; nearest: " + NearestTo(address));
+    }
+    return std::nullopt;
+}
+
+std::optional<std::uint8_t> ProfileFrames::FindNamed(const JsonCursor& element, std::uint32_t address,
+                                                     std::uint32_t count) const {
+    const std::string name = element.At("frame").Text();
+    const auto frame =
+        std::find_if(mFrames.begin(), mFrames.end(), [&name](const Frame& known) { return known.name == name; });
+    if (frame == mFrames.end()) {
+        if (mComplete) {
+            element.At("frame").Error("there is no such frame" + Alternatives(name, GetNames()));
+        }
+        return std::nullopt;
+    }
+    if (!frame->addresses.empty() && !frame->Holds(address, count)) {
+        element.At("address").Error("the frame " + frame->Describe() + " does not hold " + Registers(address, count));
+        return std::nullopt;
+    }
+    return static_cast<std::uint8_t>(frame - mFrames.begin());
+}
+
+std::string ProfileFrames::NearestTo(std::uint32_t address) const {
+    std::vector<const Frame*> frames;
+    for (const auto& frame : mFrames) {
+        frames.push_back(&frame);
+    }
+    std::stable_sort(frames.begin(), frames.end(), [address](const Frame* left, const Frame* right) {
+        return left->DistanceTo(address) < right->DistanceTo(address);
+    });
+    return frames.front()->Describe() + (frames.size() > 1 ? ", " + frames[1]->Describe() : "");
+}
+
+std::string ProfileFrames::WhyNotWritable(std::uint8_t index) const {
+    const Frame& frame = mFrames[index];
+    const std::string obstacle =
+        frame.functionCode != ModbusFunctionCode::READ_HOLDING_REGISTERS ? "only holding registers can be"
+        : !frame.contiguous ? "a list of registers takes more than one request"
+        : frame.addresses.size() > MAX_WRITE_COUNT
+            ? "one request of function code 16 writes at most " + std::to_string(MAX_WRITE_COUNT) + " registers"
+            : "";
+    return obstacle.empty() ? "" : "the frame " + frame.Describe() + " cannot be written; " + obstacle;
+}
+
+void ProfileFrames::ReportUnused() const {
+    for (const auto& frame : mFrames) {
+        if (!frame.used) {
+            frame.place.Warning("no object uses the frame " + Quoted(frame.name));
+        }
+    }
+}
+
+std::vector<FrameData> ProfileFrames::GetFrames() const {
+    std::vector<FrameData> frames;
+    for (const auto& frame : mFrames) {
+        const auto length = static_cast<std::uint16_t>(frame.addresses.size());
+        if (frame.contiguous) {
+            frames.emplace_back(frame.functionCode, false, std::int16_t{0}, length, frame.addresses.front());
+        } else {
+            frames.emplace_back(frame.functionCode, false, std::int16_t{0}, length, frame.addresses);
+        }
+    }
+    return frames;
+}
+
+Names ProfileFrames::GetNames() const {
+    Names names;
+    for (const auto& frame : mFrames) {
+        names.push_back(frame.name);
+    }
+    return names;
+}
+
+}  // namespace kzm::ModbusGateway

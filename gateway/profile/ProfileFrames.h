@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DeviceProfile/FrameData.h"
+#include "gateway/json/JsonCursor.h"
+#include "gateway/json/ProblemText.h"
+
+namespace kzm::ModbusGateway {
+
+// The section "frames" of a device profile.
+class ProfileFrames {
+public:
+    // Reads the section and reports what is wrong with it.
+    explicit ProfileFrames(const JsonCursor& section);
+
+    // The frame that holds the registers of an element: the one it names by "frame", else the only one that holds them.
+    // Nothing, with the error reported at the element, where there is none or more than one.
+    std::optional<std::uint8_t> Find(const JsonCursor& element, std::uint32_t address, std::uint32_t count) const;
+
+    // Why function 16 cannot write a frame; empty when it can.
+    std::string WhyNotWritable(std::uint8_t index) const;
+
+    void MarkUsed(std::uint8_t index) { mFrames[index].used = true; }
+    // Warns of frames that were not marked.
+    void ReportUnused() const;
+
+    // Valid when no error was reported.
+    std::vector<ModbusDeviceModel::DeviceProfile::FrameData> GetFrames() const;
+    Names GetNames() const;
+
+private:
+    struct Frame {
+        JsonCursor place;
+        std::string name;
+        ModbusDeviceModel::ModbusFunctionCode functionCode{};
+        bool contiguous = true;
+        std::vector<std::uint16_t> addresses;    // in the order of the profile; empty for a faulty frame
+        std::vector<std::uint16_t> sorted = {};  // each once
+        bool used = false;
+
+        bool Holds(std::uint32_t address, std::uint32_t count) const;
+        std::uint32_t DistanceTo(std::uint32_t address) const;
+        std::string Describe() const;
+    };
+
+    static void ReadRange(Frame& frame);
+    static void ReadList(Frame& frame);
+    std::optional<std::uint8_t> FindNamed(const JsonCursor& element, std::uint32_t address, std::uint32_t count) const;
+    std::string NearestTo(std::uint32_t address) const;
+
+    std::vector<Frame> mFrames;
+    bool mComplete = true;  // no frame is faulty
+};
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,96 @@
+#include "gateway/profile/ProfileLoader.h"
+
+#include "gateway/json/JsonSchema.h"
+#include "gateway/profile/ProfileAlarms.h"
+#include "gateway/profile/ProfileObjects.h"
+#include "gateway/profile/ProfileServices.h"
+#include "gateway/profile/ProfileSubgraphs.h"
+
+namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::Device::DeviceModel;
+
+namespace {
+
+void DescribeDevice(const JsonCursor& device, DeviceModel& model) {
+    model.SetModelName(device.At("model").Text());
+    model.SetModelVersion(device.At("version").Text());
+    model.SetUserDefinedModel(device.Has("userDefined") && device.At("userDefined")->get<bool>());
+    if (device.Has("baseConcept")) {
+        const auto number = device.At("baseConcept")->get<std::int32_t>();
+        model.SetModelBaseConcept(static_cast<kzm::edm::ModelBaseConcept>(number));
+    }
+    std::map<std::string, std::string> identification;
+    device.At("identification").ForEach([&identification](const std::string& name, const JsonCursor& text) {
+        identification.emplace(name, text.Text());
+    });
+    model.SetIdentification(identification);
+}
+
+// The sections of a profile, each read with those that stand before it.
+struct Sections {
+    explicit Sections(const JsonCursor& root)
+        : frames(root.At("frames")),
+          enumerations(root.At("enumerations")),
+          elements(root.At("elements"), frames, enumerations),
+          objects(root.At("objects"), elements),
+          alarms(root.At("alarms"), elements, objects),
+          services(root.At("services"), elements, frames),
+          subgraphs(root) {}
+
+    ProfileFrames frames;
+    ProfileEnumerations enumerations;
+    ProfileElements elements;
+    ProfileObjects objects;
+    ProfileAlarms alarms;
+    ProfileServices services;
+    ProfileSubgraphs subgraphs;
+};
+
+std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const Sections& sections) {
+    auto profile = std::make_unique<LoadedProfile>();
+    profile->frameNames = sections.frames.GetNames();
+    profile->objects = sections.objects.GetObjects();
+    profile->alarms = sections.alarms.GetAlarms();
+    profile->services = sections.services.GetServices();
+    const bool bigEndian = device.At("wordOrder").Text() != "little";
+    auto units = sections.objects.GetUnits();
+    auto classNames = sections.objects.GetClassNames();
+    auto alarms = sections.alarms.GetComputedAlarms();
+    profile->model =
+        std::make_unique<DeviceModel>(sections.objects.GetAdapters(), sections.frames.GetFrames(), std::move(units),
+                                      std::move(classNames), std::move(alarms), bigEndian);
+    profile->serviceModel = sections.services.MakeModel(bigEndian);
+    sections.subgraphs.ApplyTo(*profile->model);
+    DescribeDevice(device, *profile->model);
+    return profile;
+}
+
+std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& problems) {
+    const Sections sections(root);
+    if (HasError(problems)) {
+        return nullptr;
+    }
+    sections.frames.ReportUnused();
+    sections.enumerations.ReportUnused();
+    sections.elements.ReportUnused();
+    sections.elements.PublishLabels();
+    sections.objects.PublishLabels();
+    return MakeProfile(root.At("device"), sections);
+}
+
+}  // namespace
+
+ProfileLoader::Result ProfileLoader::Load(std::string_view text) {
+    static const JsonSchema STRUCTURE(GetSchema());
+    Result result;
+    const LocatedJson document = LocatedJson::Parse(text, result.problems);
+    if (document.IsRead()) {
+        const nlohmann::json content = STRUCTURE.Check(document, result.problems);
+        result.profile = ReadProfile(JsonCursor(document, content, result.problems), result.problems);
+    }
+    SortByLine(result.problems);
+    return result;
+}
+
+}  // namespace kzm::ModbusGateway

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "Device/DeviceModel.h"
+#include "gateway/json/JsonCursor.h"
+#include "gateway/json/ProblemText.h"
+
+namespace kzm::ModbusGateway {
+
+// The section "subgraphs" of a device profile, of a device of a dynamic class.
+class ProfileSubgraphs {
+public:
+    // Reads the section and reports what is wrong with it. `profile`: the whole one, for the names of its objects.
+    explicit ProfileSubgraphs(const JsonCursor& profile);
+
+    // Gives the model the sub-graphs; without the section it stays one of a fixed class.
+    void ApplyTo(ModbusDeviceModel::Device::DeviceModel& model) const;
+
+private:
+    bool mDynamic;
+    std::map<ModbusDeviceModel::Device::VortaObjectCategory, Names> mSubgraphs;
+};
+
+}  // namespace kzm::ModbusGateway

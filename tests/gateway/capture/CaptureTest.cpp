@@ -1,0 +1,97 @@
+#include "gateway/capture/Capture.h"
+#include "gateway/profile/ProfileLoader.h"
+
+#include <gtest/gtest.h>
+
+namespace kzm::ModbusGateway {
+
+namespace {
+
+using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
+using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
+
+constexpr std::uint64_t TIME = 1773480413589;  // 2026-03-14T09:26:53.589Z
+
+const std::string CAPTURE = R"({"model": "M", // comment
+"snapshots": [
+{"time": "2026-03-14T09:26:53.589Z", "frames": [
+{"frame": "main", "registers": ["0001 0A0b", " FFFF"]},
+{"frame": "bits", "time": "2024-02-29T23:59:59.001Z", "quality": "Bad", "registers": ["0001 0000"]}]},
+{"time": "2026-03-14T09:26:54.000Z", "frames": []}]})";
+
+class CaptureTest : public testing::Test {
+protected:
+    const std::unique_ptr<LoadedProfile> mProfile = ProfileLoader::Load(R"({
+        "device": {"model": "M"},
+        "frames": [{"name": "main", "function": 3, "address": 1, "count": 3},
+                   {"name": "bits", "function": 2, "address": 1, "count": 2}],
+        "objects": [{"name": "o", "value": {"address": 3, "type": "int16"}}]})")
+                                                        .profile;
+    Problems mProblems;
+
+    Capture Parse(const std::string& text) { return Capture::Parse(text, *mProfile, mProblems); }
+};
+
+TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
+    RegisterCache cache(mProfile->model->GetFrames());
+    cache.Update(0, std::vector<std::uint16_t>{0xABCD, 0, 7}, TIME + 5, QUALITY_BAD);
+    Capture capture;
+    capture.snapshots.push_back(Capture::Take(cache, *mProfile, TIME));
+    EXPECT_EQ(capture.snapshots[0].time, TIME + 5);  // never older than what it holds
+    ASSERT_EQ(capture.snapshots[0].frames.size(), 1U);
+    const std::string text = capture.Write(*mProfile);
+    EXPECT_NE(text.find("\"ABCD 0000 0007\""), std::string::npos) << text;
+
+    const Capture read = Parse(text);
+    ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
+    EXPECT_EQ(read.Write(*mProfile), text);
+}
+
+TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
+    const struct {
+        const char* old;
+        const char* replacement;
+        std::size_t line;
+        const char* pointer;
+        const char* message;
+    } rows[] = {
+        {"\"snapshots\": [", "\"snapshots\": [1, ", 2, "/snapshots/0", "1 is not allowed"},
+        {"\"main\"", "\"mian\"", 4, "/snapshots/0/frames/0/frame", "did you mean \"main\"?"},
+        {"\"bits\"", "\"main\"", 5, "/snapshots/0/frames/1/frame", "already"},
+        {"\" FFFF\"", "\"\"", 4, "/snapshots/0/frames/0/registers", "2 registers; the frame has 3"},
+        {"FFFF", "FFF", 4, "/snapshots/0/frames/0/registers/1", "\"FFF\" is no register; allowed: four hexadecimal"},
+        {"FFFF", "-FFF", 4, "/snapshots/0/frames/0/registers/1", "is no register"},
+        {"0001 0000", "0002 0000", 5, "/snapshots/0/frames/1/registers/0", "0000 and 0001"},
+        {"Bad", "bad", 5, "/snapshots/0/frames/1/quality", "\"Good\", \"Bad\", \"Questionable\""},
+        {"2024-02-29", "2023-02-29", 5, "/snapshots/0/frames/1/time", "is no time"},
+        {"23:59:59", "24:00:00", 5, "/snapshots/0/frames/1/time", "is no time"},
+        {"23:59:59", "23:59:60", 5, "/snapshots/0/frames/1/time", "is no time"},
+        {"2024-02-29", "1969-12-31", 5, "/snapshots/0/frames/1/time", "from 1970 on"},
+        {"59.001Z", "59Z", 5, "/snapshots/0/frames/1/time", "milliseconds"},
+        {"59.001Z", "59.+01Z", 5, "/snapshots/0/frames/1/time", "is no time"},
+        {"54.000Z", "53.588Z", 6, "/snapshots/1/time", "in the order of time"},
+        {"\"frames\": []", "\"frame\": []", 6, "/snapshots/1", "\"frames\" is missing"},
+        {"\"M\"", "\"N", 1, "", "this is no JSON"},
+    };
+    for (const auto& row : rows) {
+        mProblems.clear();
+        std::string text = CAPTURE;
+        text.replace(text.find(row.old), std::string(row.old).size(), row.replacement);
+        EXPECT_TRUE(Parse(text).snapshots.empty()) << row.replacement;
+        ASSERT_FALSE(mProblems.empty()) << row.replacement;
+        EXPECT_EQ(mProblems[0].line, row.line) << row.replacement;
+        EXPECT_EQ(mProblems[0].pointer, row.pointer);
+        EXPECT_NE(mProblems[0].message.find(row.message), std::string::npos) << mProblems[0].message;
+    }
+}
+
+TEST_F(CaptureTest, OfAnotherModelGivesAWarning) {
+    mProfile->model->SetModelName("N");
+    EXPECT_FALSE(Parse(CAPTURE).snapshots.empty());
+    ASSERT_EQ(mProblems.size(), 1U);
+    EXPECT_FALSE(HasError(mProblems));
+}
+
+}  // namespace
+
+}  // namespace kzm::ModbusGateway

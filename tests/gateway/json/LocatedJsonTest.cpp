@@ -1,0 +1,80 @@
+#include "gateway/json/LocatedJson.h"
+
+#include <gtest/gtest.h>
+
+namespace kzm::ModbusGateway {
+
+namespace {
+
+TEST(LocatedJson, EachValueKnowsItsLine) {
+    const char* text =
+        "// comment\n"
+        "{\"a\": 1\n"
+        ",\"b~/c\": [10, 11,\n"
+        "  12\n"
+        "], /* two\n"
+        "lines */ \"d\":\n"
+        "  {\"e\": null}}\n";
+    Problems problems;
+    const LocatedJson document = LocatedJson::Parse(text, problems);
+    EXPECT_TRUE(problems.empty());
+    EXPECT_EQ(document.GetRoot(), nlohmann::json::parse(text, nullptr, true, /*ignore_comments=*/true));
+
+    const struct {
+        const char* pointer;
+        std::size_t line;
+    } rows[] = {{"", 2},   {"/a", 2},   {"/b~0~1c", 3}, {"/b~0~1c/1", 3}, {"/b~0~1c/2", 4},
+                {"/d", 6}, {"/d/e", 7}, {"/x", 2},      {"/d/x/y", 6},    {"/b~0~1c/3", 3}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(document.GetLine(row.pointer), row.line) << row.pointer;
+    }
+}
+
+TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
+    const std::string bomb(100000, '[');
+    const std::string longName = "{\"" + std::string(LocatedJson::MAX_NAME_LENGTH + 1, 'n') + "\": 1}";
+    const struct {
+        std::string text;
+        std::size_t line;
+        const char* message;
+    } rows[] = {
+        {"", 1, "this is no JSON: unexpected end of input"},
+        {"{\n\"a\": 1\n\"b\": 2}", 3, "unexpected string literal; expected '}'"},
+        {"[1,\n\n]", 3, "unexpected ']'; expected '[', '{', or a literal; is the comma before it one too many?"},
+        {"{\"a\": 1,\n}", 2, "unexpected '}'; expected string literal; is the comma before it one too many?"},
+        {"[1\n,tru\n]", 2, "this is no JSON: invalid literal"},
+        {"[12\n}", 2, "unexpected '}'"},
+        {"\n\"\xFF\"", 2, "ill-formed UTF-8"},
+        {"[1e999]", 1, "number overflow"},
+        {"{}\n{}", 2, "expected end of input"},
+        {"/* open", 1, "missing closing '*/'"},
+        {bomb, 1, "more than 64 deep"},
+        {longName, 1, "longer than"},
+    };
+    for (const auto& row : rows) {
+        Problems problems;
+        const LocatedJson document = LocatedJson::Parse(row.text, problems);
+        ASSERT_EQ(problems.size(), 1U) << row.text.substr(0, 80);
+        EXPECT_EQ(problems[0].line, row.line) << row.text.substr(0, 80);
+        EXPECT_EQ(problems[0].message.find("json.exception"), std::string::npos);
+        EXPECT_NE(problems[0].message.find(row.message), std::string::npos) << problems[0].message;
+        EXPECT_FALSE(document.IsRead());
+        EXPECT_TRUE(document.GetRoot().is_null());
+    }
+}
+
+TEST(LocatedJson, TheFirstOfTwoMembersOfOneNameCounts) {
+    Problems problems;
+    const LocatedJson document =
+        LocatedJson::Parse("{\"a\": 1,\n\"a\": {\"b\": 1, \"b\": [{\"c\": 2}], \"d\": {}},\n\"e\": [3]}", problems);
+    EXPECT_EQ(document.GetRoot(), nlohmann::json::parse(R"({"a": 1, "e": [3]})"));
+    ASSERT_EQ(problems.size(), 2U);
+    EXPECT_EQ(problems[0].line, 2U);
+    EXPECT_EQ(problems[0].pointer, "/a");
+    EXPECT_NE(problems[0].message.find("on line 1"), std::string::npos);
+    EXPECT_EQ(problems[1].pointer, "/a/b");
+}
+
+}  // namespace
+
+}  // namespace kzm::ModbusGateway

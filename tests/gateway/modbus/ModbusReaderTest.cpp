@@ -1,0 +1,171 @@
+#include "gateway/modbus/ModbusReader.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include "gateway/cache/FrameAddresses.h"
+#include "gateway/modbus/ScriptedDevice.h"
+#include "gateway/modbus/ServedCache.h"
+#include "kzm/StandIn/CapturedLog.h"
+#include "kzm/StandIn/Clock.h"
+
+namespace kzm::ModbusGateway {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace ModbusDeviceModel;
+using namespace ModbusDeviceModel::DeviceCache;
+using DeviceProfile::FrameData;
+using Log::OrbaLogLevel;
+using Registers = std::vector<std::uint16_t>;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto HOLDING = ModbusFunctionCode::READ_HOLDING_REGISTERS;
+
+ModbusSettings To(std::uint16_t port) {
+    return {.line = TcpEndpoint{"127.0.0.1", port}, .timeout = 500ms, .firstPause = 20ms, .longestPause = 80ms};
+}
+
+const std::vector<FrameData> DEVICE_FRAMES{
+    FrameData(ModbusFunctionCode::READ_COILS, false, 0, 11, std::uint16_t{2}),
+    FrameData(ModbusFunctionCode::READ_DISCRETE_INPUTS, false, 0, 1900, std::uint16_t{1}),
+    FrameData(HOLDING, false, 0, 5, std::vector<std::uint16_t>{7, 300, 6, 8, 5}),
+    FrameData(ModbusFunctionCode::READ_INPUT_REGISTERS, false, 0, 125, std::uint16_t{1000}),
+    FrameData(HOLDING, false, 0, 2, std::uint16_t{3000}),                                   // not on the device
+    FrameData(ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, false, 0, 2, std::uint16_t{5})  // no reading
+};
+
+TEST(ModbusReader, ReadsFramesOfEveryKindWhateverTheirLength) {
+    ServedCache served(DEVICE_FRAMES);
+    std::vector<Registers> values;
+    for (std::uint8_t index = 0; index < 4; ++index) {
+        for (const std::uint16_t address : AddressesOf(DEVICE_FRAMES[index])) {
+            values.resize(index + 1U);
+            values[index].push_back(static_cast<std::uint16_t>(index < 2 ? address % 3 % 2 : address * 31 + index));
+        }
+        served.cache.Update(index, values[index], 1);
+    }
+    RegisterCache cache(DEVICE_FRAMES);
+    ModbusReader reader(To(served.GetPort()), DEVICE_FRAMES, cache);
+    const ModbusReader::Round round = reader.ReadAllFrames();
+    EXPECT_EQ(round.connectionError, "");
+    EXPECT_EQ(round.framesRead, 4U);
+    for (std::uint8_t index = 0; index < 4; ++index) {
+        EXPECT_EQ(cache.GetFrame(index).registers, values[index]) << "frame " << +index;
+    }
+    ASSERT_EQ(round.errors.size(), 2U);
+    EXPECT_EQ(round.errors[0].frameIndex, 4);
+    EXPECT_EQ(round.errors[0].reason, "Illegal data address");
+    EXPECT_EQ(round.errors[1].reason, "function code 16 reads nothing");
+}
+
+const std::vector<FrameData> SCRIPTED_FRAMES{
+    FrameData(HOLDING, false, 0, 4, std::uint16_t{10}),
+    FrameData(HOLDING, false, 0, 4, std::vector<std::uint16_t>{40, 21, 20, 30}),
+};
+const Registers SCRIPTED_VALUES[] = {{10, 11, 12, 13}, {40, 21, 20, 30}};
+
+struct FaultRow {
+    const char* name;
+    std::deque<Treatment> script;       // requests in the order of the frames: 10-13, 20-21, 30, 40
+    std::optional<std::uint8_t> fails;  // the frame that is not read
+    std::string reason;
+    RegisterCache::Quality quality = QUALITY_GOOD;  // of that frame then
+};
+
+void ExpectFaultHitsOneFrameOnce(ScriptedDevice& device, const ModbusSettings& connection, const FaultRow& row) {
+    SCOPED_TRACE(row.name);
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader reader(connection, SCRIPTED_FRAMES, cache);
+    for (const std::uint64_t time : {1000U, 2000U, 3000U}) {
+        const bool isFaulty = time == 2000;
+        device.Treat(isFaulty ? row.script : std::deque<Treatment>{});
+        const StandIn::StoppedClock clock(time);
+        const ModbusReader::Round round = reader.ReadAllFrames();
+        EXPECT_EQ(round.connectionError, "");
+        EXPECT_EQ(round.errors.size(), isFaulty && row.fails ? 1U : 0U);
+        EXPECT_EQ(round.framesRead + round.errors.size(), 2U);
+        EXPECT_TRUE(isFaulty || device.GetRequestCount() == 4) << "neighbours are not read in one request";
+        for (const ModbusReader::FrameError& error : round.errors) {
+            EXPECT_EQ(error.reason, row.reason);
+        }
+        for (std::uint8_t index = 0; index < 2; ++index) {
+            const bool fails = isFaulty && row.fails == index;
+            EXPECT_EQ(cache.GetFrame(index).registers, SCRIPTED_VALUES[index]);
+            EXPECT_EQ(cache.GetFrame(index).quality, fails ? row.quality : QUALITY_GOOD);
+            EXPECT_EQ(cache.GetFrameTimestamp(index), fails ? 1000U : time) << "frame " << +index;
+        }
+    }
+}
+
+TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnTcp) {
+    using enum Treatment;
+    const FaultRow rows[] = {
+        {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
+        {"exception within a frame", {ANSWER, ANSWER, EXCEPTION}, 1, "Slave device or server failure", QUALITY_BAD},
+        {"closed while idle", {CLOSE}, {}, ""},
+        {"closed within a frame", {ANSWER, ANSWER, CLOSE}, {}, ""},
+        {"closed at a request", {CLOSE, CLOSE}, 0, "Connection reset by peer"},
+        {"late", {LATE}, 0, "Connection timed out"},
+        {"part of an answer", {ANSWER, ANSWER, TRUNCATED}, 1, "Connection timed out"},
+        {"too few registers", {TOO_FEW}, 0, "Invalid data"},
+        {"answer to another request", {MISFIT}, 0, "Invalid data"},
+        {"garbage", {GARBAGE}, 0, "Invalid data"},
+    };
+    for (const FaultRow& row : rows) {
+        ScriptedDevice device(0);
+        ExpectFaultHitsOneFrameOnce(device, To(device.GetPort()), row);
+    }
+}
+
+TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnASerialLine) {
+    using enum Treatment;
+    const FaultRow rows[] = {
+        {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
+        // A request for as many registers comes next, and the answer does not tell to which it belongs.
+        {"late", {ANSWER, ANSWER, LATE}, 1, "Connection timed out"},
+        {"too few registers", {TOO_FEW}, 0, "Invalid data"},
+        {"disturbed", {MISFIT}, 0, "Invalid CRC"},
+    };
+    for (const FaultRow& row : rows) {
+        ScriptedDevice device(600ms);
+        ExpectFaultHitsOneFrameOnce(device, {.line = SerialPort{device.GetLineName()}, .timeout = 400ms}, row);
+    }
+}
+
+TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
+    StandIn::CapturedLog log(OrbaLogLevel::INFORMATION);
+    auto device = std::make_unique<ScriptedDevice>(0);
+    const std::uint16_t port = device->GetPort();
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader reader(To(port), SCRIPTED_FRAMES, cache);
+    EXPECT_EQ(reader.ReadAllFrames().framesRead, 2U);
+    device.reset();
+    Clock::time_point lastFailure;
+    for (const auto pause : {0ms, 0ms, 25ms}) {  // an attempt, a round in its pause, the next attempt
+        std::this_thread::sleep_for(pause);
+        lastFailure = Clock::now();
+        const ModbusReader::Round round = reader.ReadAllFrames();
+        EXPECT_EQ(round.connectionError, "Connection refused");
+        EXPECT_EQ(round.errors.size(), 2U);
+        EXPECT_EQ(cache.GetFrame(0).quality, QUALITY_GOOD);
+    }
+    device = std::make_unique<ScriptedDevice>(port);
+    while (reader.ReadAllFrames().framesRead == 0) {
+        ASSERT_LT(Clock::now() - lastFailure, 5s);
+        std::this_thread::sleep_for(1ms);
+    }
+    EXPECT_GE(Clock::now() - lastFailure, 40ms);
+    const std::string name = "127.0.0.1:" + std::to_string(port);
+    EXPECT_EQ(log.Texts(OrbaLogLevel::WARNING),
+              std::vector<std::string>{"[ModbusConnection] [Read] " + name + " cannot be reached: Connection refused"});
+    EXPECT_EQ(log.Texts(OrbaLogLevel::INFORMATION),
+              std::vector<std::string>{"[ModbusConnection] [Read] " + name + " answers again"});
+}
+
+}  // namespace
+}  // namespace kzm::ModbusGateway

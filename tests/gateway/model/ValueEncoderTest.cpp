@@ -1,0 +1,119 @@
+#include "gateway/model/ValueEncoder.h"
+
+#include <gtest/gtest.h>
+
+#include "src/TestElement.h"
+
+namespace kzm::ModbusGateway {
+namespace {
+
+using namespace ModbusDeviceModel::Test;
+using ModbusDeviceModel::ByteOrderingEnum;
+
+constexpr auto LITTLE = ByteOrderingEnum::LITTLE_ENDIAN_WORDS;
+
+std::string Words(const EncodedValue::Registers& registers) {
+    std::string text;
+    for (const std::uint16_t word : registers) {
+        char digits[8];
+        std::snprintf(digits, sizeof digits, "%s%04X", text.empty() ? "" : " ", word);
+        text += digits;
+    }
+    return text;
+}
+
+// The registers, if they read back as the value; else why the value is refused. Bits of neighbours are all set.
+std::string Write(const Traits& traits, const std::string& text, bool deviceBigEndian) try {
+    ElementData element = MakeElement(traits);
+    const EncodedValue encoded = EncodeValue(element, deviceBigEndian, text);
+    EncodedValue::Registers registers = encoded.registers;
+    for (std::size_t i = 0; i < registers.size(); ++i) {
+        EXPECT_EQ(registers[i] & ~encoded.mask[i], 0);
+        registers[i] = static_cast<std::uint16_t>(registers[i] | ~encoded.mask[i]);
+    }
+    encoded.CheckReadBack(DecodeValue(element, deviceBigEndian, registers));
+    return Words(encoded.registers);
+} catch (const CannotEncode& refused) {
+    return refused.what();
+}
+
+const auto SPEEDS = std::make_shared<Pairs>(Pairs{{0U, "Stop"}, {2U, "Slow"}, {3U, "Fast"}, {9U, "Turbo"}});
+const auto FLOATS = std::make_shared<Pairs>(Pairs{{0.5F, "Half"}, {1.0F, "Whole"}});
+const auto TEXTS = std::make_shared<Pairs>(Pairs{{"ab", "First"}, {"c", "Second"}});
+
+struct Row {
+    Traits traits;
+    const char* text;
+    const char* result;
+};
+
+// clang-format off
+const Row ROWS[] = {
+    {{.code = 2}, "65535", "FFFF"}, {{.code = 2}, "65536", "65536 is out of range"},
+    {{.code = 2}, "-1", "-1 is out of range"}, {{.code = 2}, "1.5", "1.5 would be read back as 2"},
+    {{.code = 2}, "ten", "\"ten\" is no number"}, {{.code = 2}, "1e999", "\"1e999\" is no number"},
+    {{.code = 2, .pattern = "0xFFFF"}, "65535", "65535 would be read back as not available"},
+    {{.code = 2, .mask = "00FF"}, "255", "00FF"}, {{.code = 2, .mask = "00FF"}, "256", "256 does not fit the mask"},
+    {{.code = 25}, "-32768", "8000"}, {{.code = 25}, "32768", "32768 is out of range"},
+    {{.code = 22, .mask = "00FF"}, "-5", "00FB"}, {{.code = 22}, "-129", "-129 is out of range"},
+    {{.code = 13, .registers = 2}, "-2", "FFFF FFFE"},
+    {{.code = 14, .order = LITTLE, .registers = 2}, "74565", "2345 0001"},
+    {{.code = 14}, "65536", "65536 is out of range"},
+    {{.code = 24, .registers = 4}, "-9223372036854775808", "8000 0000 0000 0000"},
+    {{.code = 24, .registers = 4}, "9007199254740993", "9007199254740993 would be read back as 9007199254740992"},
+    {{.code = 26, .registers = 3}, "-1", "-1 is out of range"},
+    {{.code = 27, .order = LITTLE, .registers = 4}, "1", "0001 0000 0000 0000"},
+    {{.code = 28, .registers = 4}, "-1", "-1 would be read back as not available"},
+    {{.code = 19, .registers = 3}, "123456789", "1A85 0929 0001"},
+    {{.code = 20, .registers = 3}, "-20003", "FFFD FFFE 0000"},
+    {{.code = 51, .registers = 2}, "100000000", "100000000 is out of range"},
+    {{.code = 52, .registers = 4}, "-1", "-1 is out of range"},
+    {{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.5", "0267"},
+    {{.code = 6, .scale = 0.1, .offset = -40.0F}, "21.55", "21.55 would be read back as 21.5"},
+    {{.code = 2, .scale = 10}, "40", "0004"}, {{.code = 2, .scale = 10}, "45", "45 would be read back as 50"},
+    {{.code = 2, .scale = 0}, "1", "1 is out of range"}, {{.code = 31, .registers = 2}, "0.1", "3DCC CCCD"},
+    {{.code = 31, .order = LITTLE, .registers = 2}, "49.984375", "F000 4247"},
+    {{.code = 31, .registers = 2}, "1e39", "1e39 is out of range"},
+    {{.code = 31, .registers = 2}, "16777217", "16777217 would be read back as 16777216"},
+    {{.code = 31, .scale = 0.001, .registers = 2}, "7", "45DA C000"},
+    {{.code = 60, .registers = 2}, "1", "0000 3F80"}, {{.code = 33, .registers = 2}, "255", "437F 0000"},
+    {{.code = 32, .registers = 4}, "-2.5", "C004 0000 0000 0000"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Slow", "0020"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "3", "0030"},
+    {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Turbo", "Turbo does not fit the mask"},
+    {{.code = 0, .pairs = SPEEDS}, "Slaw", "\"Slaw\" is no label; did you mean \"Slow\"? Allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
+    {{.code = 0, .pairs = SPEEDS}, "1", "\"1\" is no label; allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
+    {{.code = 11, .mask = "00000F00", .registers = 2}, "11", "0000 0B00"},
+    {{.code = 23, .mask = "00FF", .pairs = SPEEDS}, "Turbo", "0009"}, {{.code = 23}, "256", "256 is out of range"},
+    {{.code = 30, .pairs = FLOATS, .registers = 2}, "Half", "3F00 0000"},
+    {{.code = 30, .pairs = FLOATS, .registers = 2}, "1", "3F80 0000"},
+    {{.code = 10, .mask = "0100"}, "true", "0100"}, {{.code = 10}, "0", "0000"},
+    {{.code = 10, .offset = 1.0F}, "false", "false would be read back as true"},
+    {{.code = 10, .registers = 0}, "false", "the type boolean does not stand in 0 registers"},
+    {{.code = 10, .mask = "0100000000000000000000", .registers = 5}, "true", "the type boolean does not stand in 5 registers"},
+    {{.code = 10}, "yes", "\"yes\" is neither true nor false"},
+    {{.code = 10, .mask = "0000"}, "true", "no bit of the registers belongs to the element"},
+    {{.code = 62, .registers = 2}, "abc", "6162 6300"},
+    {{.code = 62, .registers = 1}, "abc", "\"abc\" has more than 2 bytes"},
+    {{.code = 43, .registers = 2}, "abc", "6261 0063"},
+    {{.code = 41, .mask = "00FF00FF", .registers = 2}, "ab", "0061 0062"},
+    {{.code = 62, .order = LITTLE, .registers = 2}, "abcd", "6364 6162"},
+    {{.code = 61, .pairs = TEXTS, .registers = 1}, "Second", "6300"},
+    {{.code = 61, .pairs = TEXTS, .registers = 1}, "ab", "6162"},
+    {{.code = 57, .registers = 2}, "70000", "0001 1170"},
+    {{.code = 44, .registers = 4}, "2026", "the type datetime-iec870 cannot be written"},
+};
+// clang-format on
+
+TEST(ValueEncoder, GivesRegistersThatReadBackAsTheValueOrTheReason) {
+    for (const auto& [traits, text, result] : ROWS) {
+        EXPECT_EQ(Write(traits, text, /*deviceBigEndian=*/true), result) << "code " << traits.code << " " << text;
+    }
+}
+
+TEST(ValueEncoder, FollowsTheWordOrderOfTheDeviceWhereTheElementHasNone) {
+    EXPECT_EQ(Write({.code = 13, .registers = 2}, "-2", /*deviceBigEndian=*/false), "FFFE FFFF");
+}
+
+}  // namespace
+}  // namespace kzm::ModbusGateway
