@@ -38,12 +38,17 @@ class FilesTest(unittest.TestCase):
               for text in ("/dev/x", "/dev/x:9600", ":9600:N", "/dev/x:9600:", "/dev/x:9600:X", "/dev/x:1e4:N")],
             (2, POLL, ["--rtu", "/dev/x:12345:N"], r"no such unit, or no such baud rate"),
             (2, POLL, ["--rtu", "/dev/x:9600:N", "--unit", "255"], r"no such unit"),
-            *[(2, POLL, ["--tcp", "a", "--unit", text], r"is no unit number") for text in ("-1", "248", "256", "one")],
-            *[(2, ["poll", PROFILE, "--tcp", "a"], ["--count", text], r"is no number from 1")
+            *[(2, POLL, ["--tcp", "a", "--unit", text], r"--unit: .* is not a whole number from 0 to 255")
+              for text in ("-1", "256", "one", "")],
+            (2, POLL, ["--tcp", "a", "--unit", "0248"], r"a:502 unit 248: .* no such unit"),
+            *[(2, ["poll", PROFILE, "--tcp", "a"], ["--count", text], r"is not a whole number from 1 to 1000000000")
               for text in ("0", "-1", "99999999999999999999", "two")],
-            *[(2, POLL, ["--tcp", "a", "--interval", text], r"is no number of seconds")
+            *[(2, POLL, ["--tcp", "a", "--interval", text], r"is not a number of seconds from 0.001 to 86400")
               for text in ("0", "-1", "nan", "inf", "1e300", "soon")],
-            (2, SHOW, [CAPTURE, "--log", "loud"], r'--log: "loud" is none of error'),
+            (2, SHOW, [CAPTURE, "--log", "wraning"], r'--log: "wraning" is unknown; did you mean "warning"\?'),
+            (2, ["chek"], [PROFILE], r'no command "chek"; did you mean "check"\?'),
+            (2, POLL, ["--tcp", "a", "--cuont=3"], r'poll: no option "--cuont"; did you mean "--count"\?'),
+            (2, POLL, ["--tpc", "a"], r'poll: no option "--tpc"; did you mean "--tcp"\?'),
             (2, ["simulate", PROFILE, "--capture"], [CAPTURE, "--listen", "localhost"], r"is not HOST:PORT"),
             (3, ["check"], ["/nowhere/profile"], r"/nowhere/profile: cannot read: No such file"),
             (3, ["check"], ["/proc/self"], r"/proc/self: cannot read: Is a directory"),

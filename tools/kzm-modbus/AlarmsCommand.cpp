@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 
@@ -134,22 +133,18 @@ ExitStatus WatchAlarms(const AlarmsOptions& options) {
 
 }  // namespace
 
-void AddAlarmsCommand(CLI::App& app, Command& command) {
-    CLI::App* alarms = app.add_subcommand("alarms", "Evaluate the computed alarms of a capture or of a live device");
+void AddAlarmsCommand(CommandLine& line) {
     const auto options = std::make_shared<AlarmsOptions>();
-    AddProfileArgument(*alarms, options->profile);
-    AddSourceOptions(*alarms, options->capture, options->connection);
-    AddRepetitionOptions(*alarms, options->repetition);
-    for (const char* ofDevices : {"--unit", "--timeout", "--count", "--interval"}) {
-        alarms->get_option(ofDevices)->excludes(alarms->get_option("--capture"));
-    }
-    alarms->add_flag("--all", options->all, "Show every evaluation, not only what changes after the first");
-    alarms->add_flag("--json", options->json, "One JSON object a line");
-    alarms->footer(
-        "Examples:\n"
-        "  kzm-modbus alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json\n"
-        "  kzm-modbus alarms profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --interval 5 --json");
-    alarms->callback([options, &command] { command = [options] { return WatchAlarms(*options); }; });
+    CommandSyntax alarms = line.AddCommand("alarms", "Evaluate the computed alarms of a capture or of a live device",
+                                           [options] { return WatchAlarms(*options); });
+    AddProfileArgument(alarms, options->profile);
+    AddSourceOptions(alarms, options->capture, options->connection);
+    AddRepetitionOptions(alarms, options->repetition);
+    alarms.Exclude({"--count", "--interval"}, "--capture");
+    alarms.AddFlag("--all", "Show every evaluation, not only what changes after the first", options->all);
+    alarms.AddFlag("--json", "One JSON object a line", options->json);
+    alarms.SetExamples({"alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json",
+                        "alarms profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --interval 5 --json"});
 }
 
 }  // namespace kzm::ModbusTool

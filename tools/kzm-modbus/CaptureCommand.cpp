@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "Commands.h"
@@ -47,20 +46,17 @@ ExitStatus Record(const CaptureOptions& options) {
 
 }  // namespace
 
-void AddCaptureCommand(CLI::App& app, Command& command) {
-    CLI::App* capture = app.add_subcommand("capture", "Record the frames of a live device, for replay and bug reports");
+void AddCaptureCommand(CommandLine& line) {
     const auto options = std::make_shared<CaptureOptions>();
-    AddProfileArgument(*capture, options->profile);
-    AddConnectionOptions(*capture, options->connection);
-    AddRepetitionOptions(*capture, options->repetition);
-    capture->add_option("-o,--output", options->output, "The capture to write; appears whole at the end")
-        ->required()
-        ->type_name("FILE");
-    capture->footer(
-        "Example:\n"
-        "  kzm-modbus capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o "
-        "meter.capture.json");
-    capture->callback([options, &command] { command = [options] { return Record(*options); }; });
+    CommandSyntax capture = line.AddCommand("capture", "Record the frames of a live device, for replay and bug reports",
+                                            [options] { return Record(*options); });
+    AddProfileArgument(capture, options->profile);
+    AddConnectionOptions(capture, options->connection);
+    AddRepetitionOptions(capture, options->repetition);
+    capture.AddText({"-o,--output", "FILE", "The capture to write; appears whole at the end"}, options->output);
+    capture.Require("--output");
+    capture.SetExamples(
+        {"capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o meter.capture.json"});
 }
 
 }  // namespace kzm::ModbusTool

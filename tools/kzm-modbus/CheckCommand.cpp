@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 
@@ -30,12 +29,12 @@ ExitStatus Check(const std::string& path) {
 
 }  // namespace
 
-void AddCheckCommand(CLI::App& app, Command& command) {
-    CLI::App* check = app.add_subcommand("check", "Tell everything that is wrong with a profile");
+void AddCheckCommand(CommandLine& line) {
     const auto path = std::make_shared<std::string>();
-    AddProfileArgument(*check, *path);
-    check->footer("Example:\n  kzm-modbus check profiles/energy-meter.jsonc");
-    check->callback([path, &command] { command = [path] { return Check(*path); }; });
+    CommandSyntax check =
+        line.AddCommand("check", "Tell everything that is wrong with a profile", [path] { return Check(*path); });
+    AddProfileArgument(check, *path);
+    check.SetExamples({"check profiles/energy-meter.jsonc"});
 }
 
 }  // namespace kzm::ModbusTool

@@ -1,26 +1,24 @@
 #pragma once
 
-#include <functional>
-
-#include "ExitStatus.h"
-
-namespace CLI {
-class App;
-}
+#include "CommandLine.h"
 
 namespace kzm::ModbusTool {
 
-// What is left to do once the command line has been read.
-using Command = std::function<ExitStatus()>;
+// The commands in the order of --help: each row is the function that adds one, in a file of its name.
+// clang-format off
+#define KZM_COMMANDS(ROW)       \
+    ROW(AddCheckCommand)        \
+    ROW(AddShowCommand)         \
+    ROW(AddPollCommand)         \
+    ROW(AddCaptureCommand)      \
+    ROW(AddSimulateCommand)     \
+    ROW(AddAlarmsCommand)       \
+    ROW(AddWriteCommand)        \
+    ROW(AddDictionaryCommand)
+// clang-format on
 
-// Each adds one command to the program, which puts what it does into `command` when the command line names it.
-void AddCheckCommand(CLI::App& app, Command& command);
-void AddShowCommand(CLI::App& app, Command& command);
-void AddPollCommand(CLI::App& app, Command& command);
-void AddCaptureCommand(CLI::App& app, Command& command);
-void AddSimulateCommand(CLI::App& app, Command& command);
-void AddAlarmsCommand(CLI::App& app, Command& command);
-void AddWriteCommand(CLI::App& app, Command& command);
-void AddDictionaryCommand(CLI::App& app, Command& command);
+#define KZM_DECLARE_COMMAND(function) void function(CommandLine& line);
+KZM_COMMANDS(KZM_DECLARE_COMMAND)
+#undef KZM_DECLARE_COMMAND
 
 }  // namespace kzm::ModbusTool

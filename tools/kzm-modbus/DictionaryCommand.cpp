@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <iostream>
@@ -47,11 +46,13 @@ struct Element {
     DictionaryEntry entry;
 };
 
+char LowerCase(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
 // Whether the text holds the other, in any case of ASCII letters.
 bool Holds(std::string_view text, std::string_view wanted) {
-    const auto same = [](char left, char right) {
-        return CLI::detail::to_lower(std::string(1, left)) == CLI::detail::to_lower(std::string(1, right));
-    };
+    const auto same = [](char left, char right) { return LowerCase(left) == LowerCase(right); };
     return std::search(text.begin(), text.end(), wanted.begin(), wanted.end(), same) != text.end();
 }
 
@@ -163,28 +164,23 @@ ExitStatus ShowDictionary(const DictionaryOptions& options) {
 
 }  // namespace
 
-void AddDictionaryCommand(CLI::App& app, Command& command) {
-    CLI::App* dictionary = app.add_subcommand("dictionary", "Tell what the element dictionary knows, by key or search");
+void AddDictionaryCommand(CommandLine& line) {
     const auto options = std::make_shared<DictionaryOptions>();
+    CommandSyntax dictionary = line.AddCommand("dictionary", "Tell what the element dictionary knows, by key or search",
+                                               [options] { return ShowDictionary(*options); });
     std::vector<std::string> tables;
     for (const NamedTable& table : Tables()) {
         tables.emplace_back(table.name);
     }
-    auto* key = dictionary->add_option("KEY", options->key, "The whole key of one element, e.g. \"DTMinIA;MinIA\"");
-    dictionary
-        ->add_option("--search", options->search,
-                     "Only elements with this text in key, name, unit or an id, in any case")
-        ->excludes(key);
-    dictionary->add_option("--table", options->table, "Only elements of one table")
-        ->check(CLI::IsMember(tables))
-        ->excludes(key);
-    dictionary->add_option("--class", options->className, "Only elements of one class; its end after a dot will do")
-        ->excludes(key);
-    dictionary->add_flag("--json", options->json, "The element, or the dictionary, as one JSON object");
-    dictionary->footer(
-        "Examples:\n  kzm-modbus dictionary \"DTMinIA;MinIA\"\n  kzm-modbus dictionary --search thd --table "
-        "measurement");
-    dictionary->callback([options, &command] { command = [options] { return ShowDictionary(*options); }; });
+    dictionary.AddOptionalArgument("KEY", "The whole key of one element, e.g. \"DTMinIA;MinIA\"", options->key);
+    dictionary.AddText({"--search", "TEXT", "Only elements with this text in key, name, unit or an id, in any case"},
+                       options->search);
+    dictionary.AddChoice({"--table", "TABLE", "Only elements of one table"}, tables, options->table);
+    dictionary.AddText({"--class", "CLASS", "Only elements of one class; its end after a dot will do"},
+                       options->className);
+    dictionary.Exclude({"--search", "--table", "--class"}, "KEY");
+    dictionary.AddFlag("--json", "The element, or the dictionary, as one JSON object", options->json);
+    dictionary.SetExamples({"dictionary \"DTMinIA;MinIA\"", "dictionary --search thd --table measurement"});
 }
 
 }  // namespace kzm::ModbusTool

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <optional>
 
@@ -88,20 +87,19 @@ ExitStatus Poll(const PollOptions& options) {
 
 }  // namespace
 
-void AddPollCommand(CLI::App& app, Command& command) {
-    CLI::App* poll = app.add_subcommand("poll", "Show the objects of a live device, again and again");
+void AddPollCommand(CommandLine& line) {
     const auto options = std::make_shared<PollOptions>();
-    AddProfileArgument(*poll, options->profile);
-    AddConnectionOptions(*poll, options->connection);
-    AddRepetitionOptions(*poll, options->repetition);
-    AddObjectOption(*poll, options->objects);
-    CLI::Option* json = poll->add_flag("--json", options->json, "One JSON object a line, as without a terminal");
-    poll->add_flag("--table", options->table, "A table, as on a terminal")->excludes(json);
-    poll->footer(
-        "Examples:\n"
-        "  kzm-modbus poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1\n"
-        "  kzm-modbus poll profiles/energy-meter.jsonc --rtu /dev/ttyUSB0:19200:E --unit 3 --interval 5 --count 12");
-    poll->callback([options, &command] { command = [options] { return Poll(*options); }; });
+    CommandSyntax poll = line.AddCommand("poll", "Show the objects of a live device, again and again",
+                                         [options] { return Poll(*options); });
+    AddProfileArgument(poll, options->profile);
+    AddConnectionOptions(poll, options->connection);
+    AddRepetitionOptions(poll, options->repetition);
+    AddObjectOption(poll, options->objects);
+    poll.AddFlag("--json", "One JSON object a line, as without a terminal", options->json);
+    poll.AddFlag("--table", "A table, as on a terminal", options->table);
+    poll.Exclude({"--table"}, "--json");
+    poll.SetExamples({"poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1",
+                      "poll profiles/energy-meter.jsonc --rtu /dev/ttyUSB0:19200:E --unit 3 --interval 5 --count 12"});
 }
 
 }  // namespace kzm::ModbusTool

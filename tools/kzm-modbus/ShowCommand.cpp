@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "Commands.h"
@@ -57,16 +56,15 @@ ExitStatus Show(const ShowOptions& options) {
 
 }  // namespace
 
-void AddShowCommand(CLI::App& app, Command& command) {
-    CLI::App* show = app.add_subcommand("show", "Show the objects of a recorded capture, as they were at its time");
+void AddShowCommand(CommandLine& line) {
     const auto options = std::make_shared<ShowOptions>();
-    AddProfileArgument(*show, options->profile);
-    AddCaptureOption(*show, options->capture);
-    AddObjectOption(*show, options->objects);
-    show->add_flag("--json", options->json, "One JSON object a line");
-    show->footer(
-        "Example:\n  kzm-modbus show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json");
-    show->callback([options, &command] { command = [options] { return Show(*options); }; });
+    CommandSyntax show = line.AddCommand("show", "Show the objects of a recorded capture, as they were at its time",
+                                         [options] { return Show(*options); });
+    AddProfileArgument(show, options->profile);
+    AddCaptureOption(show, options->capture);
+    AddObjectOption(show, options->objects);
+    show.AddFlag("--json", "One JSON object a line", options->json);
+    show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"});
 }
 
 }  // namespace kzm::ModbusTool

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <system_error>
@@ -56,17 +55,16 @@ ExitStatus Simulate(const SimulateOptions& options) {
 
 }  // namespace
 
-void AddSimulateCommand(CLI::App& app, Command& command) {
-    CLI::App* simulate = app.add_subcommand("simulate", "Serve a recorded capture as a Modbus TCP device");
+void AddSimulateCommand(CommandLine& line) {
     const auto options = std::make_shared<SimulateOptions>();
-    AddProfileArgument(*simulate, options->profile);
-    AddCaptureOption(*simulate, options->capture);
-    AddListenOption(*simulate, options->endpoint);
-    simulate->footer(
-        "Example:\n"
-        "  kzm-modbus simulate profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"
-        " --listen 127.0.0.1:5020");
-    simulate->callback([options, &command] { command = [options] { return Simulate(*options); }; });
+    CommandSyntax simulate = line.AddCommand("simulate", "Serve a recorded capture as a Modbus TCP device",
+                                             [options] { return Simulate(*options); });
+    AddProfileArgument(simulate, options->profile);
+    AddCaptureOption(simulate, options->capture);
+    AddListenOption(simulate, options->endpoint);
+    simulate.SetExamples(
+        {"simulate profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"
+         " --listen 127.0.0.1:5020"});
 }
 
 }  // namespace kzm::ModbusTool

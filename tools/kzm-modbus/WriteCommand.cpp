@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <stdexcept>
 
@@ -91,21 +90,18 @@ ExitStatus Write(const WriteOptions& options) {
 
 }  // namespace
 
-void AddWriteCommand(CLI::App& app, Command& command) {
-    CLI::App* write = app.add_subcommand("write", "Show what a write to an object would change, and with --send do it");
+void AddWriteCommand(CommandLine& line) {
     const auto options = std::make_shared<WriteOptions>();
-    AddProfileArgument(*write, options->profile);
-    write->add_option("OBJECT", options->object, "The object of a service, NAME[/ALIAS]")->required()->type_name("");
-    write->add_option("ELEMENT=VALUE", options->assignments, "Elements of the service and their new values")
-        ->required()
-        ->type_name("");
-    AddConnectionOptions(*write, options->connection);
-    write->add_flag("--send", options->send, "Write the registers that change, and compare what the device then holds");
-    write->footer(
-        "Example:\n  kzm-modbus write profiles/energy-meter.jsonc Measurement.Settings demandInterval=20 --tcp "
-        "192.168.1.20 "
-        "--send");
-    write->callback([options, &command] { command = [options] { return Write(*options); }; });
+    CommandSyntax write = line.AddCommand("write", "Show what a write to an object would change, and with --send do it",
+                                          [options] { return Write(*options); });
+    AddProfileArgument(write, options->profile);
+    write.AddArgument("OBJECT", "The object of a service, NAME[/ALIAS]", options->object);
+    write.AddArguments("ELEMENT=VALUE", "Elements of the service and their new values", options->assignments);
+    AddConnectionOptions(write, options->connection);
+    write.AddFlag("--send", "Write the registers that change, and compare what the device then holds", options->send);
+    write.SetExamples(
+        {"write profiles/energy-meter.jsonc Measurement.Settings demandInterval=20 --tcp 192.168.1.20"
+         " --send"});
 }
 
 }  // namespace kzm::ModbusTool

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "Commands.h"
@@ -11,43 +10,14 @@ namespace {
 using Log::OrbaLogLevel;
 using Log::RootLogger;
 
-void AddLogOption(CLI::App& app) {
+// A level's name or number; Parse has refused everything else.
+OrbaLogLevel LevelOf(const std::string& text) {
     static const std::map<std::string, OrbaLogLevel> LEVELS{{"error", OrbaLogLevel::ERROR},
                                                             {"warning", OrbaLogLevel::WARNING},
                                                             {"information", OrbaLogLevel::INFORMATION},
                                                             {"trace", OrbaLogLevel::TRACE}};
-    RootLogger::GetInstance().SetLevel(OrbaLogLevel::NONE);
-    const auto setLevel = [](const std::string& text) {
-        const auto named = LEVELS.find(text);
-        if (named != LEVELS.end()) {
-            RootLogger::GetInstance().SetLevel(named->second);
-        } else if (text.size() == 1 && text[0] >= '0' && text[0] <= '7') {
-            RootLogger::GetInstance().SetLevel(static_cast<OrbaLogLevel>(text[0] - '0'));
-        } else {
-            throw CLI::ValidationError("--log",
-                                       "\"" + text + "\" is none of error, warning, information, trace, 0 to 7");
-        }
-    };
-    app.add_option_function<std::string>(
-           "--log", setLevel, "Show the library's log lines up to a level: error, warning, information, trace, 0 to 7")
-        ->type_name("LEVEL");
-}
-
-void Configure(CLI::App& app, Command& command) {
-    app.set_version_flag("--version", "kzm-modbus " KZM_VERSION);
-    app.set_help_flag("-h,--help", "Show this help");
-    app.require_subcommand(0, 1);  // "none" is told apart from an unknown one in Run
-    app.fallthrough();
-    app.footer(EXIT_STATUS_HELP);
-    AddLogOption(app);
-    AddCheckCommand(app, command);
-    AddShowCommand(app, command);
-    AddPollCommand(app, command);
-    AddCaptureCommand(app, command);
-    AddSimulateCommand(app, command);
-    AddAlarmsCommand(app, command);
-    AddWriteCommand(app, command);
-    AddDictionaryCommand(app, command);
+    const auto named = LEVELS.find(text);
+    return named != LEVELS.end() ? named->second : static_cast<OrbaLogLevel>(std::stoi(text));
 }
 
 ExitStatus Complain(const std::string& message, ExitStatus status) {
@@ -55,27 +25,25 @@ ExitStatus Complain(const std::string& message, ExitStatus status) {
     return status;
 }
 
-ExitStatus Run(int argc, char** argv) {
-    CLI::App app("Reads Modbus devices as objects with value, unit, quality and date-time.", "kzm-modbus");
-    Command command;
-    try {
-        Configure(app, command);
-        app.parse(argc, argv);
-        if (!command) {
-            throw CLI::RequiredError("A command");
-        }
-        const ExitStatus status = command();
-        return std::cout.flush() ? status : Complain("cannot write to standard output", ExitStatus::FILE_ERROR);
-    } catch (const CLI::Success& asked) {
-        app.exit(asked);
-        return ExitStatus::OK;
-    } catch (const CLI::ParseError& error) {
-        return Complain(std::string(error.what()) + "; --help tells more", ExitStatus::WRONG_USAGE);
-    } catch (const Failure& failure) {
-        return Complain(failure.what(), failure.GetStatus());
-    } catch (const std::exception& error) {
-        return Complain(std::string("internal error: ") + error.what(), ExitStatus::INTERNAL_ERROR);
-    }
+ExitStatus RunCommand(int argc, char** argv) {
+    CommandLine line;
+    std::string level;
+    line.GetOptionsOfAll().AddChoice(
+        {"--log", "LEVEL", "Show the library's log lines up to a level"},
+        {"error", "warning", "information", "trace", "0", "1", "2", "3", "4", "5", "6", "7"}, level);
+#define KZM_ADD_COMMAND(function) function(line);
+    KZM_COMMANDS(KZM_ADD_COMMAND)
+#undef KZM_ADD_COMMAND
+    const Command command = line.Parse(argc, argv);
+    RootLogger::GetInstance().SetLevel(level.empty() ? OrbaLogLevel::NONE : LevelOf(level));
+    const ExitStatus status = command ? command() : ExitStatus::OK;
+    return std::cout.flush() ? status : Complain("cannot write to standard output", ExitStatus::FILE_ERROR);
+}
+
+ExitStatus Run(int argc, char** argv) try { return RunCommand(argc, argv); } catch (const Failure& failure) {
+    return Complain(failure.what(), failure.GetStatus());
+} catch (const std::exception& error) {
+    return Complain(std::string("internal error: ") + error.what(), ExitStatus::INTERNAL_ERROR);
 }
 
 }  // namespace
