@@ -1,14 +1,19 @@
 #include "gateway/model/ValueEncoder.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
 #include <limits>
+#include <optional>
+#include <utility>
 
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/json/ProblemText.h"
+#include "gateway/model/NumberText.h"
 
 namespace kzm::ModbusGateway {
 
@@ -26,9 +31,8 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-[[noreturn]] void RefuseRange(const std::string& text) {
-    throw CannotEncode(text + " is out of range");
-}
+// The bytes of an element, most significant first; nullopt for a raw value that the type cannot hold.
+using Attempt = std::optional<Bytes>;
 
 struct IntegerFormat {
     unsigned bits;
@@ -45,159 +49,337 @@ IntegerFormat FormatOf(RawView view) {
             return {16, false};
         case RawView::S16:
             return {16, true};
+        case RawView::U32:
+        case RawView::FLOAT:
+            return {32, false};
         case RawView::S32:
             return {32, true};
         case RawView::U64:
+        case RawView::DOUBLE:
             return {64, false};
         case RawView::S64:
             return {64, true};
-        default:
-            return {32, false};
+        case RawView::NONE:
+        case RawView::BYTES:
+            break;
     }
+    return {64, false};
 }
 
-bool IsNear(const json& decoded, const json& wanted, double tolerance) {
-    return decoded.is_number() && wanted.is_number() && !(decoded.is_number_integer() && wanted.is_number_integer()) &&
-           std::fabs(decoded.get<double>() - wanted.get<double>()) <= tolerance;
+// The whole numbers that an integer type holds, both ends included.
+struct IntegerRange {
+    std::int64_t low;
+    std::uint64_t high;
+
+    template <typename Integer>
+    bool Holds(Integer number) const {
+        return std::cmp_greater_equal(number, low) && std::cmp_less_equal(number, high);
+    }
+};
+
+constexpr std::array<std::uint64_t, 5> DECIMAL_ENDS{0, 9999, 99999999, 999999999999, 9999999999999999};
+
+// Four decimal digits per register, the least significant first, each with the sign of the number.
+std::uint64_t DecimalWordsOf(std::int64_t number, std::size_t words) {
+    std::uint64_t bits = 0;
+    for (std::size_t word = 0; word < words; ++word, number /= 10000) {
+        bits |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(number % 10000)) << (16 * word);
+    }
+    return bits;
 }
 
-// Turns a text into the bytes of an element, most significant first, and into the value that these must decode to.
+bool IsSameInteger(const json& one, const json& other) {
+    if (one.is_number_unsigned()) {
+        const auto number = one.get<std::uint64_t>();
+        return other.is_number_unsigned() ? number == other.get<std::uint64_t>()
+                                          : std::cmp_equal(number, other.get<std::int64_t>());
+    }
+    return other.is_number_unsigned() ? IsSameInteger(other, one)
+                                      : one.get<std::int64_t>() == other.get<std::int64_t>();
+}
+
+// Whether a floating-point number is this integer, but for the tolerance. Compared as integers: as floating point,
+// different integers above 2^53 would be equal.
+bool IsInteger(double number, const json& integer, double tolerance) {
+    const double rounded = std::round(number);
+    if (!(std::fabs(number - rounded) <= tolerance && rounded >= -0x1p63 && rounded < 0x1p64)) {
+        return false;
+    }
+    const json whole =
+        rounded < 0 ? json(static_cast<std::int64_t>(rounded)) : json(static_cast<std::uint64_t>(rounded));
+    return IsSameInteger(whole, integer);
+}
+
+bool IsSame(const json& decoded, const json& wanted, double tolerance) {
+    if (!decoded.is_number() || !wanted.is_number()) {
+        return decoded == wanted;
+    }
+    if (wanted.is_number_integer()) {
+        return decoded.is_number_integer() ? IsSameInteger(decoded, wanted)
+                                           : IsInteger(decoded.get<double>(), wanted, tolerance);
+    }
+    const auto number = wanted.get<double>();
+    return decoded.is_number_integer() ? IsInteger(number, decoded, tolerance)
+                                       : std::fabs(decoded.get<double>() - number) <= tolerance;
+}
+
+bool HasRawValue(const EnumerationPairData& pair, const std::string& text) {
+    const json number = ParseNumber(text).value_or(nullptr);
+    switch (pair.mType) {
+        case EnumerationType::UNSIGNED_INTEGER:
+            return number.is_number() && number == pair.mValue.mUnsigned;
+        case EnumerationType::FLOAT:
+            return IsSame(pair.mValue.mFloat, number, 0x1p-23 * std::fabs(pair.mValue.mFloat));
+        case EnumerationType::STRING:
+        case EnumerationType::NONE:
+            break;
+    }
+    return pair.mStringValue == text;
+}
+
+// The form in which a whole number is shown as text; any other number as it was given.
+std::string CanonicalText(const json& number, const std::string& text) {
+    return number.is_number_integer() ? number.dump() : text;
+}
+
+EncodedValue::Registers ToRegisters(Bytes bytes, bool swapped) {
+    if (swapped) {
+        ElementData::WordSwap(bytes.data(), static_cast<unsigned>(bytes.size()));
+    }
+    EncodedValue::Registers registers;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        registers.push_back(static_cast<std::uint16_t>(bytes[i] << 8 | bytes[i + 1]));
+    }
+    return registers;
+}
+
+bool MustSwapWords(const ElementData& element, bool deviceBigEndian) {
+    const auto order = element.GetLocalByteOrdering();
+    return order == ModbusDeviceModel::ByteOrderingEnum::LITTLE_ENDIAN_WORDS ||
+           (order == ModbusDeviceModel::ByteOrderingEnum::DEVICE_ORDER && !deviceBigEndian) ||
+           element.IsLogicCodeManageInLittleEndian(element.GetLogicCode());
+}
+
+// Turns a text into the bytes of an element and into the value that these must decode to. Several raw values may decode
+// to one value, and rounding may miss the right one: each plausible raw value is decoded, and the first that gives the
+// value is taken.
 class Encoding {
 public:
-    Encoding(const ElementData& element, const std::string& text)
-        : mElement(element), mRow(RowOf(element.GetLogicCode())), mText(text), mBytes(Length()), mMask(Length()) {
-        if (element.GetNumberOfRegisters() < mRow.minRegisters || element.GetNumberOfRegisters() > mRow.maxRegisters) {
-            throw CannotEncode("the type " + std::string(mRow.name) + " does not stand in " +
-                               std::to_string(element.GetNumberOfRegisters()) + " registers");
+    Encoding(ElementData& element, bool deviceBigEndian, const std::string& text)
+        : mElement(element), mDeviceBigEndian(deviceBigEndian), mRow(RowOf(element.GetLogicCode())), mText(text) {
+        const std::size_t registers = element.GetNumberOfRegisters();
+        if (registers < mRow.minRegisters || registers > mRow.maxRegisters) {
+            throw CannotEncode("the type " + std::string(mRow.name) + " cannot be held in " +
+                               std::to_string(registers) + " registers");
         }
+        mMask.resize(2 * registers);
         if (const auto mask = element.GetBitmaskVector()) {
             std::copy_n(mask->begin(), std::min(mask->size(), mMask.size()), mMask.begin());
         }
-        Encode();
-        for (std::size_t i = 0; i < mBytes.size(); ++i) {
-            if ((mBytes[i] & ~mMask[i]) != 0) {
-                throw CannotEncode(mText + " does not fit the mask");
-            }
-        }
     }
 
-    EncodedValue Result(bool swapped) const {
-        return {ToRegisters(mBytes, swapped), ToRegisters(mMask, swapped), mWanted, mTolerance};
+    EncodedValue Encode() {
+        const std::vector<Attempt> attempts = MakeAttempts();
+        const auto good = std::ranges::find_if(
+            attempts, [this](const Attempt& attempt) { return attempt && FitsMask(*attempt) && ReadsBack(*attempt); });
+        const Attempt& best = good != attempts.end() ? *good : attempts.front();
+        if (!best) {
+            throw CannotEncode(DoesNotFit());
+        }
+        if (!FitsMask(*best)) {
+            throw CannotEncode(mText + " does not fit the mask");
+        }
+        return ResultOf(*best);
     }
 
 private:
-    std::size_t Length() const { return std::size_t{2} * mElement.GetNumberOfRegisters(); }
-
-    void Encode() {
+    // The most obvious raw value first; at least one.
+    std::vector<Attempt> MakeAttempts() {
         switch (mRow.family) {
             case Family::NUMBER:
             case Family::DOUBLE:
             case Family::DECIMAL_WORDS:
-                return EncodeNumber();
+                return NumberAttempts();
             case Family::BOOLEAN:
-                return EncodeBoolean();
+                return BooleanAttempts();
             case Family::ENUMERATION:
             case Family::SHIFTED_ENUMERATION:
-                return EncodeEnumeration();
-            case Family::DECIMAL_TEXT:
-                SetInteger(Number());
-                mWanted = mText;
-                return;
+                return HasLabels() ? LabelAttempts() : UnlabelledAttempts();
             case Family::TEXT_ENUMERATION:
-                return SetText(PairOf().mStringValue);
+                return LabelAttempts();
+            case Family::DECIMAL_TEXT:
+                return DecimalTextAttempts();
             case Family::TEXT:
                 mWanted = mText;
-                return SetText(mText);
-            default:
-                throw CannotEncode("the type " + std::string(mRow.name) + " cannot be written");
+                return {TextAttempt(mText)};
+            case Family::NONE:
+            case Family::POWER_FACTOR:
+            case Family::QUADRANT:
+            case Family::LAG_LEAD:
+            case Family::INDUCTIVE_CAPACITIVE:
+            case Family::FREQUENCY_CLASS:
+            case Family::DATE_IEC870:
+            case Family::DATE_3_REGISTERS:
+            case Family::DATE_ULP:
+            case Family::DATE_CM:
+            case Family::DATE_MSP:
+            case Family::VERSION_2_3:
+            case Family::VERSION_1_1_2:
+            case Family::VERSION_1_1_3:
+            case Family::SCALED_POWER:
+                break;
         }
+        throw CannotEncode("the type " + std::string(mRow.name) + " cannot be written");
     }
 
-    double Number() {
-        mWanted = json::parse(mText, nullptr, /*allow_exceptions=*/false);
-        if (!mWanted.is_number()) {
-            throw CannotEncode(Quoted(mText) + " is no number");
+    json Number() const {
+        if (auto number = ParseNumber(mText)) {
+            return *std::move(number);
         }
-        return mWanted.get<double>();
+        throw CannotEncode(Quoted(mText) + " is not a number");
     }
 
-    void EncodeNumber() {
-        const double number = Number();
+    // Rounding costs a value some bits of its registers; a whole number only those of the scaling.
+    double ToleranceOf(const json& number) const {
+        const bool isSingle = mRow.view == RawView::FLOAT && !number.is_number_integer();
+        const double magnitude = std::max(std::fabs(number.get<double>()), std::fabs(double{mElement.GetOffset()}));
+        return (isSingle ? 0x1p-23 : 1e-12) * magnitude;
+    }
+
+    std::vector<Attempt> NumberAttempts() {
+        mWanted = Number();
+        mTolerance = ToleranceOf(mWanted);
         const double offset = mElement.GetOffset();
-        const double raw = (number - offset) / mElement.GetScaleFactor();
-        const double relative = mRow.view == RawView::FLOAT ? 0x1p-23 : 1e-12;
-        mTolerance = relative * std::max(std::fabs(number), std::fabs(offset));
-        if (std::trunc(number) == number) {
-            mTolerance = std::min(mTolerance, 0.5);
+        const double scale = mElement.GetScaleFactor();
+        double raw = (mWanted.get<double>() - offset) / scale;
+        raw = std::isnan(raw) ? 0 : raw;  // a scale of 0, and the offset itself
+        if (mRow.view == RawView::FLOAT) {
+            return FloatAttemptsNear(raw);
         }
-        if (mRow.family == Family::DECIMAL_WORDS) {
-            SetDecimalWords(raw);
-        } else if (mRow.view == RawView::FLOAT) {
-            SetFloat(raw);
-        } else if (mRow.view == RawView::DOUBLE) {
-            SetBits(std::bit_cast<std::uint64_t>(raw));
-        } else {
-            SetInteger(raw);
+        if (mRow.view == RawView::DOUBLE) {
+            return {Attempt(BytesOf(std::bit_cast<std::uint64_t>(raw)))};
         }
+        const bool isRaw = offset == 0 && scale == 1 && mWanted.is_number_integer();
+        if (isRaw && mWanted.is_number_unsigned()) {
+            return AttemptsNear(mWanted.get<std::uint64_t>(), 1);
+        }
+        return isRaw ? AttemptsNear(mWanted.get<std::int64_t>(), 1) : AttemptsNear(raw);
     }
 
-    // True is the lowest bit of the mask.
-    void EncodeBoolean() {
+    // The number and its neighbours.
+    std::vector<Attempt> FloatAttemptsNear(double raw) const {
+        constexpr float FAR = std::numeric_limits<float>::infinity();
+        const auto number = static_cast<float>(std::fabs(raw) <= std::numeric_limits<float>::max() ? raw : 0);
+        return {FloatAttempt(raw), FloatAttempt(std::nextafter(number, FAR)),
+                FloatAttempt(std::nextafter(number, -FAR))};
+    }
+
+    std::vector<Attempt> AttemptsNear(double raw) const {
+        const double rounded = std::round(raw);
+        const double above = std::nextafter(std::fabs(rounded), std::numeric_limits<double>::infinity());
+        const auto step = static_cast<std::uint64_t>(std::clamp(above - std::fabs(rounded), 1.0, 0x1p53));
+        if (rounded >= -0x1p63 && rounded < 0x1p62) {
+            return AttemptsNear(static_cast<std::int64_t>(rounded), step);
+        }
+        if (rounded > 0 && rounded < 0x1p64) {
+            return AttemptsNear(static_cast<std::uint64_t>(rounded), step);
+        }
+        return {std::nullopt, IntegerAttempt(Range().low), IntegerAttempt(Range().high)};
+    }
+
+    // The number, its neighbours, those that the rounding of a large floating-point number skips, and the ends of the
+    // range, as an end may be shown rounded to a number that lies beyond it.
+    template <typename Integer>
+    std::vector<Attempt> AttemptsNear(Integer number, std::uint64_t step) const {
+        std::vector<Attempt> attempts{IntegerAttempt(number)};
+        for (const std::uint64_t distance : {std::uint64_t{1}, std::uint64_t{2}, std::uint64_t{3}, step, 2 * step}) {
+            const auto centre = static_cast<std::uint64_t>(number);
+            attempts.push_back(IntegerAttempt(static_cast<Integer>(centre + distance)));
+            attempts.push_back(IntegerAttempt(static_cast<Integer>(centre - distance)));
+        }
+        attempts.push_back(IntegerAttempt(Range().low));
+        attempts.push_back(IntegerAttempt(Range().high));
+        return attempts;
+    }
+
+    // True is the lowest bit of the mask and false is 0, unless an offset makes it otherwise.
+    std::vector<Attempt> BooleanAttempts() {
         if (mText != "true" && mText != "false" && mText != "1" && mText != "0") {
             throw CannotEncode(Quoted(mText) + " is neither true nor false");
         }
         mWanted = mText == "true" || mText == "1";
-        SetBits(mWanted.get<bool>() ? std::uint64_t{1} << LowestMaskBit() : 0);
+        if (mWanted == true) {
+            return {BytesOf(std::uint64_t{1} << LowestMaskBit()), BytesOf(0)};
+        }
+        const double zero = -mElement.GetOffset() / mElement.GetScaleFactor();
+        return {BytesOf(0), zero > 0 && zero < 0x1p16 ? IntegerAttempt(std::lround(zero)) : std::nullopt};
     }
 
-    void EncodeEnumeration() {
+    bool HasLabels() const {
         const auto pairs = mElement.GetEnumerationPairs();
-        if (!pairs || pairs->empty()) {
-            SetEnumerationNumber(Number());
-            mWanted = mText;
-            return;
-        }
-        const EnumerationPairData& pair = PairOf();
-        SetEnumerationNumber(pair.mType == EnumerationType::FLOAT ? static_cast<double>(pair.mValue.mFloat)
-                                                                  : pair.mValue.mUnsigned);
+        return pairs && !pairs->empty();
     }
 
-    void SetEnumerationNumber(double number) {
+    std::vector<Attempt> UnlabelledAttempts() {
+        const json number = Number();
+        mWanted = CanonicalText(number, mText);
         if (mRow.view == RawView::FLOAT) {
-            return SetFloat(number);
+            return {FloatAttempt(number.get<double>())};
         }
-        const bool shifted = mRow.family == Family::SHIFTED_ENUMERATION;
-        SetInteger(shifted ? std::ldexp(number, LowestMaskBit()) : number);
+        return {number.is_number_unsigned() ? LabelNumberAttempt(number.get<std::uint64_t>()) : std::nullopt};
     }
 
-    // The pair with this label, else the one with this raw value.
-    const EnumerationPairData& PairOf() {
+    std::vector<Attempt> DecimalTextAttempts() {
+        const json number = Number();
+        mWanted = CanonicalText(number, mText);
+        const double rounded = std::round(number.get<double>());
+        return {rounded >= 0 && rounded < 0x1p53 ? IntegerAttempt(static_cast<std::uint64_t>(rounded)) : std::nullopt};
+    }
+
+    // Of all raw values with the label, else of the first pair with the raw value.
+    std::vector<Attempt> LabelAttempts() {
         const auto pairs = mElement.GetEnumerationPairs();
         const std::vector<EnumerationPairData> none;
         const auto& known = pairs ? *pairs : none;
-        auto found = std::ranges::find(known, mText, &EnumerationPairData::mLabel);
-        if (found == known.end()) {
-            found = std::ranges::find_if(known, [&](const EnumerationPairData& pair) { return HasRawValue(pair); });
+        std::vector<Attempt> attempts;
+        for (const EnumerationPairData& pair : known) {
+            if (pair.mLabel == mText) {
+                attempts.push_back(LabelAttempt(pair));
+            }
         }
+        mWanted = mText;
+        if (!attempts.empty()) {
+            return attempts;
+        }
+        const auto found =
+            std::ranges::find_if(known, [this](const EnumerationPairData& pair) { return HasRawValue(pair, mText); });
         if (found == known.end()) {
             Names labels;
             std::ranges::transform(known, std::back_inserter(labels), &EnumerationPairData::mLabel);
-            throw CannotEncode(Quoted(mText) + " is no label" + Alternatives(mText, labels));
+            throw CannotEncode(Quoted(mText) + " is not a label" + Alternatives(mText, labels));
         }
         mWanted = found->mLabel;
-        return *found;
+        return {LabelAttempt(*found)};
     }
 
-    bool HasRawValue(const EnumerationPairData& pair) const {
-        const json number = json::parse(mText, nullptr, /*allow_exceptions=*/false);
+    Attempt LabelAttempt(const EnumerationPairData& pair) const {
         switch (pair.mType) {
             case EnumerationType::UNSIGNED_INTEGER:
-                return number.is_number() && number == pair.mValue.mUnsigned;
+                return LabelNumberAttempt(pair.mValue.mUnsigned);
             case EnumerationType::FLOAT:
-                return IsNear(number, pair.mValue.mFloat, 0x1p-23 * std::fabs(pair.mValue.mFloat));
-            default:
-                return pair.mStringValue == mText;
+                return FloatAttempt(pair.mValue.mFloat);
+            case EnumerationType::STRING:
+                return TextAttempt(pair.mStringValue);
+            case EnumerationType::NONE:
+                break;
         }
+        return std::nullopt;
+    }
+
+    // Shifted to the lowest bit of the mask where the type is.
+    Attempt LabelNumberAttempt(std::uint64_t number) const {
+        const int shift = mRow.family == Family::SHIFTED_ENUMERATION ? LowestMaskBit() : 0;
+        return number <= (~std::uint64_t{0} >> shift) ? IntegerAttempt(number << shift) : std::nullopt;
     }
 
     int LowestMaskBit() const {
@@ -210,107 +392,120 @@ private:
         throw CannotEncode("no bit of the registers belongs to the element");
     }
 
-    // Least significant byte last.
-    void SetBits(std::uint64_t bits) {
-        for (std::size_t i = mBytes.size(); i-- > 0; bits >>= 8) {
-            mBytes[i] = static_cast<std::uint8_t>(bits);
-        }
-    }
-
-    void SetFloat(double raw) {
-        if (!(std::fabs(raw) <= std::numeric_limits<float>::max())) {
-            RefuseRange(mText);
-        }
-        SetBits(std::bit_cast<std::uint32_t>(static_cast<float>(raw)));
-        if (mRow.gathering == Gathering::SWAPPED_BIG_ENDIAN_32) {
-            ElementData::WordSwap(mBytes.data(), static_cast<unsigned>(mBytes.size()));
-        }
-    }
-
     // A signed number in fewer registers than its type has bits cannot be negative: no sign is read.
-    void SetInteger(double raw) {
+    IntegerRange Range() const {
+        if (mRow.family == Family::DECIMAL_WORDS) {
+            const std::uint64_t end = DECIMAL_ENDS[mMask.size() / 2];
+            return {mRow.view == RawView::S16 ? -static_cast<std::int64_t>(end) : 0, end};
+        }
         const IntegerFormat format = FormatOf(mRow.view);
-        const auto bits = std::min(format.bits, static_cast<unsigned>(8 * mBytes.size()));
-        const bool isSigned = format.isSigned && bits == format.bits;
-        const double rounded = std::round(raw);
-        const double end = std::ldexp(1.0, static_cast<int>(isSigned ? bits - 1 : bits));
-        if (!(rounded >= (isSigned ? -end : 0.0) && rounded < end)) {
-            RefuseRange(mText);
+        const auto bits = std::min(format.bits, static_cast<unsigned>(8 * mMask.size()));
+        const std::uint64_t all = ~std::uint64_t{0} >> (64 - bits);
+        if (format.isSigned && bits == format.bits) {
+            return {-static_cast<std::int64_t>(all / 2) - 1, all / 2};
         }
-        const std::uint64_t number = rounded < 0 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(rounded))
-                                                 : static_cast<std::uint64_t>(rounded);
-        SetBits(number & (~std::uint64_t{0} >> (64 - bits)));
+        return {0, all};
     }
 
-    // Each register holds four decimal digits, and the sign where it is signed.
-    void SetDecimalWords(double raw) {
-        const double rounded = std::round(raw);
-        const double end = std::pow(10.0, 2.0 * static_cast<double>(mBytes.size()));
-        if (!(rounded > (mRow.view == RawView::S16 ? -end : -1.0) && rounded < end)) {
-            RefuseRange(mText);
+    template <typename Integer>
+    Attempt IntegerAttempt(Integer number) const {
+        if (!Range().Holds(number)) {
+            return std::nullopt;
         }
-        auto number = static_cast<std::int64_t>(rounded);
-        std::uint64_t bits = 0;
-        for (std::size_t word = 0; word < mBytes.size() / 2; ++word, number /= 10000) {
-            bits |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(number % 10000)) << (16 * word);
+        if (mRow.family == Family::DECIMAL_WORDS) {
+            return BytesOf(DecimalWordsOf(static_cast<std::int64_t>(number), mMask.size() / 2));
         }
-        SetBits(bits);
+        return BytesOf(static_cast<std::uint64_t>(number) & (~std::uint64_t{0} >> (64 - FormatOf(mRow.view).bits)));
     }
 
-    // The rest is NUL.
-    void SetText(const std::string& text) {
+    Attempt FloatAttempt(double raw) const {
+        if (!(std::fabs(raw) <= std::numeric_limits<float>::max())) {
+            return std::nullopt;
+        }
+        Bytes bytes = BytesOf(std::bit_cast<std::uint32_t>(static_cast<float>(raw)));
+        if (mRow.gathering == Gathering::SWAPPED_BIG_ENDIAN_32) {
+            ElementData::WordSwap(bytes.data(), static_cast<unsigned>(bytes.size()));
+        }
+        return bytes;
+    }
+
+    // Least significant byte last.
+    Bytes BytesOf(std::uint64_t bits) const {
+        Bytes bytes(mMask.size());
+        for (std::size_t i = bytes.size(); i-- > 0; bits >>= 8) {
+            bytes[i] = static_cast<std::uint8_t>(bits);
+        }
+        return bytes;
+    }
+
+    // Where the characters of a text go, one after another.
+    std::vector<std::size_t> TextPlaces() const {
         std::vector<std::size_t> places;
-        for (std::size_t i = 0; i < mBytes.size(); ++i) {
+        for (std::size_t i = 0; i < mMask.size(); ++i) {
             if (mRow.gathering != Gathering::MASKED_BYTES || mMask[i] != 0) {
                 places.push_back(mRow.gathering == Gathering::SWAPPED_BYTES ? i ^ 1U : i);
             }
         }
+        return places;
+    }
+
+    // The rest is NUL.
+    Attempt TextAttempt(const std::string& text) const {
+        const std::vector<std::size_t> places = TextPlaces();
         if (text.size() > places.size()) {
-            throw CannotEncode(Quoted(mText) + " has more than " + std::to_string(places.size()) + " bytes");
+            return std::nullopt;
         }
+        Bytes bytes(mMask.size());
         for (std::size_t i = 0; i < text.size(); ++i) {
-            mBytes[places[i]] = static_cast<std::uint8_t>(text[i]);
+            bytes[places[i]] = static_cast<std::uint8_t>(text[i]);
         }
+        return bytes;
     }
 
-    static EncodedValue::Registers ToRegisters(Bytes bytes, bool swapped) {
-        if (swapped) {
-            ElementData::WordSwap(bytes.data(), static_cast<unsigned>(bytes.size()));
-        }
-        EncodedValue::Registers registers;
-        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-            registers.push_back(static_cast<std::uint16_t>(bytes[i] << 8 | bytes[i + 1]));
-        }
-        return registers;
+    std::string DoesNotFit() const {
+        return mRow.view == RawView::BYTES
+                   ? Quoted(mText) + " has more than " + std::to_string(TextPlaces().size()) + " bytes"
+                   : mText + " is out of range";
     }
 
-    const ElementData& mElement;
+    bool FitsMask(const Bytes& bytes) const {
+        return std::ranges::equal(bytes, mMask, [](auto byte, auto mask) { return (byte & ~mask) == 0; });
+    }
+
+    bool ReadsBack(const Bytes& bytes) {
+        return IsSame(DecodeValue(mElement, mDeviceBigEndian, ResultOf(bytes).registers), mWanted, mTolerance);
+    }
+
+    EncodedValue ResultOf(const Bytes& bytes) const {
+        const bool swapped = MustSwapWords(mElement, mDeviceBigEndian);
+        return {ToRegisters(bytes, swapped), ToRegisters(mMask, swapped), mWanted, mTolerance};
+    }
+
+    ElementData& mElement;
+    const bool mDeviceBigEndian;
     const LogicCodeRow& mRow;
     const std::string& mText;
-    Bytes mBytes;
     Bytes mMask;
     json mWanted;
     double mTolerance = 0;
 };
 
-// A number with as many digits as it is sure to have.
+// A number with as many digits as it is sure to have; a whole number with all of them.
 std::string TextOf(const json& value) {
     if (value.is_number_float()) {
-        char text[32];
-        std::snprintf(text, sizeof text, "%.15g", value.get<double>());
-        return text;
+        const double number = value.get<double>();
+        std::array<char, 32> text;
+        const bool isWhole = std::trunc(number) == number && std::fabs(number) < 0x1p64;
+        std::snprintf(text.data(), text.size(), isWhole ? "%.0f" : "%.15g", number);
+        return text.data();
     }
     return value.is_null() ? "not available" : value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
 }  // namespace
 
-EncodedValue EncodeValue(const ElementData& element, bool deviceBigEndian, const std::string& text) {
-    const auto order = element.GetLocalByteOrdering();
-    const bool swapped = order == ModbusDeviceModel::ByteOrderingEnum::LITTLE_ENDIAN_WORDS ||
-                         (order == ModbusDeviceModel::ByteOrderingEnum::DEVICE_ORDER && !deviceBigEndian) ||
-                         element.IsLogicCodeManageInLittleEndian(element.GetLogicCode());
-    return Encoding(element, text).Result(swapped);
+EncodedValue EncodeValue(ElementData& element, bool deviceBigEndian, const std::string& text) {
+    return Encoding(element, deviceBigEndian, text).Encode();
 }
 
 json DecodeValue(ElementData& element, bool deviceBigEndian, const EncodedValue::Registers& registers) {
@@ -327,7 +522,7 @@ json DecodeValue(ElementData& element, bool deviceBigEndian, const EncodedValue:
 }
 
 void EncodedValue::CheckReadBack(const json& decoded) const {
-    if (decoded != wanted && !IsNear(decoded, wanted, tolerance)) {
+    if (!IsSame(decoded, wanted, tolerance)) {
         throw CannotEncode(TextOf(wanted) + " would be read back as " + TextOf(decoded));
     }
 }

@@ -85,7 +85,7 @@ class WriteTest(unittest.TestCase):
             for values, reason in [
                     (["limit=12.55"], "limit: 12.55 would be read back as 12.6"),
                     (["limit=214748364.8"], "limit: 214748364.8 is out of range"),
-                    (["mode=Onn"], 'mode: "Onn" is no label; did you mean "On"? Allowed: "Off", "Test", "On"'),
+                    (["mode=Onn"], 'mode: "Onn" is not a label; did you mean "On"? Allowed: "Off", "Test", "On"'),
                     (["limit=12.5", "low=7"], "limit: 12.5 would be read back as 0.7"),
                     (["low=7", "day=1"], "the elements stand in more than one frame; write them one by one")]:
                 with self.subTest(values=values):
