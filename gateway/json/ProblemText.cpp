@@ -7,14 +7,25 @@ namespace kzm::ModbusGateway {
 
 namespace {
 
+constexpr std::size_t LONGEST_QUOTE = 200;
 constexpr std::size_t LONGEST_CITATION = 40;
 constexpr std::size_t MOST_LISTED_NAMES = 20;
-constexpr std::size_t LONGEST_COMPARED_NAME = 80;
+
+std::string Shortened(std::string_view text, std::size_t longest) {
+    if (text.size() <= longest) {
+        return std::string(text);
+    }
+    std::size_t end = longest;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {  // not within a UTF-8 sequence
+        --end;
+    }
+    return std::string(text.substr(0, end)) + "...";
+}
 
 }  // namespace
 
 std::string Quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
+    return '"' + Shortened(text, LONGEST_QUOTE) + '"';
 }
 
 std::string ListOf(const Names& names) {
@@ -22,39 +33,22 @@ std::string ListOf(const Names& names) {
     for (std::size_t i = 0; i < std::min(names.size(), MOST_LISTED_NAMES); ++i) {
         list += (i == 0 ? "" : ", ") + Quoted(names[i]);
     }
-    return names.empty() ? "none" : names.size() > MOST_LISTED_NAMES ? list + ", ..." : list;
+    if (names.empty()) {
+        return "none";
+    }
+    return names.size() > MOST_LISTED_NAMES ? list + ", ..." : list;
 }
 
 std::string Cited(const nlohmann::json& value) {
     if (value.is_structured()) {
         return value.is_array() ? "this list" : "this object";
     }
-    std::string text = value.dump();
-    if (text.size() > LONGEST_CITATION) {
-        std::size_t end = LONGEST_CITATION;
-        while ((static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {  // not within a UTF-8 sequence
-            --end;
-        }
-        text = text.substr(0, end) + "...";
-    }
-    return text;
+    return Shortened(value.dump(), LONGEST_CITATION);
 }
 
 std::string Alternatives(std::string_view unknown, const Names& known, const std::string& allowed) {
-    std::size_t least = std::max<std::size_t>(2, unknown.size() / 3) + 1;
-    std::string nearest;
-    for (const auto& name : known) {
-        const auto [shorter, longer] = std::minmax({name.size(), unknown.size()});
-        if (longer > LONGEST_COMPARED_NAME || longer - shorter >= least) {
-            continue;  // differs by that many characters at least
-        }
-        const std::size_t distance = Distance(unknown, name);
-        if (distance < least) {
-            least = distance;
-            nearest = name;
-        }
-    }
-    return (nearest.empty() ? "; allowed: " : "; did you mean " + Quoted(nearest) + "? Allowed: ") +
+    const std::string suggestion = Suggestion(unknown, known);
+    return suggestion + (suggestion.empty() ? "; allowed: " : " Allowed: ") +
            (allowed.empty() ? ListOf(known) : allowed);
 }
 

@@ -6,20 +6,20 @@
 
 #include "gateway/json/Suggestions.h"
 
-// Parts of the messages about faulty profiles and captures.
+// Parts of messages about profiles, captures and command lines.
 namespace kzm::ModbusGateway {
 
-// The text between quotation marks.
+// The text between quotation marks; after 200 bytes "..." stands for the rest.
 std::string Quoted(std::string_view text);
 
-// `"a", "b", "c"`, a long list cut; "none" for no names.
+// `"a", "b", "c"`, "..." after 20 names; "none" for no names.
 std::string ListOf(const Names& names);
 
-// A value as it may be cited: a long one is cut, of a list or object nothing is told.
+// A JSON value as text, "..." after 40 bytes; "this list" or "this object" for what has members.
 std::string Cited(const nlohmann::json& value);
 
-// `; did you mean "x"? Allowed: ...` with the known name that differs least from an unknown one, or just `; allowed:
-// ...` when none is near. `allowed`: what to say there if not the list of the known names.
+// To be appended to a message about an unknown name: `; did you mean "x"? Allowed: ...`, or `; allowed: ...` if no
+// known name is near. `allowed`: what to name there instead of all known names.
 std::string Alternatives(std::string_view unknown, const Names& known, const std::string& allowed = {});
 
 }  // namespace kzm::ModbusGateway

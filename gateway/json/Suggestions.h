@@ -1,19 +1,28 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
+// What a misspelt name may have meant: of profiles, captures, commands and options alike.
 namespace kzm::ModbusGateway {
 
 using Names = std::vector<std::string>;
 
-// How many characters must be put in, left out or exchanged to make one text of the other.
-std::size_t Distance(std::string_view left, std::string_view right);
+// Up to three of the known names that an unknown one may stand for, likeliest first; none if nothing is near. Upper and
+// lower case never matter. Only the best of these groups is returned:
+//
+// 1. the same name in another case
+// 2. names that contain the text, the shortest first
+// 3. names at the least edit distance (characters inserted, dropped, replaced, or swapped with their neighbour), if
+//    that is at most a third of the length
+// 4. names that the text contains, the longest first
+Names Suggest(std::string_view unknown, const Names& known);
 
-// The three names that differ least from a wanted one, in any case, the nearest first: "a, b, c". A name that contains
-// the wanted text does not differ from it. Of a long wanted text the first 200 bytes count.
-std::string NearestTo(std::string_view wanted, const Names& names);
+// `did you mean "a", "b" or "c"?`, empty for no names.
+std::string DidYouMean(const Names& suggestions);
+
+// `; did you mean "a"?` with what Suggest finds, to be appended to a message; empty if nothing is near.
+std::string Suggestion(std::string_view unknown, const Names& known);
 
 }  // namespace kzm::ModbusGateway

@@ -18,6 +18,7 @@ namespace Vorta = edm::modbus::Vorta;
 
 namespace {
 
+constexpr std::size_t MOST_MEANT = 3;
 constexpr const char* ELEMENTS = "elements.";
 
 // Where an attribute stands in an object: "elements.state.value" is "value" at the element path "state".
@@ -56,13 +57,13 @@ std::optional<ElementKey> ElementKey::Find(const std::string& text, std::string&
     }
     ElementKey key(text, std::move(name), std::move(alias));
     if (key.mAlias.empty() && !key.IsInDictionary() && !DeviceElementLookUp::CheckIdVortaElement(text)) {
-        fault = "the dictionary has no key " + Quoted(text) + "; nearest: " + Nearest(text);
+        fault = "the dictionary has no key " + Quoted(text) + Suggestion(text);
         return std::nullopt;
     }
     return key;
 }
 
-std::string ElementKey::Nearest(std::string_view text) {
+std::string ElementKey::Suggestion(std::string_view text) {
     Names keys;
     Names meant;
     for (const auto* table :
@@ -76,7 +77,8 @@ std::string ElementKey::Nearest(std::string_view text) {
             }
         }
     }
-    return NearestTo(text, meant.empty() ? keys : meant);
+    meant.resize(std::min(meant.size(), MOST_MEANT));
+    return meant.empty() ? ModbusGateway::Suggestion(text, keys) : "; " + DidYouMean(meant);
 }
 
 bool ElementKey::IsInDictionary() const {

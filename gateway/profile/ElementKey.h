@@ -17,9 +17,9 @@ public:
     // Nothing for a text that is no key; `fault` then says why, and what is near.
     static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
 
-    // Up to three keys of the dictionary: those whose element has the text as name or is fed by the device element of
-    // that id, else those that are most like the text.
-    static std::string Nearest(std::string_view text);
+    // `; did you mean "..."?` with up to three keys of the dictionary: those whose element has the text as its name or
+    // is fed by the device element of that id, otherwise those that are spelt like the text. Empty if nothing is near.
+    static std::string Suggestion(std::string_view text);
 
     const std::string& GetText() const { return mText; }
     const std::string& GetName() const { return mName; }

@@ -62,7 +62,7 @@ class DictionaryTest(unittest.TestCase):
 
     def test_what_is_not_there_has_its_status_and_tells_what_is_near(self):
         rows = [
-            (5, ["MinIA"], 'no key "MinIA"; nearest: DTMinIA;MinIA'),
+            (5, ["MinIA"], 'no key "MinIA"; did you mean "DTMinIA;MinIA"'),
             (5, ["--search", "no such text"], "nothing in the dictionary fits"),
             (2, ["--table", "alarms"], "alarm"),
             (2, ["Hz", "--table", "alarm"], "excludes"),

@@ -55,8 +55,8 @@ class FilesTest(unittest.TestCase):
             (3, ["check"], ["/dev/zero"], r"larger than 64 MiB"),
             (3, ["capture", PROFILE, "--tcp", "a"], ["-o", "/nowhere/x"], r"/nowhere/x: cannot write: No such file"),
             (3, ["capture", PROFILE, "--tcp", "a"], ["-o", ""], r"cannot write: No such file"),
-            (5, SHOW, [CAPTURE, "--object", "level"], r'"level"; nearest: Level/east, Level/west'),
-            (5, SHOW, [CAPTURE, "--object", "Flw/x"], r'"Flw/x"; nearest: Flow'),
+            (5, SHOW, [CAPTURE, "--object", "level"], r'"level"; did you mean "Level/east" or "Level/west"\?'),
+            (5, SHOW, [CAPTURE, "--object", "Flow/x"], r'"Flow/x"; did you mean "Flow"\?'),
         ]
         for status, command, arguments, text in rows:
             with self.subTest(arguments=command + arguments):

@@ -151,8 +151,8 @@ ExitStatus ShowDictionary(const DictionaryOptions& options) {
     if (elements.empty()) {
         throw Failure(ExitStatus::OBJECT_NOT_FOUND,
                       options.key.empty() ? "nothing in the dictionary fits"
-                                          : "the dictionary has no key \"" + options.key +
-                                                "\"; nearest: " + ModbusGateway::ElementKey::Nearest(options.key));
+                                          : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
+                                                ModbusGateway::ElementKey::Suggestion(options.key));
     }
     if (options.json) {
         std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';

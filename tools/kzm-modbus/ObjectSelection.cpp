@@ -1,7 +1,7 @@
 #include "ObjectSelection.h"
 
 #include "ExitStatus.h"
-#include "gateway/json/Suggestions.h"
+#include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusTool {
 
@@ -13,12 +13,12 @@ std::string NameAndAlias(const LoadedProfile::Object& object) {
     return object.alias.empty() ? object.name : object.name + "/" + object.alias;
 }
 
-std::string NearestObjects(const std::string& wanted, const LoadedProfile& profile) {
+std::string ObjectSuggestion(const std::string& wanted, const LoadedProfile& profile) {
     Names names;
     for (const LoadedProfile::Object& object : profile.objects) {
         names.push_back(NameAndAlias(object));
     }
-    return NearestTo(wanted, names);
+    return Suggestion(wanted, names);
 }
 
 }  // namespace
@@ -38,8 +38,7 @@ Selection SelectObjects(const LoadedProfile& profile, const std::vector<std::str
             }
         }
         if (selection.size() == before) {
-            throw Failure(ExitStatus::OBJECT_NOT_FOUND,
-                          "no object \"" + text.substr(0, 200) + "\"; nearest: " + NearestObjects(text, profile));
+            throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no object " + Quoted(text) + ObjectSuggestion(text, profile));
         }
     }
     return selection;

@@ -5,7 +5,7 @@
 #include "ExitStatus.h"
 #include "ObjectTable.h"
 #include "Text.h"
-#include "gateway/json/Suggestions.h"
+#include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusTool {
 
@@ -14,11 +14,6 @@ using ModbusDeviceModel::DataModel::ElementData;
 using ModbusDeviceModel::Device::ServiceMapping;
 
 namespace {
-
-// A text of the command line as it may be cited.
-std::string Cited(const std::string& text) {
-    return "\"" + text.substr(0, 200) + "\"";
-}
 
 Failure Refusal(const ElementData& element, const CannotEncode& reason) {
     return {ExitStatus::REFUSED, element.GetAttributePath() + ": " + reason.what()};
@@ -32,9 +27,9 @@ ServiceMapping MappingOf(const LoadedProfile& profile, const std::string& object
             return profile.serviceModel->GetServiceMapping(service.name, service.alias);
         }
     }
-    throw Failure(ExitStatus::OBJECT_NOT_FOUND,
-                  "no service writes " + Cited(object) +
-                      (known.empty() ? "; the profile has none" : "; nearest: " + NearestTo(object, known)));
+    throw Failure(
+        ExitStatus::OBJECT_NOT_FOUND,
+        "no service writes " + Quoted(object) + (known.empty() ? "; the profile has none" : Suggestion(object, known)));
 }
 
 std::uint16_t* RegistersOf(WritePlan::Payload& payload, const ElementData& element) {
@@ -59,7 +54,7 @@ WritePlan::WritePlan(const LoadedProfile& profile, const std::string& object,
     for (const std::string& assignment : assignments) {
         const std::size_t equals = assignment.find('=');
         if (equals == assignment.npos) {
-            throw Failure(ExitStatus::WRONG_USAGE, Cited(assignment) + " is not ELEMENT=VALUE");
+            throw Failure(ExitStatus::WRONG_USAGE, Quoted(assignment) + " is not ELEMENT=VALUE");
         }
         const Element element = FindElement(assignment.substr(0, equals));
         try {
@@ -82,7 +77,7 @@ WritePlan::Element WritePlan::FindElement(const std::string& name) const {
             return element;
         }
     }
-    throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no element " + Cited(name) + "; nearest: " + NearestTo(name, known));
+    throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no element " + Quoted(name) + Alternatives(name, known));
 }
 
 WritePlan::Payload WritePlan::Apply(const Payload& before) const {

@@ -155,8 +155,8 @@ TEST(ProfileKeys, AnElementWithoutNameFeedsOnlyWhoNamesIt) {
 
 TEST(ProfileKeys, FaultsAreToldWithTheirRemedy) {
     ExpectOneProblemEach(PROFILE, R"(
-"key": "1d" => "key": "minia" => 14 /objects/2/key: the dictionary has no key "minia" => nearest: DTMinIA;MinIA,
-"key": "1d" => "key": "XCBR1_Pos" => 14 /objects/2/key: the dictionary has no key "XCBR1_Pos" => nearest: 15, 59
+"key": "1d" => "key": "minia" => 14 /objects/2/key: the dictionary has no key "minia" => did you mean "DTMinIA;MinIA"
+"key": "1d" => "key": "XCBR1_Pos" => 14 /objects/2/key: the dictionary has no key "XCBR1_Pos" => did you mean "15" or "59"?
 "key": "394" => "key": "7b8" => 18 /objects/6/key: a custom key is "7b8" and an encoded alias
 "key": "394" => "key": "7b8_zz" => 18 /objects/6/key: "7b8_zz" holds no encoded alias
 "key": "394" => "key": "86bA" => 18 /objects/6/key: custom alarms stand under "alarms"
