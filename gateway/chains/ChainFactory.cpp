@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <set>
 #include <utility>
 
@@ -18,26 +19,17 @@ namespace Status = ModbusDeviceModel::Status;
 
 namespace {
 
+using Signature = ProcessingChain::Signature;
+
 class TableChain final : public ProcessingChain {
 public:
-    TableChain(const ChainRow& row, Names inputs, ChainSettings settings)
-        : ProcessingChain(SignaturesOf(row, inputs), std::string(row.name), row.result == ChainResult::LABEL),
+    TableChain(const ChainRow& row, std::vector<Signature> signatures, Names inputs, ChainSettings settings)
+        : ProcessingChain(std::move(signatures), std::string(row.name), row.result == ChainResult::LABEL),
           mRow(row),
           mInputs(std::move(inputs)),
           mSettings(std::move(settings)) {}
 
 private:
-    static std::vector<Signature> SignaturesOf(const ChainRow& row, const Names& inputs) {
-        std::vector<Signature> signatures;
-        for (const auto& types : row.types) {
-            Signature& signature = signatures.emplace_back();
-            for (const auto& input : inputs) {
-                signature.emplace(input, signature.empty() ? types.first : types.others);
-            }
-        }
-        return signatures;
-    }
-
     kz::orba::StatusCode Process(const json& parameters, json& result) const override {
         const ChainCall call{mInputs, parameters, mSettings};
         for (std::size_t i = 0; i < mInputs.size(); ++i) {
@@ -59,7 +51,7 @@ private:
 };
 
 constexpr auto ANY = [](const auto&) { return true; };
-constexpr auto GIVES_BOOLEAN = [](const ChainRow& row) { return row.result == ChainResult::BOOLEAN; };
+constexpr auto GIVES_BOOLEAN = [](const auto& chain) { return chain.result == ChainResult::BOOLEAN; };
 
 Names NamesOf(const auto& rows, auto suits) {
     Names names;
@@ -71,32 +63,39 @@ Names NamesOf(const auto& rows, auto suits) {
     return names;
 }
 
-// The row of a chain that suits; null, and a fault, where there is none.
-const ChainRow* Find(const std::string& name, auto suits, ChainFactory::Result& result) {
-    const ChainRow* row = FindChain(name);
-    if (row && suits(*row)) {
-        return row;
+Names NamesOfChains(auto suits, const ChainRegistry& custom) {
+    Names names = NamesOf(AllChains(), suits);
+    for (const auto& [name, chain] : custom.GetChains()) {
+        if (suits(chain)) {
+            names.push_back(name);
+        }
     }
-    const Names known = NamesOf(AllChains(), suits);
-    std::string list;  // not cut, however many there are
+    return names;
+}
+
+void ReportUnknown(const std::string& name, bool exists, const Names& known, ChainFactory::Result& result) {
+    std::string list;  // all of them, however many there are
     for (const auto& other : known) {
         list += (list.empty() ? "" : ", ") + Quoted(other);
     }
     result.faults.push_back({{"chain"},
-                             row ? "the chain " + Quoted(name) + " does not give true or false; allowed: " + list
-                                 : "there is no chain " + Quoted(name) + Alternatives(name, known, list)});
-    return nullptr;
+                             exists ? "the chain " + Quoted(name) + " does not give true or false; allowed: " + list
+                                    : "there is no chain " + Quoted(name) + Alternatives(name, known, list)});
+}
+
+void CheckNamedInputs(std::string_view chain, const Names& inputs, const Names& roles, ChainFactory::Result& result) {
+    if (!std::is_permutation(roles.begin(), roles.end(), inputs.begin(), inputs.end())) {
+        result.faults.push_back({{"inputs"},
+                                 "the chain " + Quoted(chain) + " does not have the inputs " + ListOf(inputs) +
+                                     "; needed: exactly " + ListOf(roles)});
+    }
 }
 
 // Puts the inputs into the order of the chain's own ones; a fault where they do not suit.
 void CheckInputs(const ChainRow& row, Names& inputs, ChainFactory::Result& result) {
     const Names roles(row.inputs.names.begin(), row.inputs.names.end());
     if (!roles.empty()) {
-        if (!std::is_permutation(roles.begin(), roles.end(), inputs.begin(), inputs.end())) {
-            result.faults.push_back({{"inputs"},
-                                     "the chain " + Quoted(row.name) + " has other inputs than " + ListOf(inputs) +
-                                         "; allowed: just " + ListOf(roles)});
-        }
+        CheckNamedInputs(row.name, inputs, roles, result);
         inputs = roles;
     } else if (inputs.size() < row.inputs.least || inputs.size() > row.inputs.most) {
         result.faults.push_back({{"inputs"},
@@ -122,10 +121,17 @@ void ReadSetting(const ChainRow& row, const std::string& name, const json& value
     result.faults.push_back({{"settings", name}, message});
 }
 
-ChainSettings ReadSettings(const ChainRow& row, const json& given, ChainFactory::Result& result) {
-    ChainSettings settings;
+bool AreSettings(const json& given, ChainFactory::Result& result) {
     if (!given.is_object() && !given.is_null()) {
         result.faults.push_back({{"settings"}, "settings cannot be " + Cited(given) + "; allowed: an object"});
+        return false;
+    }
+    return true;
+}
+
+ChainSettings ReadSettings(const ChainRow& row, const json& given, ChainFactory::Result& result) {
+    ChainSettings settings;
+    if (!AreSettings(given, result)) {
         return settings;
     }
     for (const auto& [name, value] : given.items()) {
@@ -154,31 +160,92 @@ Names LabelsOf(const ChainSettings& settings) {
     return {labels.begin(), labels.end()};
 }
 
+std::vector<Signature> SignaturesOf(const ChainRow& row, const Names& inputs) {
+    std::vector<Signature> signatures;
+    for (const auto& types : row.types) {
+        Signature& signature = signatures.emplace_back();
+        for (const auto& input : inputs) {
+            signature.emplace(input, signature.empty() ? types.first : types.others);
+        }
+    }
+    return signatures;
+}
+
 void Finish(const ChainRow& row, Names inputs, const json& given, ChainFactory::Result& result) {
     ChainSettings settings = ReadSettings(row, given, result);
+    result.result = row.result;
+    result.signatures = SignaturesOf(row, inputs);
     if (result.faults.empty()) {
         result.labels = LabelsOf(settings);
-        result.chain = std::make_shared<TableChain>(row, std::move(inputs), std::move(settings));
+        result.chain = std::make_shared<TableChain>(row, result.signatures, std::move(inputs), std::move(settings));
     }
+}
+
+// What its maker throws is a fault of the settings.
+void Finish(const CustomChain& custom, const json& given, ChainFactory::Result& result) {
+    result.result = custom.result;
+    result.signatures = {custom.inputs};
+    result.labels = custom.labels;
+    if (!AreSettings(given, result) || !result.faults.empty()) {
+        return;
+    }
+    std::string fault = "it could not be made";
+    try {
+        result.chain = custom.make(given.is_null() ? json::object() : given);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
+        fault = error.what();
+    }
+    if (result.chain && result.chain->HasEnumOutput() != (custom.result == ChainResult::LABEL)) {
+        fault = "it was registered with another kind of result than it gives";
+        result.chain.reset();
+    }
+    if (!result.chain) {
+        result.faults.push_back({{"settings"}, "the chain " + Quoted(custom.name) + ": " + fault});
+    }
+}
+
+Names InputsOf(const CustomChain& custom) {
+    Names names;
+    for (const auto& [name, type] : custom.inputs) {
+        names.push_back(name);
+    }
+    return names;
 }
 
 }  // namespace
 
-ChainFactory::Result ChainFactory::Make(const std::string& name, const Names& inputs, const json& settings) {
+ChainFactory::Result ChainFactory::Make(const std::string& name, const Names& inputs, const json& settings,
+                                        const ChainRegistry& custom) {
     Result result;
-    if (const ChainRow* row = Find(name, ANY, result)) {
+    if (const ChainRow* row = FindChain(name)) {
         Names ordered = inputs;
         CheckInputs(*row, ordered, result);
         Finish(*row, std::move(ordered), settings, result);
+    } else if (const CustomChain* own = custom.Find(name)) {
+        CheckNamedInputs(name, inputs, InputsOf(*own), result);
+        Finish(*own, settings, result);
+    } else {
+        ReportUnknown(name, /*exists=*/false, NamesOfChains(ANY, custom), result);
     }
     return result;
 }
 
 ChainFactory::Result ChainFactory::MakeForAlarm(const std::string& name, const std::string& left,
-                                                const std::string& right, const json& settings) {
+                                                const std::string& right, const json& settings,
+                                                const ChainRegistry& custom) {
     Result result;
-    if (const ChainRow* row = Find(name, GIVES_BOOLEAN, result)) {
+    const ChainRow* row = FindChain(name);
+    const CustomChain* own = custom.Find(name);
+    if (row && GIVES_BOOLEAN(*row)) {
         Finish(*row, row->inputs.most == 1 ? Names{left} : Names{left, right}, settings, result);
+    } else if (own && GIVES_BOOLEAN(*own)) {
+        const Names inputs = own->inputs.size() == 1 ? Names{left} : Names{left, right};
+        CheckNamedInputs(name, inputs, InputsOf(*own), result);
+        Finish(*own, settings, result);
+    } else {
+        ReportUnknown(name, row || own, NamesOfChains(GIVES_BOOLEAN, custom), result);
     }
     return result;
 }

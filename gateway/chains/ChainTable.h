@@ -6,15 +6,13 @@
 #include <span>
 #include <string_view>
 
-#include "DataModel/ProcessingChain.h"
+#include "gateway/chains/ChainRegistry.h"
 
 // The processing chains that a device profile can name, one row each.
 namespace kzm::ModbusGateway {
 
 struct ChainCall;
 struct ChainSettings;
-
-enum class ChainResult { NUMBER, BOOLEAN, LABEL };
 
 // How many inputs a chain takes, and their names where each has a role of its own; else any names will do.
 struct ChainInputs {

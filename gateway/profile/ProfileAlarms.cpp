@@ -28,15 +28,19 @@ constexpr const char* RIGHT = "right";
 
 constexpr auto PREVIOUS = ComputedAlarmOperandType::PREVIOUS_MEASUREMENT;
 
+bool HasOneInput(const ChainFactory::Result& made) {
+    return made.signatures.front().size() == 1;
+}
+
 // False, and reported, for an operand too many or too few.
-bool CheckSides(const JsonCursor& alarm, const ChainRow& row) {
-    const bool one = row.inputs.most == 1;
+bool CheckSides(const JsonCursor& alarm, const ChainFactory::Result& made) {
+    const bool one = HasOneInput(made);
     if (one && alarm->contains(RIGHT)) {
-        alarm.At(RIGHT).Error("the chain " + Quoted(row.name) + " looks at " + Quoted(LEFT) + " alone");
+        alarm.At(RIGHT).Error("the chain " + Quoted(made.chain->GetName()) + " uses only the operand " + Quoted(LEFT));
         return false;
     }
     if (!one && !alarm->contains(RIGHT)) {
-        alarm.Error("the chain " + Quoted(row.name) + " needs the operand " + Quoted(RIGHT));
+        alarm.Error("the chain " + Quoted(made.chain->GetName()) + " needs the operand " + Quoted(RIGHT));
         return false;
     }
     return true;
@@ -60,8 +64,9 @@ bool ProfileAlarms::Operand::Is(ComputedAlarmOperandType type) const {
     return operand && operand->GetType() == type;
 }
 
-ProfileAlarms::ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects)
-    : mElements(elements), mObjects(objects) {
+ProfileAlarms::ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects,
+                             const ChainRegistry& chains)
+    : mElements(elements), mObjects(objects), mChains(chains) {
     section.ForEach([this](const std::string&, const JsonCursor& place) { ReadAlarm(place); });
 }
 
@@ -74,20 +79,19 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
     if (!place.Has("chain")) {
         return;  // reported already
     }
-    auto made = ChainFactory::MakeForAlarm(place.At("chain").Text(), LEFT, RIGHT, *place.At("settings"));
+    auto made = ChainFactory::MakeForAlarm(place.At("chain").Text(), LEFT, RIGHT, *place.At("settings"), mChains);
     ReportFaults(place, made);
     if (!made.chain) {
         return;
     }
-    const ChainRow& row = *FindChain(made.chain->GetName());
-    if (!CheckSides(place, row) || !left.operand || !right.operand) {
+    if (!CheckSides(place, made) || !left.operand || !right.operand) {
         return;
     }
     ChainInputsByName inputs{{LEFT, {left.place, left.Is(PREVIOUS) ? right.kind : left.kind}}};
-    if (row.inputs.most > 1) {
+    if (!HasOneInput(made)) {
         inputs.insert({RIGHT, {right.place, right.Is(PREVIOUS) ? left.kind : right.kind}});
     }
-    CheckInputKinds(row, inputs);
+    CheckInputKinds(made, inputs);
     const ObjectIdentity identity = ObjectIdentity::OfAlarm(place);
     Keep(place,
          {identity.name, identity.alias, ObjectOf(identity),

@@ -7,6 +7,7 @@
 
 #include "DataModel/ComputedAlarmElement.h"
 #include "Device/DeviceModel.h"
+#include "gateway/chains/ChainRegistry.h"
 #include "gateway/json/JsonCursor.h"
 #include "gateway/profile/LoadedProfile.h"
 #include "gateway/profile/ProfileElements.h"
@@ -17,8 +18,10 @@ namespace kzm::ModbusGateway {
 // The section "alarms" of a device profile.
 class ProfileAlarms {
 public:
-    // Reads the section and reports what is wrong with it. The other sections must outlive this one.
-    ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects);
+    // Reads the section and reports what is wrong with it. The other sections and the chains must
+    // outlive this one.
+    ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects,
+                  const ChainRegistry& chains);
 
     // Valid when no error was reported. In the order of the profile.
     const std::vector<LoadedProfile::Alarm>& GetAlarms() const { return mAlarms; }
@@ -43,6 +46,7 @@ private:
 
     ProfileElements& mElements;
     const ProfileObjects& mObjects;
+    const ChainRegistry& mChains;
     std::vector<LoadedProfile::Alarm> mAlarms;
     ModbusDeviceModel::Device::DeviceModel::ComputedAlarms mComputed;
     std::map<std::string, JsonCursor> mRecords;  // the alarms, by the names of their previous values

@@ -8,6 +8,7 @@
 namespace kzm::ModbusGateway {
 
 using ModbusDeviceModel::LogicCodeIdentifier;
+using ModbusDeviceModel::ProcessingChain;
 using ModbusDeviceModel::ProcessingChainOperandType;
 
 namespace {
@@ -31,11 +32,10 @@ const char* Describe(ProcessingChainOperandType type) {
 }
 
 // The inputs that cannot have the types of one of the chain's alternatives.
-Misfits MisfitsOf(const ChainTypes& types, const ChainRow& row, const ChainInputsByName& inputs) {
-    const std::string first(row.inputs.names.empty() ? inputs.begin()->first : row.inputs.names.front());
+Misfits MisfitsOf(const ProcessingChain::Signature& signature, const ChainInputsByName& inputs) {
     Misfits misfits;
     for (const auto& [name, input] : inputs) {
-        const auto type = name == first ? types.first : types.others;
+        const auto type = signature.at(name);
         if (!MayBe(input.kind, type)) {
             misfits.emplace_back(input.place, type);
         }
@@ -55,19 +55,16 @@ void ReportFaults(const JsonCursor& place, const ChainFactory::Result& result) {
     }
 }
 
-void CheckInputKinds(const ChainRow& row, const ChainInputsByName& inputs) {
-    if (inputs.empty()) {
-        return;
-    }
+void CheckInputKinds(const ChainFactory::Result& made, const ChainInputsByName& inputs) {
     std::vector<Misfits> alternatives;
-    for (const auto& types : row.types) {
-        alternatives.push_back(MisfitsOf(types, row, inputs));
+    for (const auto& signature : made.signatures) {
+        alternatives.push_back(MisfitsOf(signature, inputs));
     }
     const auto best = std::min_element(alternatives.begin(), alternatives.end(),
                                        [](const auto& left, const auto& right) { return left.size() < right.size(); });
     for (const auto& [place, type] : *best) {
-        place.Error("the element does not suit the chain " + Quoted(row.name) + "; needed: " + Describe(type) +
-                    (row.types.size() > 1 ? ", as its other inputs are" : ""));
+        place.Error("the element does not suit the chain " + Quoted(made.chain->GetName()) +
+                    "; needed: " + Describe(type) + (made.signatures.size() > 1 ? ", as its other inputs are" : ""));
     }
 }
 

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "gateway/chains/ChainFactory.h"
-#include "gateway/chains/ChainTable.h"
 #include "gateway/json/JsonCursor.h"
 #include "gateway/profile/ValueKind.h"
 
@@ -21,8 +20,8 @@ using ChainInputsByName = std::map<std::string, ChainInput>;
 // Reports what the factory found wrong with the members of a computation or an alarm.
 void ReportFaults(const JsonCursor& place, const ChainFactory::Result& result);
 
-// Reports each input that can never have the type that the chain needs.
-void CheckInputKinds(const ChainRow& row, const ChainInputsByName& inputs);
+// Reports each input that can never have the type that the chain, which was made, needs.
+void CheckInputKinds(const ChainFactory::Result& made, const ChainInputsByName& inputs);
 
 // The data-model class of what a chain gives.
 std::string ClassNameOf(ChainResult result);

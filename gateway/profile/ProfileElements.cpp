@@ -15,8 +15,9 @@ using ModbusDeviceModel::DataModel::AttributeConstant;
 using ModbusDeviceModel::DataModel::AttributeProcessor;
 using ModbusDeviceModel::DeviceProfile::Family;
 
-ProfileElements::ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations)
-    : mFrames(frames), mEnumerations(enumerations) {
+ProfileElements::ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations,
+                                 const ChainRegistry& chains)
+    : mFrames(frames), mEnumerations(enumerations), mChains(chains) {
     section.ForEach([this](const std::string& name, const JsonCursor& place) { mNamed.emplace(name, Named{place}); });
     for (auto& [name, named] : mNamed) {
         ReadNamed(name, named);
@@ -199,15 +200,14 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCurso
     if (names.empty() || !place.Has("chain")) {
         return nullptr;  // reported already
     }
-    auto made = ChainFactory::Make(place.At("chain").Text(), names, *place.At("settings"));
+    auto made = ChainFactory::Make(place.At("chain").Text(), names, *place.At("settings"), mChains);
     ReportFaults(place, made);
     if (!made.chain || adapters.size() < names.size()) {
         return nullptr;
     }
-    const ChainRow& row = *FindChain(made.chain->GetName());
-    CheckInputKinds(row, inputs);
-    element->kind = KindOf(row.result);
-    element->className = ClassNameOf(row.result);
+    CheckInputKinds(made, inputs);
+    element->kind = KindOf(made.result);
+    element->className = ClassNameOf(made.result);
     element->labels = std::move(made.labels);
     element->adapter = std::make_shared<AttributeProcessor>(adapters, std::move(made.chain));
     return element;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "DataModel/AttributeAdapter.h"
+#include "gateway/chains/ChainRegistry.h"
 #include "gateway/json/JsonCursor.h"
 #include "gateway/json/ProblemText.h"
 #include "gateway/profile/ProfileEnumerations.h"
@@ -38,8 +39,9 @@ public:
     // The most elements and computations that one value may take.
     static constexpr std::size_t MAX_COST = 256;
 
-    // Reads the section and reports what is wrong with it. The other sections must outlive this one.
-    ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations);
+    // Reads the section and reports what is wrong with it. The other sections and the chains must outlive this one.
+    ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations,
+                    const ChainRegistry& chains);
 
     // What fills a role: the element that it names or is. Null for a role that is not there, and for a faulty one,
     // which is reported.
@@ -83,6 +85,7 @@ private:
 
     ProfileFrames& mFrames;
     ProfileEnumerations& mEnumerations;
+    const ChainRegistry& mChains;
     std::map<std::string, Named> mNamed;
     Names mOpen;             // the named elements that are being read, each needed by the one before
     std::size_t mDepth = 0;  // how many elements are being read

@@ -27,14 +27,14 @@ void DescribeDevice(const JsonCursor& device, DeviceModel& model) {
     model.SetIdentification(identification);
 }
 
-// The sections of a profile, each read with those that stand before it.
+// The sections of a profile, each reads those before it.
 struct Sections {
-    explicit Sections(const JsonCursor& root)
+    Sections(const JsonCursor& root, const ChainRegistry& chains)
         : frames(root.At("frames")),
           enumerations(root.At("enumerations")),
-          elements(root.At("elements"), frames, enumerations),
+          elements(root.At("elements"), frames, enumerations, chains),
           objects(root.At("objects"), elements),
-          alarms(root.At("alarms"), elements, objects),
+          alarms(root.At("alarms"), elements, objects, chains),
           services(root.At("services"), elements, frames),
           subgraphs(root) {}
 
@@ -66,8 +66,8 @@ std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const Secti
     return profile;
 }
 
-std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& problems) {
-    const Sections sections(root);
+std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, const ChainRegistry& chains, Problems& problems) {
+    const Sections sections(root, chains);
     if (HasError(problems)) {
         return nullptr;
     }
@@ -81,13 +81,13 @@ std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, Problems& pro
 
 }  // namespace
 
-ProfileLoader::Result ProfileLoader::Load(std::string_view text) {
+ProfileLoader::Result ProfileLoader::Load(std::string_view text, const ChainRegistry& chains) {
     static const JsonSchema STRUCTURE(GetSchema());
     Result result;
     const LocatedJson document = LocatedJson::Parse(text, result.problems);
     if (document.IsRead()) {
         const nlohmann::json content = STRUCTURE.Check(document, result.problems);
-        result.profile = ReadProfile(JsonCursor(document, content, result.problems), result.problems);
+        result.profile = ReadProfile(JsonCursor(document, content, result.problems), chains, result.problems);
     }
     SortByLine(result.problems);
     return result;

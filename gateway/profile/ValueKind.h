@@ -5,7 +5,7 @@
 
 #include "DataModel/ProcessingChain.h"
 #include "DeviceProfile/LogicCodeTable.h"
-#include "gateway/chains/ChainTable.h"
+#include "gateway/chains/ChainRegistry.h"
 
 namespace kzm::ModbusGateway {
 

@@ -171,7 +171,7 @@ TEST(ChainFactory, AFaultTellsItsPlaceAndWhatIsAllowed) {
         {"sum", "{}", "a", R"(/inputs: the chain "sum" cannot have 1 inputs; allowed: two or more, under any name)"},
         {"not", "null", "a b", R"(/inputs: the chain "not" cannot have 2 inputs; allowed: one, under any name)"},
         {"difference", "{}", "a minuend",
-         R"(/inputs: the chain "difference" has other inputs than "a", "minuend"; allo)"},
+         R"(/inputs: the chain "difference" does not have the inputs "a", "minuend"; needed: exactly "minuend", "s)"},
         {"sum", "[]", "a b", "/settings: settings cannot be this list; allowed: an object"},
         {"linear", R"({"faktor": 1})", "a", R"(/settings/faktor: the chain "linear" has no setting "faktor"; did you)"},
         {"inside band", R"({"low": "x", "deadBand": -1})", "a",

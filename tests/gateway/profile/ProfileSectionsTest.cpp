@@ -86,7 +86,7 @@ TEST(ProfileComputations, EachFaultGivesOneProblem) {
 "x": "one", => => 7 /elements/sum/inputs: the chain "sum" cannot have 1 inputs => two or more
 "x": "one" => "x": "onne" => 7 /elements/sum/inputs/x: there is no such element => did you mean "one"?
 "x": "one" => "x": "state" => 7 /elements/sum/inputs/x: the element does not suit the chain "sum" => needed: a number
-"exponent": { => "exponents": { => 11 /objects/0/value/inputs: the chain "scale10" has other inputs => "exponent"
+"exponent": { => "exponents": { => 11 /objects/0/value/inputs: the chain "scale10" does not have the inputs => exactly "value", "exponent"
 2, "type": "int16" => 2, "type": "int16-to-float" => 11 /objects/0/value/inputs/exponent => a whole number
 {"constant": "On"} => {"constant": 1} => 13 /objects/2/value/inputs/ => as its other inputs are
 {"constant": "On"} => {"constant": null} => 13 /objects/2/value/inputs/right => needed: a text
@@ -177,7 +177,7 @@ TEST(ProfileAlarms, EachFaultGivesOneProblem) {
 "name": "Moved" => "name": "MovedL", "alias": "m", "priority": "LOW", "chain": "equal", "left": "one", "right": {"previous": "ast"}}, {"name": "Moved" => 18 /alarms/2/left: the previous value would be kept as "MovedLast" => line 18
 "moved" => "over" => 18 /alarms/1: the object "Alarm.CustomAlarm" => alias
 "Alarm.Band" => "Level" => 19 /alarms/2: the object "Level" => already
-"left": "one" => "left": "one", "right": "one" => 19 /alarms/2/right: the chain "outside band" looks at => alone
+"left": "one" => "left": "one", "right": "one" => 19 /alarms/2/right: the chain "outside band" uses only the operand "left"
 "left": "one" => "left": {"previous": ""} => 19 /alarms/2/left/previous: "" is not allowed => at least one)");
 }
 
