@@ -39,7 +39,7 @@ const std::string PROFILE = R"({
 "services": [
 {"name": "Power", "service": 7, "elements": {"limit": {"address": 4, "type": "uint16", "mask": "0x00FF"}, "base": "state"}},
 {"name": "Power", "alias": "x", "service": -1, "elements": {"value": "state"}}],
-"subgraphs": {"0": ["Power", "Alarm.CustomAlarm", "Closed"], "8": []}
+"subgraphs": {"0": ["Power", "Alarm.CustomAlarm", "Closed"], "8": ["Power"]}
 })";
 
 // A loaded profile and a device whose registers are all 0.
@@ -216,11 +216,12 @@ TEST(ProfileSubgraphs, AreTheModels) {
     const auto& model = *device.loaded.profile->model;
     EXPECT_TRUE(model.IsEdmType());
     EXPECT_EQ(model.GetVortaSubgraph(Category::CATEGORY_0), (Names{"Alarm.CustomAlarm", "Closed", "Power"}));
-    EXPECT_FALSE(model.IsSubgraphAvailable(Category::CATEGORY_8));
+    EXPECT_EQ(model.GetVortaSubgraph(Category::CATEGORY_8), Names{"Power"});
+    EXPECT_FALSE(model.IsSubgraphAvailable(Category::CATEGORY_7));
     ExpectOneProblemEach(PROFILE, R"(
 "Closed"] => "closed"] => 23 /subgraphs/0/2: there is no such object => did you mean "Closed"?
 "Closed"] => "Power"] => 23 /subgraphs/0/2: "Power" stands in the list
-"8": [] => "9": [] => 23 /subgraphs/9: there is no such member => "8")");
+"8": [" => "9": [" => 23 /subgraphs/9: there is no such member => "8")");
 }
 
 }  // namespace

@@ -232,6 +232,7 @@ TEST(DataObjectAdapter, FrameIndexesAreMergedOverRolesAndReplaceTheCallersSet) {
     EXPECT_EQ(frames, (Frames{1, 2}));
     EXPECT_EQ(object->GetFrameIndexes(), (Frames{1, 2}));
     EXPECT_EQ(object->GetModbusMeasurementInformation().mRegisterAddress, 100);
+    EXPECT_FALSE(object->HasEnumOutput());
     std::string className;
     EXPECT_EQ(Number(object->GetClassName(className)), 0);
 

@@ -153,6 +153,7 @@ TEST(AttributeProcessor, ReadsTheFramesOfAllInputs) {
 [DataModel::AttributeProcessor] [ComputeAndGetFrameIndexes]: Failed to get frames for 'a', status = invalid argument (1))");
     std::string className;
     EXPECT_EQ(Number(AttributeProcessor({}, nullptr).GetClassName(className)), 60);
+    EXPECT_FALSE(AttributeProcessor({}, MakeChain({{}}, 0, "High", true)).HasEnumOutput());
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

@@ -115,6 +115,12 @@ TEST(ServiceMapping, BindsAServicesElementsToTheFrames) {
 
 TEST(DynamicVorta, KeepsASortedListForEachOfNineCategories) {
     const auto category = [](std::uint32_t number) { return static_cast<VortaObjectCategory>(number); };
+    using enum VortaObjectCategory;
+    std::uint32_t next = 0;
+    for (const VortaObjectCategory named :
+         {CATEGORY_0, CATEGORY_1, CATEGORY_2, CATEGORY_3, CATEGORY_4, CATEGORY_5, CATEGORY_6, CATEGORY_7, CATEGORY_8}) {
+        EXPECT_EQ(named, category(next++));
+    }
     DynamicVorta::Table table;
     EXPECT_TRUE(DynamicVorta::GetVortaSubgraph(table, category(2)).empty());
     DynamicVorta::SetVortaSubgraph(table, category(2), {"b", "a", "a"});
