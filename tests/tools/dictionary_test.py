@@ -24,7 +24,7 @@ class DictionaryTest(unittest.TestCase):
             "unit   A",
             "class  $iot.measurement.NumericalMeasurementValue<Float>",
             "",
-            "ATTRIBUTE  FED BY   FROM THE START",
+            "ATTRIBUTE  FED BY   INITIAL VALUE",
             "_id",
             "datetime   DTMinIA",
             'mode                "Ro"',

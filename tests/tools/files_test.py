@@ -1,6 +1,8 @@
 """check, show and the command line: what they print, and what they end with."""
 
+import contextlib
 import json
+import pathlib
 import re
 import sys
 import unittest
@@ -36,11 +38,11 @@ class FilesTest(unittest.TestCase):
                           "")],
             *[(2, POLL, ["--rtu", text], r"is not DEVICE:BAUD:PARITY")
               for text in ("/dev/x", "/dev/x:9600", ":9600:N", "/dev/x:9600:", "/dev/x:9600:X", "/dev/x:1e4:N")],
-            (2, POLL, ["--rtu", "/dev/x:12345:N"], r"no such unit, or no such baud rate"),
-            (2, POLL, ["--rtu", "/dev/x:9600:N", "--unit", "255"], r"no such unit"),
+            (2, POLL, ["--rtu", "/dev/x:12345:N"], r"12345 is not a baud rate"),
+            (2, POLL, ["--rtu", "/dev/x:9600:N", "--unit", "255"], r"has unit 0 to 247$"),
             *[(2, POLL, ["--tcp", "a", "--unit", text], r"--unit: .* is not a whole number from 0 to 255")
               for text in ("-1", "256", "one", "")],
-            (2, POLL, ["--tcp", "a", "--unit", "0248"], r"a:502 unit 248: .* no such unit"),
+            (2, POLL, ["--tcp", "a", "--unit", "0248"], r"a:502 unit 248: a Modbus TCP device has unit 0 to 247, or 255"),
             *[(2, ["poll", PROFILE, "--tcp", "a"], ["--count", text], r"is not a whole number from 1 to 1000000000")
               for text in ("0", "-1", "99999999999999999999", "two")],
             *[(2, POLL, ["--tcp", "a", "--interval", text], r"is not a number of seconds from 0.001 to 86400")
@@ -79,6 +81,20 @@ class FilesTest(unittest.TestCase):
             done = run("check", file("checked.jsonc", text))
             self.assertEqual((done.returncode, done.stderr), (status, ""), done.stdout)
             self.assertRegex(done.stdout, expected)
+
+    def test_an_input_is_never_written_over_whatever_its_name(self):
+        profile = pathlib.Path(file("precious.jsonc", PUMP))
+        symbolic, hard = profile.with_name("symbolic.jsonc"), profile.with_name("hard.jsonc")
+        symbolic.symlink_to(profile.name)
+        hard.hardlink_to(profile)
+        respelt = profile.parent / ".." / profile.parent.name / "." / profile.name
+        for source, target in [(profile, profile), (profile, respelt), (profile, symbolic), (symbolic, profile),
+                               (profile, hard), (profile, "/proc/self/cwd/precious.jsonc")]:
+            with self.subTest(source=source, target=target), contextlib.chdir(profile.parent):
+                done = run("capture", source, "--tcp", "127.0.0.1:1", "-o", target)
+                self.assertEqual((done.returncode, done.stdout), (2, ""))
+                self.assertIn(f"{target}: would be written over, but is read by this command", done.stderr)
+                self.assertEqual(profile.read_text(encoding="utf-8"), PUMP)
 
     def test_a_table_aligns_and_tells_why_a_value_is_missing(self):
         done = run(*SHOW, CAPTURE)

@@ -2,12 +2,13 @@
 #include <optional>
 
 #include "AlarmReading.h"
-#include "Columns.h"
 #include "Commands.h"
+#include "DeviceErrors.h"
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
 #include "Text.h"
+#include "TextTable.h"
 #include "kzm/DateTime/DateTime.h"
 #include "kzm/StandIn/Clock.h"
 
@@ -27,20 +28,15 @@ struct AlarmsOptions {
     bool json = false;
 };
 
-Columns::Row RowOf(const AlarmReading& reading, const std::string& time) {
+Row RowOf(const AlarmReading& reading, const std::string& time) {
     const std::string state = reading.TextOf("state", "value");
-    Columns::Row row{time,
-                     reading.alarm->element->GetName(),
-                     reading.alarm->alias,
-                     state.empty() ? "unknown" : state,
-                     reading.TextOf("state", "quality"),
-                     reading.TextOf("criticality", "value"),
-                     reading.momentary ? "momentary" : "lasting",
-                     reading.TextOf("type", "value"),
-                     reading.alarm->element->GetDescription(),
-                     reading.why};
-    for (std::string& text : row) {
-        text = Printable(text);
+    const std::string shownState = state.empty() ? "unknown" : state;
+    Row row = TextRow({time, reading.alarm->element->GetName(), reading.alarm->alias, shownState,
+                       reading.TextOf("state", "quality"), reading.TextOf("criticality", "value"),
+                       reading.momentary ? "momentary" : "lasting", reading.TextOf("type", "value"),
+                       reading.alarm->element->GetDescription(), reading.why});
+    for (Cell& cell : row) {
+        cell.text = Printable(cell.text);
     }
     return row;
 }
@@ -76,26 +72,26 @@ private:
     }
 
     void PrintLines(const std::vector<const AlarmReading*>& readings, const std::string& time) {
-        std::vector<Columns::Row> rows;
+        std::vector<Row> rows;
         for (const AlarmReading* reading : readings) {
             rows.push_back(RowOf(*reading, time));
         }
-        if (!mColumns) {
+        if (!mLayout) {
             PrintHeadings(rows);
         }
-        for (const Columns::Row& row : rows) {
-            std::cout << mColumns->LineOf(row) << '\n';
+        for (const Row& row : rows) {
+            std::cout << mLayout->LineOf(row) << '\n';
         }
     }
 
-    // The first evaluation has every alarm, so that the columns suit the later ones too.
-    void PrintHeadings(std::vector<Columns::Row> rows) {
-        const Columns::Row headings{"TIME",        "ALARM", "ALIAS", "STATE",       "QUALITY",
-                                    "CRITICALITY", "KIND",  "TYPE",  "DESCRIPTION", "WHY UNKNOWN"};
-        rows.push_back(headings);
-        rows.push_back({"", "", "", "Inactive", "Questionable"});
-        mColumns.emplace(rows);
-        PrintHeading(*mColumns, headings);
+    // The first evaluation has every alarm, so its columns are wide enough for the later ones.
+    void PrintHeadings(std::vector<Row> rows) {
+        const Row headings = HeadingRow({"TIME", "ALARM", "ALIAS", "STATE", "QUALITY", "CRITICALITY", "KIND", "TYPE",
+                                         "DESCRIPTION", "WHY UNKNOWN"});
+        rows.insert(rows.begin(), headings);
+        rows.push_back(TextRow({"", "", "", "Inactive", "Questionable"}));
+        mLayout.emplace(rows);
+        std::cout << mLayout->LineOf(headings) << '\n';
     }
 
     const AlarmsOptions& mOptions;
@@ -104,23 +100,23 @@ private:
     ModbusDeviceModel::DataModel::PreviousMeasurements mPrevious =
         std::make_shared<std::map<std::string, ComputedAlarmPreviousMeasurement>>();
     std::vector<AlarmReading> mLast;
-    std::optional<Columns> mColumns;
+    std::optional<TableLayout> mLayout;
 };
 
 ExitStatus WatchAlarms(const AlarmsOptions& options) {
     const auto profile = LoadProfile(options.profile);
     if (profile->alarms.empty()) {
-        throw Failure(ExitStatus::OBJECT_NOT_FOUND, options.profile + " has no alarms");
+        throw Failure(ExitStatus::NOT_FOUND, options.profile + " has no alarms");
     }
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     AlarmWatch watch(options, *profile, cache);
     if (options.capture.empty()) {
         ErrorReport report;
-        return ReadRounds(options.connection, options.repetition, *profile, *cache,
-                          [&](const ModbusReader::Round& round) {
-                              report.Report(DescribeErrors(round, *profile));
-                              watch.Evaluate();
-                          });
+        ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
+            report.Report(DescribeErrors(round, *profile));
+            watch.Evaluate();
+        });
+        return ExitStatus::OK;
     }
     const Capture capture = LoadCapture(options.capture, *profile);
     for (const Capture::Snapshot& snapshot : capture.snapshots) {

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "Commands.h"
+#include "DeviceErrors.h"
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
@@ -22,7 +23,7 @@ struct CaptureOptions {
 
 ExitStatus Record(const CaptureOptions& options) {
     const auto profile = LoadProfile(options.profile);
-    OutputFile file(options.output);
+    OutputFile file(options.output, {options.profile});
     RegisterCache cache(profile->model->GetFrames());
     Capture capture;
     ErrorReport report;
@@ -35,7 +36,8 @@ ExitStatus Record(const CaptureOptions& options) {
     };
     ReadRounds(options.connection, options.repetition, *profile, cache, takeSnapshot);
     if (capture.snapshots.empty()) {
-        throw Failure(ExitStatus::NOT_REACHED, "no frame could be read; " + options.output + " is not written");
+        throw Failure(ExitStatus::NOT_REACHED,
+                      "interrupted before a frame was read; " + options.output + " is not written");
     }
     file.Commit(capture.Write(*profile));
     std::cout << options.output << ": " << Counted(capture.snapshots.size(), "snapshot") << ", "

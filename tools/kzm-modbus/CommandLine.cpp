@@ -172,7 +172,7 @@ CommandLine::CommandLine()
     mApp->set_help_flag("-h,--help", "Show this help");
     mApp->require_subcommand(0, 1);  // Parse says more about a missing one
     mApp->fallthrough();
-    mApp->footer(EXIT_STATUS_HELP);
+    mApp->footer(ExitStatusHelp());
 }
 
 CommandLine::~CommandLine() = default;

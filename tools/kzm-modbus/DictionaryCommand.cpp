@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "Columns.h"
 #include "Commands.h"
+#include "TextTable.h"
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DynamicDeviceClasses.h"
@@ -114,25 +114,24 @@ json ToJson(const std::vector<Element>& elements) {
     return dump;
 }
 
-using Row = Columns::Row;
-
-void PrintTable(const std::vector<Element>& elements) {
-    std::vector<Row> rows{{"KEY", "TABLE", "NAME", "UNIT", "CLASS"}};
+void PrintElements(const std::vector<Element>& elements) {
+    std::vector<Row> rows{HeadingRow({"KEY", "TABLE", "NAME", "UNIT", "CLASS"})};
     for (const Element& element : elements) {
-        rows.push_back({std::string(element.key), element.table, std::string(element.entry.name),
-                        std::string(element.entry.unit), std::string(element.entry.className)});
+        rows.push_back(TextRow({std::string(element.key), element.table, std::string(element.entry.name),
+                                std::string(element.entry.unit), std::string(element.entry.className)}));
     }
-    PrintRows(rows);
+    PrintTable(rows);
 }
 
-// A row for each attribute of the structure: path, the device element that feeds it, what it holds from the start.
+// A row for each attribute of the structure: path, the device element that feeds it, initial value.
 void AddAttributes(std::vector<Row>& rows, const json& skeleton, const std::string& parent, const Element& element) {
     for (const auto& [name, value] : skeleton.items()) {
         const std::string path = parent + name;
         if (value.is_object()) {
             AddAttributes(rows, value, path + ".", element);
         } else {
-            rows.push_back({path, std::string(element.entry.sources.Find(path)), value.is_null() ? "" : value.dump()});
+            const std::string initial = value.is_null() ? "" : value.dump();
+            rows.push_back(TextRow({path, std::string(element.entry.sources.Find(path)), initial}));
         }
     }
 }
@@ -141,15 +140,15 @@ void PrintElement(const Element& element) {
     std::cout << "key    " << element.key << "\ntable  " << element.table << "\nname   " << element.entry.name
               << "\nunit   " << (element.entry.unit.empty() ? "none" : element.entry.unit) << "\nclass  "
               << element.entry.className << "\n\n";
-    std::vector<Row> rows{{"ATTRIBUTE", "FED BY", "FROM THE START"}};
+    std::vector<Row> rows{HeadingRow({"ATTRIBUTE", "FED BY", "INITIAL VALUE"})};
     AddAttributes(rows, BuildStructure(element.entry.structure).front(), "", element);
-    PrintRows(rows);
+    PrintTable(rows);
 }
 
 ExitStatus ShowDictionary(const DictionaryOptions& options) {
     const std::vector<Element> elements = Select(options);
     if (elements.empty()) {
-        throw Failure(ExitStatus::OBJECT_NOT_FOUND,
+        throw Failure(ExitStatus::NOT_FOUND,
                       options.key.empty() ? "nothing in the dictionary fits"
                                           : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
                                                 ModbusGateway::ElementKey::Suggestion(options.key));
@@ -157,7 +156,7 @@ ExitStatus ShowDictionary(const DictionaryOptions& options) {
     if (options.json) {
         std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';
     } else {
-        options.key.empty() ? PrintTable(elements) : PrintElement(elements.front());
+        options.key.empty() ? PrintElements(elements) : PrintElement(elements.front());
     }
     return ExitStatus::OK;
 }

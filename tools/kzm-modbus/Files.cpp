@@ -15,6 +15,7 @@
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -28,6 +29,17 @@ constexpr std::size_t MAX_FILE_SIZE = 64U << 20U;
     Fail(path, "write", std::generic_category().message(errno));
 }
 
+// Files are told apart by device and inode, so spellings, symbolic and hard links do not matter.
+void RefuseInputs(const std::string& path, const std::vector<std::string>& inputs) {
+    std::error_code ignored;
+    for (const std::string& input : inputs) {
+        if (fs::is_regular_file(path, ignored) && fs::equivalent(path, input, ignored)) {
+            throw Failure(ExitStatus::WRONG_USAGE,
+                          path + ": would be written over, but is read by this command; choose another file to write");
+        }
+    }
+}
+
 void RefuseErrors(const std::string& path, const Problems& problems) {
     if (HasError(problems)) {
         PrintProblems(std::cerr, path, problems);
@@ -39,7 +51,7 @@ void RefuseErrors(const std::string& path, const Problems& problems) {
 
 std::string ReadFile(const std::string& path) {
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
+    if (fs::is_directory(path, ignored)) {
         Fail(path, "read", "Is a directory");
     }
     errno = 0;
@@ -80,9 +92,9 @@ Capture LoadCapture(const std::string& path, const LoadedProfile& profile) {
     return capture;
 }
 
-OutputFile::OutputFile(const std::string& path) : mPath(path) {
-    namespace fs = std::filesystem;
+OutputFile::OutputFile(const std::string& path, const std::vector<std::string>& inputs) : mPath(path) {
     std::error_code ignored;
+    RefuseInputs(path, inputs);
     const bool regular = fs::is_regular_file(path, ignored);
     if (regular) {
         mPath = fs::canonical(path);  // a link stays, its target is replaced

@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "gateway/capture/Capture.h"
 #include "gateway/profile/ProfileLoader.h"
@@ -15,16 +16,17 @@ std::string ReadFile(const std::string& path);
 // One line for each: "FILE:LINE: error: POINTER: message".
 void PrintProblems(std::ostream& stream, const std::string& path, const ModbusGateway::Problems& problems);
 
-// A profile or a capture without errors; warnings are left to the command `check`. Errors are shown on standard error,
-// with the warnings among them, and end in a Failure.
+// A profile or a capture without errors; warnings are left to the command `check`. Errors are printed on standard
+// error, together with any warnings, and Failure is thrown.
 std::unique_ptr<ModbusGateway::LoadedProfile> LoadProfile(const std::string& path);
 ModbusGateway::Capture LoadCapture(const std::string& path, const ModbusGateway::LoadedProfile& profile);
 
-// A file that appears whole or not at all: what stood under its name stays until Commit.
+// A file that appears whole or not at all: what is there under its name stays until Commit.
 class OutputFile {
 public:
-    // Throws Failure when the file cannot be written, before there is anything to lose.
-    explicit OutputFile(const std::string& path);
+    // Throws Failure, before there is anything to lose, when the file cannot be written or is one of `inputs`, also by
+    // another spelling of its path or through a link.
+    OutputFile(const std::string& path, const std::vector<std::string>& inputs);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;

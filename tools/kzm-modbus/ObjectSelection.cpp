@@ -38,7 +38,7 @@ Selection SelectObjects(const LoadedProfile& profile, const std::vector<std::str
             }
         }
         if (selection.size() == before) {
-            throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no object " + Quoted(text) + ObjectSuggestion(text, profile));
+            throw Failure(ExitStatus::NOT_FOUND, "no object " + Quoted(text) + ObjectSuggestion(text, profile));
         }
     }
     return selection;

@@ -7,12 +7,11 @@
 
 namespace kzm::ModbusTool {
 
-// The lines of a table of objects, headings first, without line ends: name, alias where any object has one, value,
-// unit, quality, date-time; an object with elements takes a row for each. Why there is no value stands in its place.
-// `colour`: with the terminal's colours.
-std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings, bool colour);
+// The lines of a table of objects, headings first, without line ends: name, alias if any object has one, value, unit,
+// quality, date-time. An object with elements has a row for each of them. A missing value is replaced by the reason.
+std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings);
 
-// A value as it stands in a table.
+// A value as a table shows it.
 std::string TextOf(const nlohmann::json& value);
 
 }  // namespace kzm::ModbusTool

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
 #include "Commands.h"
+#include "DeviceErrors.h"
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "ObjectSelection.h"
@@ -53,16 +55,14 @@ public:
 private:
     void ShowTable(const std::vector<ObjectReading>& readings, std::vector<std::string> errors,
                    const std::string& time) {
-        std::vector<std::string> lines = TableOf(readings, UsesColour());
+        std::vector<std::string> lines = TableOf(readings);
         lines.insert(lines.begin(), mTitle + ", " + time);
-        for (std::string& error : errors) {
-            error = Printable(error);
-        }
         if (mScreen) {
+            std::transform(errors.begin(), errors.end(), errors.begin(), Printable);
             mScreen->Show(std::move(lines), errors);
             return;
         }
-        lines.insert(lines.end(), errors.begin(), errors.end());
+        mReport.Report(errors);
         for (const std::string& line : lines) {
             std::cout << line << '\n';
         }
@@ -80,9 +80,10 @@ ExitStatus Poll(const PollOptions& options) {
     const Selection selection = SelectObjects(*profile, options.objects);
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     PollOutput output(options, *profile);
-    return ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
+    ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
         output.Show(ReadObjects(*profile, selection, cache), DescribeErrors(round, *profile));
     });
+    return ExitStatus::OK;
 }
 
 }  // namespace

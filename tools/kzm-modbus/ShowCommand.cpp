@@ -5,7 +5,6 @@
 #include "ObjectSelection.h"
 #include "ObjectTable.h"
 #include "Options.h"
-#include "Screen.h"
 #include "kzm/DateTime/DateTime.h"
 #include "kzm/StandIn/Clock.h"
 
@@ -32,7 +31,7 @@ void PrintTable(const std::vector<ObjectReading>& readings, const std::string& t
     if (!time.empty()) {
         std::cout << time << '\n';
     }
-    for (const std::string& line : TableOf(readings, UsesColour())) {
+    for (const std::string& line : TableOf(readings)) {
         std::cout << line << '\n';
     }
     std::cout << (time.empty() ? "" : "\n");

@@ -2,7 +2,7 @@
 #include <stdexcept>
 
 #include "Commands.h"
-#include "DeviceRounds.h"
+#include "DeviceErrors.h"
 #include "Files.h"
 #include "Options.h"
 #include "Text.h"
@@ -29,7 +29,7 @@ struct WriteOptions {
 ModbusConnection LineOf(const ModbusSettings& connection) try {
     return ModbusConnection(connection);
 } catch (const std::invalid_argument&) {
-    throw NoSuchLine(connection);
+    throw ImpossibleSettings(connection);
 }
 
 // Fills a payload with what the device holds.
@@ -70,9 +70,9 @@ ExitStatus Write(const WriteOptions& options) {
     ModbusConnection line = LineOf(options.connection);
     const Payload before = Read(line, plan.GetEmptyFrame(), options.connection);
     const Payload after = plan.Apply(before);
-    PrintRows(plan.CompareRegisters(before, after));
+    PrintTable(plan.CompareRegisters(before, after));
     std::cout << '\n';
-    PrintRows(plan.CompareElements(before, after));
+    PrintTable(plan.CompareElements(before, after));
     const Payload changes = WritePlan::ChangesOf(before, after);
     const std::string what =
         Counted(changes.mValues.size(), "register") + " from " + std::to_string(changes.mStartAddress) + " on";

@@ -27,9 +27,8 @@ ServiceMapping MappingOf(const LoadedProfile& profile, const std::string& object
             return profile.serviceModel->GetServiceMapping(service.name, service.alias);
         }
     }
-    throw Failure(
-        ExitStatus::OBJECT_NOT_FOUND,
-        "no service writes " + Quoted(object) + (known.empty() ? "; the profile has none" : Suggestion(object, known)));
+    throw Failure(ExitStatus::NOT_FOUND, "no service writes " + Quoted(object) +
+                                             (known.empty() ? "; the profile has none" : Suggestion(object, known)));
 }
 
 std::uint16_t* RegistersOf(WritePlan::Payload& payload, const ElementData& element) {
@@ -77,7 +76,7 @@ WritePlan::Element WritePlan::FindElement(const std::string& name) const {
             return element;
         }
     }
-    throw Failure(ExitStatus::OBJECT_NOT_FOUND, "no element " + Quoted(name) + Alternatives(name, known));
+    throw Failure(ExitStatus::NOT_FOUND, "no element " + Quoted(name) + Alternatives(name, known));
 }
 
 WritePlan::Payload WritePlan::Apply(const Payload& before) const {
@@ -118,8 +117,8 @@ WritePlan::Payload WritePlan::ChangesOf(const Payload& before, const Payload& af
     return changes;
 }
 
-std::vector<Columns::Row> WritePlan::CompareRegisters(const Payload& before, const Payload& after) const {
-    std::vector<Columns::Row> rows{{"REGISTER", "BEFORE", "AFTER"}};
+std::vector<Row> WritePlan::CompareRegisters(const Payload& before, const Payload& after) const {
+    std::vector<Row> rows{HeadingRow({"REGISTER", "BEFORE", "AFTER"})};
     for (std::size_t i = 0; i < after.mValues.size(); ++i) {
         const std::size_t address = after.mStartAddress + i;
         const bool named = std::ranges::any_of(mWanted, [address](const auto& wanted) {
@@ -127,18 +126,19 @@ std::vector<Columns::Row> WritePlan::CompareRegisters(const Payload& before, con
             return address >= first && address < first + wanted.first->GetNumberOfRegisters();
         });
         if (named) {
-            rows.push_back({std::to_string(address), Hexadecimal(before.mValues[i]), Hexadecimal(after.mValues[i])});
+            rows.push_back(
+                TextRow({std::to_string(address), Hexadecimal(before.mValues[i]), Hexadecimal(after.mValues[i])}));
         }
     }
     return rows;
 }
 
-std::vector<Columns::Row> WritePlan::CompareElements(const Payload& before, const Payload& after) const {
-    std::vector<Columns::Row> rows{{"ELEMENT", "BEFORE", "AFTER"}};
+std::vector<Row> WritePlan::CompareElements(const Payload& before, const Payload& after) const {
+    std::vector<Row> rows{HeadingRow({"ELEMENT", "BEFORE", "AFTER"})};
     for (const Element& element : mMapping.elements) {
         if (element->GetFrameIndex() == mFrameIndex) {
-            rows.push_back({Printable(element->GetAttributePath()), Shown(ValueIn(before, element)),
-                            Shown(ValueIn(after, element))});
+            rows.push_back(TextRow({Printable(element->GetAttributePath()), Shown(ValueIn(before, element)),
+                                    Shown(ValueIn(after, element))}));
         }
     }
     return rows;

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "Columns.h"
+#include "TextTable.h"
 #include "gateway/model/ValueEncoder.h"
 #include "gateway/profile/ProfileLoader.h"
 
@@ -32,8 +32,8 @@ public:
     static Payload ChangesOf(const Payload& before, const Payload& after);
 
     // Headings and a row for each register of the named elements; for each element of the service in the frame.
-    std::vector<Columns::Row> CompareRegisters(const Payload& before, const Payload& after) const;
-    std::vector<Columns::Row> CompareElements(const Payload& before, const Payload& after) const;
+    std::vector<Row> CompareRegisters(const Payload& before, const Payload& after) const;
+    std::vector<Row> CompareElements(const Payload& before, const Payload& after) const;
 
 private:
     using Element = std::shared_ptr<ModbusDeviceModel::DataModel::ElementData>;
