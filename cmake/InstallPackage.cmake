@@ -8,8 +8,9 @@ set(KZM_ABI_VERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 set(KZM_ABI_COMPATIBILITY SameMinorVersion)
 
 # Installs a library with its headers as the CMake package and pkg-config module of its name; the components are
-# <name>-runtime and <name>-development.
-function(kzm_install_library library name)
+# <name>-runtime and <name>-development. Further arguments: the packages that it is built on. All need the very JSON library
+# of this build: its types are in their interfaces, and its version is in the names of its types.
+function(kzm_install_library library name description)
     set_target_properties(${library} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${KZM_ABI_VERSION})
     set(development COMPONENT ${name}-development)
     install(TARGETS ${library} EXPORT ${library}-targets
@@ -17,19 +18,25 @@ function(kzm_install_library library name)
             FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${library} ${development})
     install(EXPORT ${library}-targets NAMESPACE kzm:: DESTINATION ${KZM_PACKAGE_DIR}/${library} ${development})
 
-    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/${library}-config.cmake.in ${library}-config.cmake
+    set(find_dependencies)
+    foreach(package IN LISTS ARGN)
+        string(APPEND find_dependencies "find_dependency(${package} HINTS \"\${CMAKE_CURRENT_LIST_DIR}/..\")\n")
+    endforeach()
+    configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/package-config.cmake.in ${library}-config.cmake
                                   INSTALL_DESTINATION ${KZM_PACKAGE_DIR}/${library})
     write_basic_package_version_file(${library}-config-version.cmake COMPATIBILITY ${KZM_ABI_COMPATIBILITY})
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${library}-config.cmake
                   ${CMAKE_CURRENT_BINARY_DIR}/${library}-config-version.cmake
             DESTINATION ${KZM_PACKAGE_DIR}/${library} ${development})
 
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in ${library}.pc @ONLY)
+    list(JOIN ARGN " " requires)
+    string(PREPEND requires "nlohmann_json = ${nlohmann_json_VERSION} ")
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/package.pc.in ${library}.pc @ONLY)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
             ${development})
 endfunction()
 
-# The program with its manual page, completion and data.
+# The program with its manual page, completion, documents and data.
 function(kzm_install_program)
     find_program(KZM_LOWDOWN lowdown REQUIRED)
     set(scripts ${PROJECT_SOURCE_DIR}/cmake)
@@ -44,17 +51,20 @@ function(kzm_install_program)
     install(FILES tools/kzm-modbus/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
             RENAME kzm-modbus COMPONENT tools)
     install(FILES gateway/profile/profile.schema.json gateway/capture/capture.schema.json DESTINATION ${data} COMPONENT tools)
+    install(FILES docs/kzm-modbus.md docs/profile.md docs/troubleshooting.md
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzm-modbus COMPONENT tools)
     install(DIRECTORY profiles DESTINATION ${data} COMPONENT tools PATTERN *.expected.json EXCLUDE)
 endfunction()
 
-if(KZM_PLATFORM_PACKAGE)
-    set(KZM_PLATFORM_DEPENDENCY ${KZM_PLATFORM_PACKAGE})
-else()
-    set(KZM_PLATFORM_DEPENDENCY kzm-platform)
-    kzm_install_library(kzm-platform platform)
+if(TARGET kzm-platform)
+    kzm_install_library(kzm-platform platform
+        "Stand-in for the gateway platform's libraries: log, clock, status texts, object")
 endif()
-kzm_install_library(kzm-modbus-device-model library)
+if(TARGET kzm-modbus-device-model)
+    kzm_install_library(kzm-modbus-device-model library "${PROJECT_DESCRIPTION}" ${KZM_PLATFORM_DEPENDENCY})
+endif()
 if(KZM_BUILD_TOOLS)
+    kzm_install_library(kzm-modbus-gateway gateway "What a gateway adds to the run-time model of a Modbus field device" ${KZM_LIBRARY_DEPENDENCY})
     kzm_install_program()
 endif()
 if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")

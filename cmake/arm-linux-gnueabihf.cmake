@@ -17,3 +17,5 @@ set(ENV{PKG_CONFIG_LIBDIR} ${libraries}/pkgconfig)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${sysroot})
 
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm;-L;/usr/arm-linux-gnueabihf;-E;LD_LIBRARY_PATH=${libraries})
+# Where the linker finds what libraries need in turn.
+set(CMAKE_EXE_LINKER_FLAGS_INIT -Wl,-rpath-link,${libraries})

@@ -28,7 +28,8 @@ if(CMAKE_CROSSCOMPILING)
     set(modbus "libmodbus5 (>= ${MODBUS_VERSION})")
 else()
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
+        ${PROJECT_BINARY_DIR}/gateway ${PROJECT_BINARY_DIR}/src ${PROJECT_BINARY_DIR}/platform)
 endif()
 
 # Puts a component into a package, with its section, description and dependencies.
@@ -43,7 +44,7 @@ macro(kzm_debian_package component name section description)
 endmacro()
 
 set(same "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
-set(json "nlohmann-json3-dev (>= 3.11.2)")
+set(json "nlohmann-json3-dev (>= ${nlohmann_json_VERSION})" "nlohmann-json3-dev (<< ${KZM_NEXT_JSON_VERSION}~)")
 set(library libkzm-modbus-device-model${KZM_ABI_VERSION})
 # Another platform's run-time package is found by dpkg-shlibdeps; which one has its headers is not known here.
 if(NOT KZM_PLATFORM_PACKAGE)
@@ -64,8 +65,15 @@ kzm_debian_package(library-development libkzm-modbus-device-model-dev libdevel
     "${PROJECT_DESCRIPTION} (development files)\nHeaders, CMake package and pkg-config module."
     "${library} ${same}" ${needs_platform_development} ${json})
 if(KZM_BUILD_TOOLS)
+    set(gateway libkzm-modbus-gateway${KZM_ABI_VERSION})
+    kzm_debian_package(gateway-runtime ${gateway} libs
+        "Gateway around the model of a Modbus field device\nReads devices and loads their profiles."
+        "${library} ${same}" ${needs_platform} ${runtime} ${modbus})
+    kzm_debian_package(gateway-development libkzm-modbus-gateway-dev libdevel
+        "Gateway around the model of a Modbus device (development files)\nHeaders, CMake package and pkg-config module."
+        "${gateway} ${same}" "libkzm-modbus-device-model-dev ${same}")
     kzm_debian_package(tools kzm-modbus utils
         "Shows what a device profile makes of a Modbus device\nThe program, the schema of profiles, and example profiles."
-        "${library} ${same}" ${needs_platform} ${runtime} ${modbus})
+        "${gateway} ${same}" "${library} ${same}" ${needs_platform} ${runtime})
 endif()
 include(CPack)

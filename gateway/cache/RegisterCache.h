@@ -7,12 +7,13 @@
 
 #include "DeviceCache/CacheReadAccessInterface.h"
 #include "DeviceProfile/FrameData.h"
+#include "gateway/Export.h"
 
 namespace kzm::ModbusGateway {
 
 // The registers of one device as last received, frame by frame. One writer and many readers may work at once; a reader
 // gets a frame as one Update left it, never half of two.
-class RegisterCache final : public ModbusDeviceModel::DeviceCache::CacheReadAccessInterface {
+class KZM_GATEWAY_EXPORT RegisterCache final : public ModbusDeviceModel::DeviceCache::CacheReadAccessInterface {
 public:
     using Quality = ModbusDeviceModel::DeviceCache::_Quality_t;
 

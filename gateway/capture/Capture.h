@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "gateway/Export.h"
 #include "gateway/cache/RegisterCache.h"
 #include "gateway/json/Problem.h"
 #include "gateway/profile/LoadedProfile.h"
@@ -12,7 +13,7 @@
 namespace kzm::ModbusGateway {
 
 // The frames of a device at one or more instants, as text that can be kept, replayed and sent with a bug report.
-struct Capture {
+struct KZM_GATEWAY_EXPORT Capture {
     struct Frame {
         std::uint8_t frameIndex;
         RegisterCache::Frame content;

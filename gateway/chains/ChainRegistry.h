@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "DataModel/ProcessingChain.h"
+#include "gateway/Export.h"
 
 namespace kzm::ModbusGateway {
 
@@ -45,7 +46,7 @@ struct CustomChain {
 //
 // A loaded profile keeps the chains that were made, not the registry. Reading by many threads at once is safe; Add is
 // not, neither beside another Add nor beside a reader. Logs nothing.
-class ChainRegistry {
+class KZM_GATEWAY_EXPORT ChainRegistry {
 public:
     // std::invalid_argument, with the registry unchanged, for a chain without name, inputs or `make`, with a name that
     // is taken (by one of the library's chains, too), or with labels that its result does not have.

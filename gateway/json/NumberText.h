@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "gateway/Export.h"
+
 namespace kzm::ModbusGateway {
 
 // How many digits of a number mean something.
@@ -14,10 +16,10 @@ enum class NumberPrecision {
 // The number nearest to the shortest decimal text that has the precision: 29 * 0.1 (2.9000000000000004) becomes 2.9 for
 // 15 digits, and a 32-bit float's 0.10000000149011612 becomes 0.1 for FLOAT. A number outside the range of a float has
 // 15 digits for FLOAT, too. NaN and infinity stay.
-double RoundedTo(double number, NumberPrecision precision);
+KZM_GATEWAY_EXPORT double RoundedTo(double number, NumberPrecision precision);
 
 // The shortest text that reads back as the number in that precision: plain from 0.0001 up to 1e12 and for 0 ("230.3"),
 // else with an exponent ("1e-05"); "nan", "inf" or "-inf".
-std::string NumberText(double number, NumberPrecision precision);
+KZM_GATEWAY_EXPORT std::string NumberText(double number, NumberPrecision precision);
 
 }  // namespace kzm::ModbusGateway

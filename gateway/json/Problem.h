@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "gateway/Export.h"
+
 namespace kzm::ModbusGateway {
 
 // Something wrong with a device profile or a capture.
@@ -19,9 +21,9 @@ struct Problem {
 using Problems = std::vector<Problem>;
 
 // Whether one of them is an error.
-bool HasError(const Problems& problems);
+KZM_GATEWAY_EXPORT bool HasError(const Problems& problems);
 
 // Puts them into the order of the lines, each once.
-void SortByLine(Problems& problems);
+KZM_GATEWAY_EXPORT void SortByLine(Problems& problems);
 
 }  // namespace kzm::ModbusGateway

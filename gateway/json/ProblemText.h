@@ -4,22 +4,24 @@
 #include <string>
 #include <string_view>
 
+#include "gateway/Export.h"
 #include "gateway/json/Suggestions.h"
 
 // Parts of messages about profiles, captures and command lines.
 namespace kzm::ModbusGateway {
 
 // The text between quotation marks; after 200 bytes "..." stands for the rest.
-std::string Quoted(std::string_view text);
+KZM_GATEWAY_EXPORT std::string Quoted(std::string_view text);
 
 // `"a", "b", "c"`, "..." after 20 names; "none" for no names.
-std::string ListOf(const Names& names);
+KZM_GATEWAY_EXPORT std::string ListOf(const Names& names);
 
 // A JSON value as text, "..." after 40 bytes; "this list" or "this object" for what has members.
-std::string Cited(const nlohmann::json& value);
+KZM_GATEWAY_EXPORT std::string Cited(const nlohmann::json& value);
 
 // To be appended to a message about an unknown name: `; did you mean "x"? Allowed: ...`, or `; allowed: ...` if no
 // known name is near. `allowed`: what to name there instead of all known names.
-std::string Alternatives(std::string_view unknown, const Names& known, const std::string& allowed = {});
+KZM_GATEWAY_EXPORT std::string Alternatives(std::string_view unknown, const Names& known,
+                                            const std::string& allowed = {});
 
 }  // namespace kzm::ModbusGateway

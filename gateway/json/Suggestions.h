@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "gateway/Export.h"
+
 // What a misspelt name may have meant: of profiles, captures, commands and options alike.
 namespace kzm::ModbusGateway {
 
@@ -17,12 +19,12 @@ using Names = std::vector<std::string>;
 // 3. names at the least edit distance (characters inserted, dropped, replaced, or swapped with their neighbour), if
 //    that is at most a third of the length
 // 4. names that the text contains, the longest first
-Names Suggest(std::string_view unknown, const Names& known);
+KZM_GATEWAY_EXPORT Names Suggest(std::string_view unknown, const Names& known);
 
 // `did you mean "a", "b" or "c"?`, empty for no names.
-std::string DidYouMean(const Names& suggestions);
+KZM_GATEWAY_EXPORT std::string DidYouMean(const Names& suggestions);
 
 // `; did you mean "a"?` with what Suggest finds, to be appended to a message; empty if nothing is near.
-std::string Suggestion(std::string_view unknown, const Names& known);
+KZM_GATEWAY_EXPORT std::string Suggestion(std::string_view unknown, const Names& known);
 
 }  // namespace kzm::ModbusGateway

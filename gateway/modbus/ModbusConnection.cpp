@@ -1,5 +1,6 @@
 #include "gateway/modbus/ModbusConnection.h"
 
+#include <modbus/modbus.h>
 #include <netdb.h>
 #include <poll.h>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <modbus/modbus.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -10,7 +8,10 @@
 
 #include "DeviceProfile/FrameDataValue.h"
 #include "DeviceProfile/ModbusFunctionCode.h"
+#include "gateway/Export.h"
 #include "gateway/modbus/ModbusSettings.h"
+
+typedef struct _modbus modbus_t;  // of libmodbus, whose header users of this one do not need
 
 namespace kzm::ModbusGateway {
 
@@ -32,20 +33,20 @@ public:
 
     // Opens nothing yet. Throws std::invalid_argument for a connection that cannot be: an empty host or device, a unit,
     // a baud rate or a parity that does not exist.
-    explicit ModbusConnection(ModbusSettings connection);
-    ~ModbusConnection();
+    KZM_GATEWAY_EXPORT explicit ModbusConnection(ModbusSettings connection);
+    KZM_GATEWAY_EXPORT ~ModbusConnection();
     ModbusConnection(const ModbusConnection&) = delete;
     ModbusConnection& operator=(const ModbusConnection&) = delete;
 
     // Asks for 1 to MaxReadCount(functionCode) registers; a coil or discrete input is a register of 0 or 1. `values`
     // holds them when answered, and anything else otherwise. A connection that was in use and turns out to be closed is
     // opened again and asked once more, because many devices close one that was idle.
-    Result Read(ModbusDeviceModel::ModbusFunctionCode functionCode, std::uint16_t first, std::uint16_t count,
-                std::uint16_t* values);
+    KZM_GATEWAY_EXPORT Result Read(ModbusDeviceModel::ModbusFunctionCode functionCode, std::uint16_t first,
+                                   std::uint16_t count, std::uint16_t* values);
 
     // Writes 1 to 123 registers with function 16, in one request that is never repeated: without an answer
     // it is not known whether the device did what it was told.
-    Result Write(const ModbusDeviceModel::DeviceProfile::FrameDataValue& values);
+    KZM_GATEWAY_EXPORT Result Write(const ModbusDeviceModel::DeviceProfile::FrameDataValue& values);
 
 private:
     struct ContextDeleter {

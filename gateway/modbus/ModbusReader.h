@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DeviceProfile/FrameData.h"
+#include "gateway/Export.h"
 #include "gateway/cache/RegisterCache.h"
 #include "gateway/modbus/ModbusSettings.h"
 
@@ -29,9 +30,10 @@ public:
 
     // The cache is one of these frames, and must outlive the reader. Opens nothing yet. Throws std::invalid_argument
     // for a connection that cannot be: an empty host or device, a unit, a baud rate or a parity that does not exist.
-    ModbusReader(ModbusSettings connection, const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames,
-                 RegisterCache& cache);
-    ~ModbusReader();
+    KZM_GATEWAY_EXPORT ModbusReader(ModbusSettings connection,
+                                    const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames,
+                                    RegisterCache& cache);
+    KZM_GATEWAY_EXPORT ~ModbusReader();
     ModbusReader(const ModbusReader&) = delete;
     ModbusReader& operator=(const ModbusReader&) = delete;
 
@@ -44,7 +46,7 @@ public:
     // Takes, per frame, up to the time-out for an answer, and as long again to connect (TCP) or to wait for an answer
     // that comes late (RTU). Logs one warning when the device can no longer be reached, and one line when it answers
     // again.
-    Round ReadAllFrames();
+    KZM_GATEWAY_EXPORT Round ReadAllFrames();
 
 private:
     class Impl;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DeviceProfile/FrameData.h"
+#include "gateway/Export.h"
 #include "gateway/cache/RegisterCache.h"
 
 namespace kzm::ModbusGateway {
@@ -21,17 +22,17 @@ public:
     // Listens at once. `port` 0 takes a free one. The cache is one of these frames, and must outlive the simulator;
     // what it holds when a request comes is what is served. Throws std::system_error when the address cannot be
     // listened on.
-    ModbusSimulator(const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames, const RegisterCache& cache,
-                    const std::string& host, std::uint16_t port);
-    ~ModbusSimulator();
+    KZM_GATEWAY_EXPORT ModbusSimulator(const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames,
+                                       const RegisterCache& cache, const std::string& host, std::uint16_t port);
+    KZM_GATEWAY_EXPORT ~ModbusSimulator();
     ModbusSimulator(const ModbusSimulator&) = delete;
     ModbusSimulator& operator=(const ModbusSimulator&) = delete;
 
     // The port that is listened on.
-    std::uint16_t GetPort() const;
+    KZM_GATEWAY_EXPORT std::uint16_t GetPort() const;
 
     // Serves until `stop` becomes true (looked at every 100 ms or sooner), on the calling thread.
-    void Serve(const std::atomic<bool>& stop);
+    KZM_GATEWAY_EXPORT void Serve(const std::atomic<bool>& stop);
 
 private:
     class Impl;

@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "DataModel/VortaObjectAdapter.h"
+#include "gateway/Export.h"
 
 namespace kzm::ModbusGateway {
 
 // Fills one object from several object adapters, each with its own element path. Threads as VortaObjectAdapter.
-class ObjectGroupAdapter final : public ModbusDeviceModel::DataModel::VortaObjectAdapter {
+class KZM_GATEWAY_EXPORT ObjectGroupAdapter final : public ModbusDeviceModel::DataModel::VortaObjectAdapter {
 public:
     using Adapters = std::vector<std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter>>;
 

@@ -7,17 +7,18 @@
 #include <vector>
 
 #include "DataModel/ElementData.h"
+#include "gateway/Export.h"
 
 namespace kzm::ModbusGateway {
 
 // Why a value cannot be written, as a phrase for the user: "70000 is out of range", "21.55 would be read back as 21.5".
-class CannotEncode : public std::runtime_error {
+class KZM_GATEWAY_EXPORT CannotEncode : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
 // A value as the registers of an element hold it. A plain record; for threads as any value.
-struct EncodedValue {
+struct KZM_GATEWAY_EXPORT EncodedValue {
     using Registers = std::vector<std::uint16_t>;
 
     Registers registers;    // in wire order, one per register of the element; bits outside the mask are 0
@@ -44,12 +45,12 @@ struct EncodedValue {
 // what is derived from them, frequency classes, scaled powers. Throws std::invalid_argument for an element whose
 // "not available" pattern is not hexadecimal, as Build does. Logs only what Build logs. May be called by any number
 // of threads.
-EncodedValue EncodeValue(ModbusDeviceModel::DataModel::ElementData& element, bool deviceBigEndian,
-                         const std::string& text);
+KZM_GATEWAY_EXPORT EncodedValue EncodeValue(ModbusDeviceModel::DataModel::ElementData& element, bool deviceBigEndian,
+                                            const std::string& text);
 
 // What Build makes of registers in wire order; null where that is no value. Throws and logs as Build does. May be
 // called by any number of threads.
-nlohmann::json DecodeValue(ModbusDeviceModel::DataModel::ElementData& element, bool deviceBigEndian,
-                           const EncodedValue::Registers& registers);
+KZM_GATEWAY_EXPORT nlohmann::json DecodeValue(ModbusDeviceModel::DataModel::ElementData& element, bool deviceBigEndian,
+                                              const EncodedValue::Registers& registers);
 
 }  // namespace kzm::ModbusGateway

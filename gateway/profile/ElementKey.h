@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "gateway/Export.h"
 #include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusGateway {
@@ -15,27 +16,28 @@ namespace kzm::ModbusGateway {
 class ElementKey {
 public:
     // Nothing for a text that is no key; `fault` then says why, and what is near.
-    static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
+    KZM_GATEWAY_EXPORT static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
 
     // `; did you mean "..."?` with up to three keys of the dictionary: those whose element has the text as its name or
     // is fed by the device element of that id, otherwise those that are spelt like the text. Empty if nothing is near.
-    static std::string Suggestion(std::string_view text);
+    KZM_GATEWAY_EXPORT static std::string Suggestion(std::string_view text);
 
     const std::string& GetText() const { return mText; }
     const std::string& GetName() const { return mName; }
     const std::string& GetAlias() const { return mAlias; }  // any bytes; only custom ones have one
-    std::string GetUnit() const;                            // may be empty
-    std::string GetClassName() const;                       // empty where only the type of the value can tell
-    bool IsCustomAlarm() const;
+    KZM_GATEWAY_EXPORT std::string GetUnit() const;         // may be empty
+    KZM_GATEWAY_EXPORT std::string GetClassName() const;    // empty where only the type of the value can tell
+    KZM_GATEWAY_EXPORT bool IsCustomAlarm() const;
 
     // The element paths of the object that device elements feed, that of its value first.
-    Names GetPaths() const;
+    KZM_GATEWAY_EXPORT Names GetPaths() const;
     // The id of the device element that feeds an attribute ("value", "quality", "datetime") at an element path; empty
     // where none does.
-    std::string GetSource(const std::string& path, const std::string& attribute) const;
+    KZM_GATEWAY_EXPORT std::string GetSource(const std::string& path, const std::string& attribute) const;
 
     // The object before the device has filled it: its structure, with key, name, alias and unit.
-    nlohmann::json MakeObject(const std::string& name, const std::string& alias, const std::string& unit) const;
+    KZM_GATEWAY_EXPORT nlohmann::json MakeObject(const std::string& name, const std::string& alias,
+                                                 const std::string& unit) const;
 
 private:
     ElementKey(std::string text, std::string name, std::string alias);

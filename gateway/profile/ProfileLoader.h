@@ -3,6 +3,7 @@
 #include <memory>
 #include <string_view>
 
+#include "gateway/Export.h"
 #include "gateway/chains/ChainRegistry.h"
 #include "gateway/json/Problem.h"
 #include "gateway/profile/LoadedProfile.h"
@@ -10,7 +11,7 @@
 namespace kzm::ModbusGateway {
 
 // Makes a device model from a device profile: JSON with comments, as docs/profile.md and the JSON Schema describe it.
-class ProfileLoader {
+class KZM_GATEWAY_EXPORT ProfileLoader {
 public:
     struct Result {
         // Null if there is an error: nothing half-built comes out.

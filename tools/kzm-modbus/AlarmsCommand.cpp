@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "AlarmReading.h"
+#include "CaptureClock.h"
 #include "Commands.h"
 #include "DeviceErrors.h"
 #include "DeviceRounds.h"
@@ -10,7 +11,6 @@
 #include "Text.h"
 #include "TextTable.h"
 #include "kzm/DateTime/DateTime.h"
-#include "kzm/StandIn/Clock.h"
 
 namespace kzm::ModbusTool {
 
@@ -120,7 +120,7 @@ ExitStatus WatchAlarms(const AlarmsOptions& options) {
     }
     const Capture capture = LoadCapture(options.capture, *profile);
     for (const Capture::Snapshot& snapshot : capture.snapshots) {
-        const StandIn::StoppedClock clock(snapshot.time);
+        const CaptureClock clock(snapshot.time);
         Capture::Restore(snapshot, *cache);
         watch.Evaluate();
     }

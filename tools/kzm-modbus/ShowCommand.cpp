@@ -1,12 +1,12 @@
 #include <iostream>
 
+#include "CaptureClock.h"
 #include "Commands.h"
 #include "Files.h"
 #include "ObjectSelection.h"
 #include "ObjectTable.h"
 #include "Options.h"
 #include "kzm/DateTime/DateTime.h"
-#include "kzm/StandIn/Clock.h"
 
 namespace kzm::ModbusTool {
 
@@ -44,7 +44,7 @@ ExitStatus Show(const ShowOptions& options) {
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     const bool series = capture.snapshots.size() > 1;
     for (const Capture::Snapshot& snapshot : capture.snapshots) {
-        const StandIn::StoppedClock clock(snapshot.time);
+        const CaptureClock clock(snapshot.time);
         Capture::Restore(snapshot, *cache);
         const std::vector<ObjectReading> readings = ReadObjects(*profile, selection, cache);
         const std::string time = series ? DateTime::DateTime::GetCalendarTime() : "";
