@@ -17,6 +17,8 @@ if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
 endif()
 
 add_compile_options(-Wall -Wextra -Wconversion -Wshadow -Wformat=2 -Wno-psabi -ffp-contract=off)
+# A switch that lists enumerators lists all of them: a new one must not compile before every such place knows it.
+add_compile_options(-Werror=switch)
 # Nobody replaces single functions of a library here: calls within one need not go through its tables.
 add_compile_options(-fno-semantic-interposition)
 add_link_options(-Wl,-Bsymbolic-functions)

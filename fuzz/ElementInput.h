@@ -15,7 +15,7 @@ struct ElementInput {
     using Pairs = std::vector<ModbusDeviceModel::DeviceProfile::EnumerationPairData>;
 
     explicit ElementInput(Input& input)
-        : code{input.UpTo<std::uint8_t>(64)},
+        : code{input.UpTo(static_cast<std::uint8_t>(ModbusDeviceModel::DeviceProfile::LogicCodeRows().size()))},
           registers(TakeRegisters(input)),
           bytes(TakeBytes(input)),
           mask(TakeMask(input)),

@@ -153,13 +153,6 @@ EncodedValue::Registers ToRegisters(Bytes bytes, bool swapped) {
     return registers;
 }
 
-bool MustSwapWords(const ElementData& element, bool deviceBigEndian) {
-    const auto order = element.GetLocalByteOrdering();
-    return order == ModbusDeviceModel::ByteOrderingEnum::LITTLE_ENDIAN_WORDS ||
-           (order == ModbusDeviceModel::ByteOrderingEnum::DEVICE_ORDER && !deviceBigEndian) ||
-           element.IsLogicCodeManageInLittleEndian(element.GetLogicCode());
-}
-
 // Turns a text into the bytes of an element and into the value that these must decode to. Several raw values may decode
 // to one value, and rounding may miss the right one: each plausible raw value is decoded, and the first that gives the
 // value is taken.
@@ -477,7 +470,7 @@ private:
     }
 
     EncodedValue ResultOf(const Bytes& bytes) const {
-        const bool swapped = MustSwapWords(mElement, mDeviceBigEndian);
+        const bool swapped = mElement.MustSwapWords(mDeviceBigEndian);
         return {ToRegisters(bytes, swapped), ToRegisters(mMask, swapped), mWanted, mTolerance};
     }
 

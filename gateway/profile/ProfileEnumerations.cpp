@@ -11,18 +11,10 @@ namespace kzm::ModbusGateway {
 
 using ModbusDeviceModel::DeviceProfile::EnumerationPairData;
 using ModbusDeviceModel::DeviceProfile::EnumerationType;
-using ModbusDeviceModel::DeviceProfile::Family;
 using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
 using ModbusDeviceModel::DeviceProfile::RawView;
 
 namespace {
-
-// How raw values are compared; code 9 has labels although the table gives it no type of its own.
-EnumerationType PairTypeOf(const LogicCodeRow& type) {
-    const bool enumeration = type.family == Family::ENUMERATION || type.family == Family::SHIFTED_ENUMERATION;
-    return enumeration && type.enumerationType == EnumerationType::NONE ? EnumerationType::UNSIGNED_INTEGER
-                                                                        : type.enumerationType;
-}
 
 std::uint32_t LargestRawValue(const LogicCodeRow& type) {
     return type.view == RawView::U8    ? std::numeric_limits<std::uint8_t>::max()
@@ -39,10 +31,10 @@ std::optional<float> ParseFloat(const std::string& text) {
 
 std::optional<EnumerationPairData> ParsePair(const std::string& raw, const std::string& label,
                                              const LogicCodeRow& type) {
-    if (PairTypeOf(type) == EnumerationType::STRING) {
+    if (type.labelType == EnumerationType::STRING) {
         return EnumerationPairData(raw.c_str(), label);
     }
-    if (PairTypeOf(type) == EnumerationType::FLOAT) {
+    if (type.labelType == EnumerationType::FLOAT) {
         const auto number = ParseFloat(raw);
         return number ? std::optional<EnumerationPairData>(std::in_place, *number, label) : std::nullopt;
     }
@@ -53,7 +45,7 @@ std::optional<EnumerationPairData> ParsePair(const std::string& raw, const std::
 }
 
 std::string AllowedRawValues(const LogicCodeRow& type) {
-    return PairTypeOf(type) == EnumerationType::FLOAT
+    return type.labelType == EnumerationType::FLOAT
                ? "a number"
                : "0 to " + std::to_string(LargestRawValue(type)) + ", in decimal digits or as \"0x...\"";
 }
@@ -93,7 +85,7 @@ ProfileEnumerations::ProfileEnumerations(const JsonCursor& section) {
 std::optional<ProfileEnumerations::Pairs> ProfileEnumerations::Get(const JsonCursor& element,
                                                                    const LogicCodeRow& type) {
     if (!element.Has("enumeration")) {
-        if (PairTypeOf(type) == EnumerationType::STRING) {
+        if (type.labelType == EnumerationType::STRING) {
             element.Error("the type " + Quoted(type.name) + " needs an \"enumeration\"");
         }
         return Pairs();
@@ -109,7 +101,7 @@ std::optional<ProfileEnumerations::Pairs> ProfileEnumerations::Get(const JsonCur
         return std::nullopt;
     }
     found->second.used = true;
-    if (PairTypeOf(type) == EnumerationType::NONE) {
+    if (type.labelType == EnumerationType::NONE) {
         use.Error("values of the type " + Quoted(type.name) + " have no labels");
         return std::nullopt;
     }

@@ -17,8 +17,9 @@ using ModbusDeviceModel::DataModel::LogicCodeDependency;
 using ModbusDeviceModel::DeviceProfile::EnumerationType;
 using ModbusDeviceModel::DeviceProfile::Family;
 using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
+using ModbusDeviceModel::DeviceProfile::LogicCodeRows;
 using ModbusDeviceModel::DeviceProfile::MAX_ELEMENT_REGISTERS;
-namespace LogicCodeRows = ModbusDeviceModel::DeviceProfile::LogicCodeRows;
+using ModbusDeviceModel::DeviceProfile::Scaling;
 
 namespace {
 
@@ -26,7 +27,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 Names NamesOfLogicCodes() {
     Names names;
-    for (const auto& row : LogicCodeRows::TABLE) {
+    for (const auto& row : LogicCodeRows()) {
         names.emplace_back(row.name);
     }
     return names;
@@ -35,12 +36,14 @@ Names NamesOfLogicCodes() {
 // Null for an unknown type, which is reported.
 const LogicCodeRow* ReadType(const JsonCursor& type) {
     const auto number = type->is_number() ? type.Number() : std::nullopt;
-    const auto row = std::find_if(LogicCodeRows::TABLE.begin(), LogicCodeRows::TABLE.end(), [&](const auto& known) {
+    const auto rows = LogicCodeRows();
+    const auto row = std::ranges::find_if(rows, [&](const auto& known) {
         return number ? known.code == *number : known.name == type->get_ref<const std::string&>();
     });
-    if (row == LogicCodeRows::TABLE.end()) {
+    if (row == rows.end()) {
         type.Error("there is no logic code " + Cited(*type) +
-                   Alternatives(type.Text(), NamesOfLogicCodes(), "the numbers 0 to 62 and their names"));
+                   Alternatives(type.Text(), NamesOfLogicCodes(),
+                                "the numbers 0 to " + std::to_string(rows.size() - 1) + " and their names"));
         return nullptr;
     }
     return &*row;
@@ -100,22 +103,20 @@ ByteOrderingEnum ReadOrder(const JsonCursor& order) {
                                       : ByteOrderingEnum::DEVICE_ORDER;
 }
 
-bool IsScalable(const LogicCodeRow& type) {
-    return type.family == Family::NUMBER || type.family == Family::DOUBLE || type.family == Family::DECIMAL_WORDS ||
-           type.family == Family::POWER_FACTOR || type.family == Family::BOOLEAN;
-}
-
 // Warns of members that do nothing for the type.
 void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
     const bool power = type.family == Family::SCALED_POWER;
-    const std::pair<const char*, bool> members[] = {
-        {"scale", !IsScalable(type) && !power}, {"offset", !IsScalable(type)}, {"mask", power}, {"order", power}};
+    const Scaling scaling = ScalingOf(type.family);
+    const std::pair<const char*, bool> members[] = {{"scale", scaling == Scaling::NONE},
+                                                    {"offset", scaling != Scaling::FACTOR_AND_OFFSET},
+                                                    {"mask", power},
+                                                    {"order", power}};
     for (const auto& [member, idle] : members) {
         if (idle && element.Has(member)) {
             element.At(member).Warning("has no effect on values of the type " + Quoted(type.name));
         }
     }
-    if (element.Has("scale") && *element.At("scale") == 0 && (IsScalable(type) || power)) {
+    if (element.Has("scale") && *element.At("scale") == 0 && scaling != Scaling::NONE) {
         element.At("scale").Warning("makes every value the same");
     }
 }
@@ -129,7 +130,7 @@ void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCod
     }
     if (std::ranges::count(bytes, 0) == std::ssize(bytes)) {
         mask.Warning("leaves no bit of the registers");
-    } else if (pairs && type.enumerationType == EnumerationType::UNSIGNED_INTEGER) {
+    } else if (pairs && type.labelType == EnumerationType::UNSIGNED_INTEGER) {
         if (type.family == Family::SHIFTED_ENUMERATION) {
             bits /= bits & (~bits + 1);  // until the lowest one is bit 0
         }

@@ -9,8 +9,6 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-using DeviceProfile::Family;
-
 namespace {
 
 constexpr std::int64_t SECONDS_FROM_1970_TO_2000 = 946684800;
@@ -51,7 +49,7 @@ int UlpMilliseconds(const char* bytes) {
     return FieldAt(bytes, 4) & 0x3FF;
 }
 
-// gmtime, but for 64 bits: a 32-bit time_t ends in 2038, a device's clock does not.
+// As gmtime, but in 64 bits: a 32-bit time_t ends in 2038.
 std::tm BrokenDown(std::int64_t seconds) {
     using namespace std::chrono;
     const sys_seconds instant{std::chrono::seconds(seconds)};
@@ -98,6 +96,12 @@ std::string TextOf(const std::tm& time, int milliseconds) {
     return TextOf(time, std::string_view(digits, static_cast<std::size_t>(end - digits)));
 }
 
+std::string TextOf(void (*decode)(std::tm&, const char*), const char* bytes) {
+    std::tm time{};
+    decode(time, bytes);
+    return TextOf(time, std::string_view("000"));
+}
+
 }  // namespace
 
 void ElementData::DecodeDateTimeIEC870(std::tm& time, const char* bytes) {
@@ -130,24 +134,27 @@ void ElementData::DecodeDateTimeULPToIEC870(std::timespec& time, const char* byt
     time.tv_nsec = UlpMilliseconds(bytes) * 1000000L;
 }
 
-std::string DateTimeText(Family layout, const char* bytes) {
+std::string TextOfIec870(const char* bytes) {
+    return TextOf(ElementData::DecodeDateTimeIEC870, bytes);
+}
+
+std::string TextOf3Registers(const char* bytes) {
+    return TextOf(ElementData::DecodeDateTime3REGSV1ToIEC870, bytes);
+}
+
+std::string TextOfMsp(const char* bytes) {
+    return TextOf(ElementData::DecodeDateTimeMSPToIEC870, bytes);
+}
+
+std::string TextOfCm(const char* bytes) {
     std::tm time{};
-    if (layout == Family::DATE_ULP) {
-        return TextOf(BrokenDown(UlpSeconds(bytes)), UlpMilliseconds(bytes));
-    }
-    if (layout == Family::DATE_CM) {
-        unsigned short milliseconds = 0;
-        ElementData::DecodeDateTimeCMToIEC870(time, milliseconds, bytes);
-        return TextOf(time, milliseconds);
-    }
-    if (layout == Family::DATE_IEC870) {
-        ElementData::DecodeDateTimeIEC870(time, bytes);
-    } else if (layout == Family::DATE_MSP) {
-        ElementData::DecodeDateTimeMSPToIEC870(time, bytes);
-    } else {
-        ElementData::DecodeDateTime3REGSV1ToIEC870(time, bytes);
-    }
-    return TextOf(time, std::string_view("000"));
+    unsigned short milliseconds = 0;
+    ElementData::DecodeDateTimeCMToIEC870(time, milliseconds, bytes);
+    return TextOf(time, milliseconds);
+}
+
+std::string TextOfUlp(const char* bytes) {
+    return TextOf(BrokenDown(UlpSeconds(bytes)), UlpMilliseconds(bytes));
 }
 
 }  // namespace kzm::ModbusDeviceModel::DataModel

@@ -12,6 +12,9 @@
 #include "DeviceProfile/LogicCodeIdentifier.h"
 #include "Export.h"
 
+namespace kzm::ModbusDeviceModel::DeviceProfile {
+struct LogicCodeRow;
+}
 namespace kzm::ModbusDeviceModel::ServiceImpl {
 class IValueProcesser;
 }
@@ -39,15 +42,15 @@ public:
                 ByteOrderingEnum byteOrdering, bool validityCheckEnabled);
     virtual ~ElementData();
 
-    // Decodes the registers in `buffer` (`length` bytes, high byte of a register first), which is changed in place.
-    // `deviceBigEndian` orders the words of an element without an order of its own; `request` is not used.
+    // Decodes the registers in `buffer` (`length` bytes, high byte of a register first), which is swapped and masked in
+    // place. `deviceBigEndian` orders the words of an element without an order of its own; `request` is not used.
     //
-    // True: `value` is the decoded value and `invalid` false; or, where there is no value to be had (the "not
-    // available" pattern, or one that is not as long as the bytes, a number out of its range, a label that is not
-    // listed), `value` is null and `invalid` true. False, with a log line: no bytes (`invalid` and `value` untouched),
-    // more than 255 bytes or a bitmask that is missing or shorter than the bytes (`invalid` true, `value` untouched).
-    // False, silently: a logic code without conversion (`invalid` false, `value` untouched). Throws
-    // std::invalid_argument for a pattern that is not hexadecimal.
+    // True: `value` is the decoded value and `invalid` false; or there is no value (the bytes match the "not available"
+    // pattern or are not as many as it has, a number is out of its range, a label is not listed): `value` is null and
+    // `invalid` true. False, with a log line: no bytes (`invalid` and `value` untouched), more than 255 bytes, or a
+    // bitmask that is missing or shorter than the bytes (`invalid` true, `value` untouched). False, without a log line:
+    // a logic code without conversion (`invalid` false, `value` untouched). Throws std::invalid_argument for a pattern
+    // that is not hexadecimal.
     virtual bool Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int request, bool& invalid,
                        nlohmann::json& value, ServiceImpl::IValueProcesser* valueProcesser);
 
@@ -78,6 +81,9 @@ public:
     bool IsLocalEndianessIsBigEndian() const { return mByteOrdering != ByteOrderingEnum::LITTLE_ENDIAN_WORDS; }
     // Whether the words of this element's own logic code are always swapped; the argument is not used.
     bool IsLogicCodeManageInLittleEndian(LogicCodeIdentifier logicCode) const;
+    // Whether Build reverses the words, on a device whose own order is big-endian or not. An extended element's Build
+    // never does.
+    bool MustSwapWords(bool deviceBigEndian) const;
     // The element for diagnosis: "registerAddress", "nbRegisters", "scaleFactor", "frameIndex", "offset",
     // "byteOrdering", "logicCode" (numbers) and "attributePath" (text).
     nlohmann::json ToJson() const;
@@ -101,17 +107,13 @@ public:
     static void DecodeDateTimeULPToIEC870(std::timespec& time, const char* bytes);
 
     // Whether a UTF-8 sequence (RFC 3629, without the test for overlong forms, surrogates and the upper end) starts at
-    // `position`, which must be within the text. `length`: bytes that its lead byte announces, 1 for a bad lead byte.
+    // `position`. `length`: bytes that its lead byte announces; 1 for a bad lead byte and for a position past the end,
+    // which are false.
     static bool CheckUTF8Validity(std::string& text, unsigned int& position, unsigned int& length);
     // Replaces every byte that belongs to no valid sequence by U+FFFD.
     static void SanitiseUTF8Sequence(std::string& text);
 
 protected:
-    // False, with a log line, for a mask that is missing or shorter than the bytes.
-    bool HasMaskFor(unsigned int length) const;
-    // ANDs every byte with its mask byte.
-    void MaskBytes(unsigned char* buffer, unsigned int length) const;
-
     // Converts a gathered record by the logic code. False: the code has no conversion, nothing is touched. True: as
     // Build.
     bool ApplyLogicConversion(int request, myData& data, bool& invalid, nlohmann::json& value,
@@ -121,24 +123,13 @@ protected:
     // pairs; null with `invalid` set when none matches; an empty label sets `invalid` too.
     template <typename T>
     nlohmann::json GetEnumValue(const myData& data, bool& invalid);
-    // As GetEnumValue; where there are no pairs, the number itself as text (a float in its shortest form).
+    // As GetEnumValue; where there are no pairs and the logic code is that of an enumeration of numbers, the number
+    // itself as text (a float in its shortest form; null with `invalid` set if it is not finite).
     template <typename T>
     nlohmann::json EncodeEnumValue(const myData& data, bool& invalid);
 
 private:
-    bool MustSwapWords(bool deviceBigEndian) const;
-    bool HasPatternFor(unsigned int length) const;
-    bool MatchesPattern(const unsigned char* buffer, unsigned int length) const;
-    double Scale(double raw) const;
-    std::uint32_t MaskOfBits(unsigned int bits) const;
-
-    nlohmann::json Convert(myData& data, bool& invalid);
-    nlohmann::json ConvertDecimalWords(const myData& data) const;
-    nlohmann::json ScaleWhole(std::int64_t number) const;
-    nlohmann::json ConvertPowerFactor(float raw) const;
-    nlohmann::json ConvertBoolean(std::uint16_t raw) const;
-    nlohmann::json ConvertEnumeration(const myData& data, bool& invalid);
-    nlohmann::json ConvertShiftedEnumeration(myData& data, bool& invalid);
+    friend class ExtendedElementData;
 
     std::uint16_t mRegisterAddress;
     std::uint8_t mNumberOfRegisters;
@@ -153,6 +144,7 @@ private:
     LogicCodeIdentifier mLogicCode;
     std::uint8_t mFrameIndex;
     bool mNeedsScaling;
+    const DeviceProfile::LogicCodeRow* mRow;
 };
 
 }  // namespace kzm::ModbusDeviceModel::DataModel

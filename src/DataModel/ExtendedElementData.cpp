@@ -1,41 +1,90 @@
 #include "DataModel/ExtendedElementData.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string_view>
 #include <utility>
 
+#include "DataModel/DecodingSteps.h"
 #include "DataModel/IValueProcesser.h"
-#include "DataModel/LogicCodeDependency.h"
-#include "DataModel/RawRecord.h"
 #include "DeviceProfile/LogicCodeTable.h"
+#include "Support/Log.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
 using DeviceProfile::Family;
-using DeviceProfile::RowOf;
 using nlohmann::json;
 
 namespace {
 
+constexpr const char* LOG_MODULE = "DataModel::ExtendedElementData";
+
+// Asks its dependencies, too, but does not use the answer.
 constexpr LogicCodeIdentifier CODE_WITH_DEPENDENCY{8};
 
-// A number, or a text that is a number; NaN for anything else.
-double NumberIn(const json& value) {
-    if (value.is_number()) {
-        return value.get<double>();
+// A decimal number, with blanks around it or not; NaN for any other text.
+double NumberIn(std::string_view text) {
+    constexpr const char* BLANKS = " \t";
+    const std::size_t begin = std::min(text.find_first_not_of(BLANKS), text.size());
+    text = text.substr(begin, text.find_last_not_of(BLANKS) + 1 - begin);
+    if (text.starts_with('+') && !text.starts_with("+-")) {
+        text.remove_prefix(1);
     }
     double number = NAN;
-    if (value.is_string()) {
-        const auto& text = value.get_ref<const std::string&>();
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        if (error != std::errc() || end != text.data() + text.size()) {
-            return NAN;
-        }
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end ? number : NAN;
+}
+
+// The exponent that an answer gives; nothing for an answer that is not a number.
+std::optional<double> ExponentIn(const json& answer) {
+    if (!answer.is_number() && !answer.is_string()) {
+        return std::nullopt;
+    }
+    const double number = answer.is_number() ? answer.get<double>() : NumberIn(answer.get_ref<const std::string&>());
+    if (!std::isfinite(number)) {
+        KZM_LOG(WARNING, "[%s] Exponent %s is not a finite number and is ignored", "Build",
+                Logging::Text(answer).c_str());
+        return std::nullopt;
     }
     return number;
+}
+
+// The last exponent that the dependencies give, else 0.
+double AskForExponent(const std::vector<LogicCodeDependency>* dependencies, ServiceImpl::IValueProcesser* processer) {
+    double exponent = 0;
+    if (processer == nullptr || dependencies == nullptr) {
+        return exponent;
+    }
+    for (const LogicCodeDependency& dependency : *dependencies) {
+        json answer = dependency.value;
+        if (processer->GetValue(dependency.name, answer)) {
+            exponent = ExponentIn(answer).value_or(exponent);
+        }
+    }
+    return exponent;
+}
+
+// Whole factors in integer arithmetic, others in double, truncated. False for what does not fit 64 bits.
+bool ScaleRaw(myData& data, double factor) {
+    if (std::trunc(factor) == factor && factor >= 0 && factor < 0x1p64) {
+        std::uint64_t scaled = 0;
+        if (__builtin_mul_overflow(data.Unsigned64(), static_cast<std::uint64_t>(factor), &scaled)) {
+            return false;
+        }
+        data.SetUnsigned(scaled);
+        return true;
+    }
+    const double scaled = static_cast<double>(data.Unsigned64()) * factor;
+    if (!(scaled > -1 && scaled < 0x1p64)) {
+        return false;
+    }
+    data.SetUnsigned(static_cast<std::uint64_t>(scaled));
+    return true;
 }
 
 // A number as patterns write it, of which only as many digits count as the registers hold.
@@ -72,36 +121,34 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
     for (unsigned int i = 0; i < length; ++i) {
         raw = raw << 8 | buffer[i];
     }
-    if (!HasMaskFor(length)) {
+    if (!HasMaskFor(mBitmask.get(), length)) {
         invalid = true;
         return false;
     }
-    MaskBytes(buffer, length);
-    if (const auto pattern = GetValidityStatus(); pattern && *pattern == PatternOf(raw, GetNumberOfRegisters())) {
-        invalid = true;
+    ApplyMask(mBitmask->data(), buffer, length);
+    invalid = mValidityStatus && *mValidityStatus == PatternOf(raw, mNumberOfRegisters);
+    if (invalid) {
         value = nullptr;
         return true;
     }
     myData data;
     data.SetUnsigned(raw);
-    invalid = false;
     return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
 }
 
 bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& invalid, json& value,
                                                ServiceImpl::IValueProcesser* valueProcesser) {
-    const bool isScaledPower = RowOf(GetLogicCode()).family == Family::SCALED_POWER;
+    const bool isScaledPower = mRow->family == Family::SCALED_POWER;
     double exponent = 0;
-    if (isScaledPower || GetLogicCode() == CODE_WITH_DEPENDENCY) {
-        exponent = AskForExponent(valueProcesser);
+    if (isScaledPower || mLogicCode == CODE_WITH_DEPENDENCY) {
+        exponent = AskForExponent(mDependency.get(), valueProcesser);
     }
     if (!isScaledPower) {
         return ElementData::ApplyLogicConversion(request, data, invalid, value, valueProcesser);
     }
     value = nullptr;
-    if (ScaleRaw(data)) {
-        double unused = 0;
-        OperateScaledPower(data, value, exponent, unused);
+    if (ScaleRaw(data, mScaleFactor)) {
+        OperateScaledPower(data, value, exponent, /*unused=*/0);
     }
     invalid = !value.is_number() || !std::isfinite(value.get<double>());
     if (invalid) {
@@ -110,43 +157,14 @@ bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& 
     return true;
 }
 
-double ExtendedElementData::AskForExponent(ServiceImpl::IValueProcesser* valueProcesser) const {
-    double exponent = 0;
-    if (valueProcesser == nullptr || !mDependency) {
-        return exponent;
+void ExtendedElementData::OperateScaledPower(myData& data, json& value, double exponent, double) {
+    auto number = static_cast<double>(data.Unsigned64());
+    if (exponent < 0) {
+        number /= std::pow(10, -exponent);
+    } else if (exponent > 0) {
+        number *= std::pow(10, exponent);
     }
-    for (const LogicCodeDependency& dependency : *mDependency) {
-        json answer = dependency.value;
-        if (valueProcesser->GetValue(dependency.name, answer)) {
-            const double number = NumberIn(answer);
-            exponent = std::isnan(number) ? exponent : number;
-        }
-    }
-    return exponent;
-}
-
-// Whole factors in integer arithmetic, others in double, truncated. False for what does not fit 64 bits.
-bool ExtendedElementData::ScaleRaw(myData& data) const {
-    const double factor = GetScaleFactor();
-    if (std::trunc(factor) == factor && factor >= 0 && factor < 0x1p64) {
-        std::uint64_t scaled = 0;
-        if (__builtin_mul_overflow(data.Unsigned64(), static_cast<std::uint64_t>(factor), &scaled)) {
-            return false;
-        }
-        data.SetUnsigned(scaled);
-        return true;
-    }
-    const double scaled = static_cast<double>(data.Unsigned64()) * factor;
-    if (!(scaled > -1 && scaled < 0x1p64)) {
-        return false;
-    }
-    data.SetUnsigned(static_cast<std::uint64_t>(scaled));
-    return true;
-}
-
-void ExtendedElementData::OperateScaledPower(myData& data, json& value, double& exponent, double&) {
-    const auto raw = static_cast<double>(data.Unsigned64());
-    value = exponent < 0 ? raw / std::pow(10, -exponent) : exponent > 0 ? raw * std::pow(10, exponent) : raw;
+    value = number;
 }
 
 std::int16_t ExtendedElementData::GetSlaveOffset() const {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "DataModel/ElementData.h"
+#include "DataModel/LogicCodeDependency.h"
+#include "DataModel/RawRecord.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
@@ -21,9 +23,12 @@ public:
                         std::shared_ptr<std::vector<LogicCodeDependency>> dependency, ByteOrderingEnum byteOrdering);
     ~ExtendedElementData() override;
 
-    // Results as ElementData::Build; no bytes are refused silently. The codes 34 to 37 ask `valueProcesser`, where
-    // there is one, for the exponent: the last numeric answer over the dependencies counts, none means 0. A scaled
-    // number that does not fit 64 bits, and a power that is not finite, are null and invalid.
+    // Results as ElementData::Build, but no bytes at all are refused without a log line. The codes of scaled powers ask
+    // `valueProcesser`, where there is one, for the decimal exponent. The last of the dependencies' answers that is a
+    // finite number counts; without any the exponent is 0. A number may come as text, with blanks around it and a
+    // leading "+"; a text or number that is not finite, and a text that is not wholly a number, are skipped with a
+    // warning in the log. A scaled number that does not fit 64 bits, and a power that is not finite, are null and
+    // invalid.
     bool Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int request, bool& invalid,
                nlohmann::json& value, ServiceImpl::IValueProcesser* valueProcesser) override;
     // What the constructor was given.
@@ -35,13 +40,11 @@ public:
 
     // value = the record's unsigned 64-bit number times 10 to the power of `exponent`, as floating point without a
     // range. The last argument is not used.
-    void OperateScaledPower(myData& data, nlohmann::json& value, double& exponent, double& unused);
+    void OperateScaledPower(myData& data, nlohmann::json& value, double exponent, double unused);
 
 private:
     bool ApplyLogicConversion(int request, myData& data, bool& invalid, nlohmann::json& value,
                               ServiceImpl::IValueProcesser* valueProcesser);
-    double AskForExponent(ServiceImpl::IValueProcesser* valueProcesser) const;
-    bool ScaleRaw(myData& data) const;
 
     std::int16_t mSlaveOffset;
     std::uint32_t mExtraParameter;

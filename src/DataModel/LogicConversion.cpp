@@ -1,15 +1,20 @@
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <initializer_list>
 #include <limits>
 #include <nlohmann/json.hpp>
-#include <span>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
 
 #include "DataModel/DateTimeText.h"
 #include "DataModel/ElementData.h"
+#include "DataModel/NumberToJson.h"
 #include "DataModel/PowerFactorLabels.h"
 #include "DataModel/RawRecord.h"
-#include "DataModel/TypedOutput.h"
 #include "DeviceProfile/LogicCodeTable.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
@@ -17,12 +22,24 @@ namespace kzm::ModbusDeviceModel::DataModel {
 using DeviceProfile::EnumerationPairData;
 using DeviceProfile::EnumerationType;
 using DeviceProfile::Family;
+using DeviceProfile::LogicCodeRow;
 using DeviceProfile::Output;
 using DeviceProfile::RawView;
-using DeviceProfile::RowOf;
 using nlohmann::json;
 
 namespace {
+
+using Pairs = std::vector<EnumerationPairData>;
+
+// An element's scale factor and offset.
+struct LinearScale {
+    bool needed;
+    double factor;
+    float offset;
+
+    // The multiplication and the addition are rounded separately, never contracted into one operation.
+    double operator()(double raw) const { return needed ? static_cast<double>(offset) + raw * factor : raw; }
+};
 
 double NumberOf(RawView view, const myData& data) {
     switch (view) {
@@ -123,116 +140,38 @@ json LoadNature(double powerFactor, const char* upToOne, const char* aboveOne) {
     return magnitude <= 1.0 ? upToOne : aboveOne;
 }
 
-// Where the decimal digits of a version number go in its text, the least significant first.
-std::span<const std::uint8_t> VersionPlaces(Family layout) {
-    static constexpr std::uint8_t TWO_THREE[] = {6, 5, 4, 2, 1};
-    static constexpr std::uint8_t ONE_ONE_TWO[] = {10, 9, 6, 2};
-    static constexpr std::uint8_t ONE_ONE_THREE[] = {10, 9, 8, 6, 2};
-    switch (layout) {
-        case Family::VERSION_2_3:
-            return TWO_THREE;
-        case Family::VERSION_1_1_2:
-            return ONE_ONE_TWO;
-        default:
-            return ONE_ONE_THREE;
-    }
-}
-
-json Version(Family layout, std::uint16_t raw) {
+// A decimal number of at most five digits as version text. `places`: where its digits go, the least significant first;
+// digits without a place are dropped.
+json Version(std::uint16_t raw, std::initializer_list<std::uint8_t> places) {
     std::string text = "000.000.000";
     unsigned int rest = raw;
-    for (const std::uint8_t place : VersionPlaces(layout)) {
+    for (const std::uint8_t place : places) {
         text[place] = static_cast<char>('0' + rest % 10);
         rest /= 10;
     }
     return text;
 }
 
-void SetFrequencyClass(std::uint32_t hertz, json& value) {
-    if (hertz == 50 || hertz == 60) {
-        value = -2;
-    } else if (hertz == 400) {
-        value = -1;
-    }
-}
-
-}  // namespace
-
-bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
-    const auto& row = RowOf(mLogicCode);
-    switch (row.family) {
-        case Family::NONE:
-        case Family::SCALED_POWER:
-            return false;
-        case Family::NUMBER:
-            value = Emit(row.output, Scale(NumberOf(row.view, data)));
-            invalid = value.is_null();
-            return true;
-        case Family::FREQUENCY_CLASS:
-            invalid = false;
-            SetFrequencyClass(data.Unsigned32(), value);
-            return true;
-        case Family::TEXT_ENUMERATION:
-            invalid = false;
-            value = GetEnumValue<unsigned long long>(data, invalid);
-            return true;
-        default:
-            invalid = false;
-            value = Convert(data, invalid);
-            invalid = invalid || value.is_null();
-            return true;
-    }
-}
-
-json ElementData::Convert(myData& data, bool& invalid) {
-    const auto& row = RowOf(mLogicCode);
-    switch (row.family) {
-        case Family::DOUBLE:
-            return EmitFinite(Scale(data.Double()));
-        case Family::BOOLEAN:
-            return ConvertBoolean(data.Unsigned16());
-        case Family::DECIMAL_WORDS:
-            return ConvertDecimalWords(data);
-        case Family::ENUMERATION:
-            return ConvertEnumeration(data, invalid);
-        case Family::SHIFTED_ENUMERATION:
-            return ConvertShiftedEnumeration(data, invalid);
-        case Family::DECIMAL_TEXT:
-            return std::to_string(data.Unsigned32());
-        case Family::POWER_FACTOR:
-            return ConvertPowerFactor(data.Float());
-        case Family::QUADRANT:
-            return Quadrant(data.Float());
-        case Family::LAG_LEAD:
-            return LoadNature(data.Float(), LAG, LEAD);
-        case Family::INDUCTIVE_CAPACITIVE:
-            return LoadNature(data.Float(), INDUCTIVE, CAPACITIVE);
-        case Family::TEXT:
-            return Text(data);
-        case Family::VERSION_2_3:
-        case Family::VERSION_1_1_2:
-        case Family::VERSION_1_1_3:
-            return Version(row.family, data.Unsigned16());
-        default:
-            return DateTimeText(row.family, data.Text());
-    }
-}
-
-// The multiplication and the addition are rounded each; they are not contracted into one operation.
-double ElementData::Scale(double raw) const {
-    return mNeedsScaling ? static_cast<double>(mOffset) + raw * mScaleFactor : raw;
-}
-
-json ElementData::ConvertBoolean(std::uint16_t raw) const {
-    const double scaled = mNeedsScaling ? std::fma(mScaleFactor, raw, static_cast<double>(mOffset)) : raw;
+json Boolean(std::uint16_t raw, const LinearScale& scale) {
+    const double scaled = scale.needed ? std::fma(scale.factor, raw, static_cast<double>(scale.offset)) : raw;
     if (!std::isfinite(scaled)) {
         return nullptr;
     }
     return scaled != 0.0;
 }
 
-json ElementData::ConvertDecimalWords(const myData& data) const {
-    const auto& row = RowOf(mLogicCode);
+// Scales by a whole number in 64-bit integers; null for what does not fit.
+json ScaleWhole(std::int64_t number, const LinearScale& scale) {
+    std::int64_t scaled = 0;
+    if (!(scale.offset >= -0x1p63F && scale.offset < 0x1p63F) ||
+        __builtin_mul_overflow(number, static_cast<std::int64_t>(scale.factor), &scaled) ||
+        __builtin_add_overflow(scaled, static_cast<std::int64_t>(scale.offset), &scaled)) {
+        return nullptr;
+    }
+    return scaled;
+}
+
+json DecimalWords(const LogicCodeRow& row, const myData& data, const LinearScale& scale) {
     std::int64_t number = 0;
     for (std::size_t i = row.maxRegisters; i-- > 0;) {
         const std::uint16_t word = data.Word(i);
@@ -243,110 +182,168 @@ json ElementData::ConvertDecimalWords(const myData& data) const {
         number = number * 10000 + digits;
     }
     if (row.output != Output::S64) {
-        return Emit(row.output, Scale(static_cast<double>(number)));
+        return Emit(row.output, scale(static_cast<double>(number)));
     }
-    if (!mNeedsScaling) {
+    if (!scale.needed) {
         return number;
     }
-    const bool isWhole = std::trunc(mScaleFactor) == mScaleFactor && std::fabs(mScaleFactor) < 0x1p63;
-    return isWhole ? ScaleWhole(number) : Emit(Output::S64, std::trunc(Scale(static_cast<double>(number))));
+    const bool isWhole = std::trunc(scale.factor) == scale.factor && std::fabs(scale.factor) < 0x1p63;
+    return isWhole ? ScaleWhole(number, scale) : Emit(Output::S64, std::trunc(scale(static_cast<double>(number))));
 }
 
-// Scaling by a whole number in 64-bit integers; null for what does not fit.
-json ElementData::ScaleWhole(std::int64_t number) const {
-    if (!(mOffset >= -0x1p63F && mOffset < 0x1p63F)) {
-        return nullptr;
-    }
-    std::int64_t scaled = 0;
-    if (__builtin_mul_overflow(number, static_cast<std::int64_t>(mScaleFactor), &scaled) ||
-        __builtin_add_overflow(scaled, static_cast<std::int64_t>(mOffset), &scaled)) {
-        return nullptr;
-    }
-    return scaled;
-}
-
-// Folds a power factor in the IEEE convention (-2 to 2, the part past 1 being the leading or lagging half) to -1 ... 1.
-json ElementData::ConvertPowerFactor(float raw) const {
+// Folds a power factor in the IEEE convention (-2 to 2, the part past 1 being the leading or lagging half) to -1 to 1.
+json PowerFactor(float raw, const LinearScale& scale) {
     float folded = raw;
     if (raw > 1.0F) {
         folded = 2.0F - raw;
     } else if (raw < -1.0F) {
         folded = -2.0F - raw;
     }
-    if (!mNeedsScaling) {
+    if (!scale.needed) {
         return EmitFinite(folded);
     }
     constexpr double FLOAT_END = std::numeric_limits<float>::max();
-    if (std::fabs(mScaleFactor) <= FLOAT_END && static_cast<double>(static_cast<float>(mScaleFactor)) == mScaleFactor) {
-        return EmitFinite(mOffset + static_cast<float>(mScaleFactor) * folded);
+    const double factor = scale.factor;
+    if (std::fabs(factor) <= FLOAT_END && static_cast<double>(static_cast<float>(factor)) == factor) {
+        return EmitFinite(scale.offset + static_cast<float>(factor) * folded);
     }
-    const double scaled = Scale(folded);
+    const double scaled = scale(folded);
     return std::fabs(scaled) <= FLOAT_END ? json(static_cast<float>(scaled)) : json(nullptr);
 }
 
-json ElementData::ConvertEnumeration(const myData& data, bool& invalid) {
-    switch (RowOf(mLogicCode).view) {
-        case RawView::U8:
-            return EncodeEnumValue<unsigned char>(data, invalid);
-        case RawView::FLOAT:
-            return EncodeEnumValue<float>(data, invalid);
-        case RawView::U32:
-            return EncodeEnumValue<unsigned int>(data, invalid);
-        default:
-            return EncodeEnumValue<unsigned short>(data, invalid);
-    }
-}
-
-// The number is shifted right until the lowest bit of the mask is bit 0, so that labels count from 0.
-json ElementData::ConvertShiftedEnumeration(myData& data, bool& invalid) {
-    const bool is32Bit = RowOf(mLogicCode).view == RawView::U32;
-    std::uint64_t number = is32Bit ? data.Unsigned32() : data.Unsigned16();
-    std::uint32_t mask = MaskOfBits(is32Bit ? 32 : 16);
-    for (int shifts = is32Bit ? 32 : 16; shifts > 0 && (mask & 1) == 0; --shifts) {
-        mask >>= 1;
-        number >>= 1;
-    }
-    data.SetUnsigned(number);
-    return ConvertEnumeration(data, invalid);
-}
-
-// The first bytes of the bitmask as a number; bytes that it does not have count as 0.
-std::uint32_t ElementData::MaskOfBits(unsigned int bits) const {
-    std::uint32_t mask = 0;
-    for (std::size_t i = 0; i < bits / 8; ++i) {
-        mask = mask << 8 | (i < mBitmask->size() ? (*mBitmask)[i] : 0U);
-    }
-    return mask;
-}
-
+// Null without pairs. Null and refused where no pair matches; an empty label is refused, too.
 template <typename T>
-json ElementData::GetEnumValue(const myData& data, bool& invalid) {
-    if (!mEnumerationPairs || mEnumerationPairs->empty()) {
+json LabelOf(const Pairs* pairs, const myData& data, bool& refused) {
+    if (pairs == nullptr || pairs->empty()) {
         return nullptr;
     }
-    for (const EnumerationPairData& pair : *mEnumerationPairs) {
+    for (const EnumerationPairData& pair : *pairs) {
         if (Matches<T>(pair, data)) {
-            invalid = invalid || pair.mLabel.empty();
+            refused = refused || pair.mLabel.empty();
             return pair.mLabel;
         }
     }
-    invalid = true;
+    refused = true;
     return nullptr;
 }
 
 template <typename T>
-json ElementData::EncodeEnumValue(const myData& data, bool& invalid) {
-    json label = GetEnumValue<T>(data, invalid);
-    if (!label.is_null() || invalid) {
-        return label;
+json NumberAsText(EnumerationType type, const myData& data) {
+    if (type == EnumerationType::FLOAT || std::is_same_v<T, float>) {
+        return FloatAsText(data.Float());
     }
-    if constexpr (std::is_same_v<T, float>) {
-        label = FloatAsText(data.Float());
-        invalid = label.is_null();
-    } else {
-        label = std::to_string(ReadAs<T>(data));
+    return std::to_string(ReadAs<T>(data));
+}
+
+// The label; without pairs, the number itself where labels stand for numbers.
+template <typename T>
+json LabelOrNumber(EnumerationType type, const Pairs* pairs, const myData& data, bool& refused) {
+    bool hasNone = false;
+    json label = LabelOf<T>(pairs, data, hasNone);
+    if (label.is_null() && !hasNone && (type == EnumerationType::UNSIGNED_INTEGER || type == EnumerationType::FLOAT)) {
+        label = NumberAsText<T>(type, data);
+        hasNone = label.is_null();
     }
+    refused = refused || hasNone;
     return label;
+}
+
+json Enumeration(const LogicCodeRow& row, const Pairs* pairs, const myData& data, bool& refused) {
+    switch (row.view) {
+        case RawView::U8:
+            return LabelOrNumber<unsigned char>(row.labelType, pairs, data, refused);
+        case RawView::FLOAT:
+            return LabelOrNumber<float>(row.labelType, pairs, data, refused);
+        case RawView::U32:
+            return LabelOrNumber<unsigned int>(row.labelType, pairs, data, refused);
+        default:
+            return LabelOrNumber<unsigned short>(row.labelType, pairs, data, refused);
+    }
+}
+
+// Shifts a number right until the lowest bit of its mask is bit 0, so that labels count from 0. Its mask is the first
+// bytes of the bitmask; where these are fewer than the number has, it is as wide as the element's registers.
+myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>& bitmask, std::uint8_t registers) {
+    std::uint64_t number = view == RawView::U32 ? data.Unsigned32() : data.Unsigned16();
+    std::size_t width = view == RawView::U32 ? 4 : 2;
+    if (bitmask.size() < width) {
+        width = std::min(bitmask.size(), std::size_t{2} * registers);
+    }
+    std::uint32_t mask = 0;
+    for (std::size_t i = 0; i < width; ++i) {
+        mask = mask << 8 | bitmask[i];
+    }
+    for (std::size_t shifts = 8 * width; shifts > 0 && (mask & 1) == 0; --shifts) {
+        mask >>= 1;
+        number >>= 1;
+    }
+    myData shifted;
+    shifted.SetUnsigned(number);
+    return shifted;
+}
+
+// Any other frequency leaves the value as it was.
+json FrequencyClass(std::uint32_t hertz, json& value) {
+    if (hertz == 50 || hertz == 60) {
+        return -2;
+    }
+    return hertz == 400 ? json(-1) : std::move(value);
+}
+
+}  // namespace
+
+// clang-format off
+bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
+    const LogicCodeRow& row = *mRow;
+    const LinearScale scale{mNeedsScaling, mScaleFactor, mOffset};
+    const Pairs* const pairs = mEnumerationPairs.get();
+    bool refused = false;
+    const auto give = [&](json&& result, bool nullIsValid = false) {
+        value = std::move(result);
+        invalid = refused || (value.is_null() && !nullIsValid);
+        return true;
+    };
+    switch (row.family) {
+        case Family::NUMBER:               return give(Emit(row.output, scale(NumberOf(row.view, data))));
+        case Family::DOUBLE:               return give(EmitFinite(scale(data.Double())));
+        case Family::BOOLEAN:              return give(Boolean(data.Unsigned16(), scale));
+        case Family::DECIMAL_WORDS:        return give(DecimalWords(row, data, scale));
+        case Family::ENUMERATION:          return give(Enumeration(row, pairs, data, refused));
+        case Family::SHIFTED_ENUMERATION:
+            return give(Enumeration(row, pairs, Shifted(data, row.view, *mBitmask, mNumberOfRegisters), refused));
+        case Family::TEXT_ENUMERATION:
+            return give(LabelOf<std::uint64_t>(pairs, data, refused), /*nullIsValid=*/true);
+        case Family::DECIMAL_TEXT:         return give(std::to_string(data.Unsigned32()));
+        case Family::POWER_FACTOR:         return give(PowerFactor(data.Float(), scale));
+        case Family::QUADRANT:             return give(Quadrant(data.Float()));
+        case Family::LAG_LEAD:             return give(LoadNature(data.Float(), LAG, LEAD));
+        case Family::INDUCTIVE_CAPACITIVE: return give(LoadNature(data.Float(), INDUCTIVE, CAPACITIVE));
+        case Family::FREQUENCY_CLASS:
+            return give(FrequencyClass(data.Unsigned32(), value), /*nullIsValid=*/true);
+        case Family::TEXT:                 return give(Text(data));
+        case Family::DATE_IEC870:          return give(TextOfIec870(data.Text()));
+        case Family::DATE_3_REGISTERS:     return give(TextOf3Registers(data.Text()));
+        case Family::DATE_ULP:             return give(TextOfUlp(data.Text()));
+        case Family::DATE_CM:              return give(TextOfCm(data.Text()));
+        case Family::DATE_MSP:             return give(TextOfMsp(data.Text()));
+        case Family::VERSION_2_3:          return give(Version(data.Unsigned16(), {6, 5, 4, 2, 1}));
+        case Family::VERSION_1_1_2:        return give(Version(data.Unsigned16(), {10, 9, 6, 2}));
+        case Family::VERSION_1_1_3:        return give(Version(data.Unsigned16(), {10, 9, 8, 6, 2}));
+        case Family::SCALED_POWER:
+        case Family::NONE:                 break;
+    }
+    return false;
+}
+// clang-format on
+
+template <typename T>
+json ElementData::GetEnumValue(const myData& data, bool& invalid) {
+    return LabelOf<T>(mEnumerationPairs.get(), data, invalid);
+}
+
+template <typename T>
+json ElementData::EncodeEnumValue(const myData& data, bool& invalid) {
+    return LabelOrNumber<T>(mRow->labelType, mEnumerationPairs.get(), data, invalid);
 }
 
 template json ElementData::GetEnumValue<unsigned char>(const myData&, bool&);

@@ -26,6 +26,10 @@ unsigned int AnnouncedLength(unsigned char lead) {
 }  // namespace
 
 bool ElementData::CheckUTF8Validity(std::string& text, unsigned int& position, unsigned int& length) {
+    if (position >= text.size()) {
+        length = 1;
+        return false;
+    }
     const unsigned int announced = AnnouncedLength(static_cast<unsigned char>(text[position]));
     length = announced == 0 ? 1 : announced;
     for (unsigned int i = 1; i < announced; ++i) {

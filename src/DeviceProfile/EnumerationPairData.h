@@ -34,12 +34,14 @@ struct KZM_MODBUS_EXPORT EnumerationPairData {
     // Throws std::logic_error for a null text.
     EnumerationPairData(const char* value, const std::string& label);
 
-    // True when the pair is of that type and the values are equal (floats exactly, texts byte by byte).
+    // True when the pair is of that type and the values are equal (floats exactly, texts byte by byte). A null text
+    // equals none.
     bool matches(std::uint32_t value) const;
     bool matches(float value) const;
     bool matches(const char* value) const;
 
-    // The type of pair that suits a logic code; NONE, with a warning in the log, for a code without labels.
+    // The type of pair that suits a logic code. NONE, with a warning in the log, for a code without labels and for
+    // code 9, although its labels are looked up like those of the other enumerations (LogicCodeRow::labelType).
     static EnumerationType GetTypeFromLogicCode(LogicCodeIdentifier logicCode);
 
     std::string mLabel;        // what the raw value stands for
@@ -47,5 +49,9 @@ struct KZM_MODBUS_EXPORT EnumerationPairData {
     std::string mStringValue;  // of STRING
     EnumValue mValue;          // of UNSIGNED_INTEGER and FLOAT; 0 for STRING
 };
+
+// Orders pairs by type, value and label, e.g. for a std::set. NaN has a place, too: after or before all other floats,
+// by its sign.
+KZM_MODBUS_EXPORT bool operator<(const EnumerationPairData& left, const EnumerationPairData& right);
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -7,29 +7,43 @@
 
 namespace kzm::ModbusDeviceModel::DeviceProfile {
 
+namespace {
+
+bool PointsIntoOwnList(const FrameData& frame) {
+    return frame.mKind == FrameKind::ADDRESS_LIST && frame.mAddress.mAddresses == frame.mAddressList.data();
+}
+
+void PointIntoOwnList(FrameData& frame) {
+    frame.mAddress = RegisterAddress(frame.mAddressList.data());
+}
+
+void Clear(FrameData& frame) {
+    frame.mLength = 0;
+    frame.mAddressList.clear();
+    if (frame.mKind == FrameKind::ADDRESS_LIST) {
+        PointIntoOwnList(frame);
+    } else {
+        frame.mAddress = RegisterAddress(std::uint16_t{0});
+    }
+}
+
+}  // namespace
+
 FrameData::FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter, std::uint16_t length,
                      std::uint16_t startAddress)
-    : mFunctionCode(functionCode),
-      mFlag(flag),
-      mSignedParameter(signedParameter),
-      mLength(length),
-      mAddress(startAddress),
-      mKind(FrameKind::CONTIGUOUS) {}
+    : FrameDescription{functionCode,         flag, signedParameter, length, RegisterAddress(startAddress),
+                       FrameKind::CONTIGUOUS} {}
 
 FrameData::FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter, std::uint16_t length,
                      const std::uint16_t* addresses)
-    : mFunctionCode(functionCode),
-      mFlag(flag),
-      mSignedParameter(signedParameter),
-      mLength(length),
-      mAddress(addresses),
-      mKind(FrameKind::ADDRESS_LIST) {}
+    : FrameDescription{functionCode,           flag, signedParameter, length, RegisterAddress(addresses),
+                       FrameKind::ADDRESS_LIST} {}
 
 FrameData::FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter, std::uint16_t length,
                      const std::vector<std::uint16_t>& addresses)
     : FrameData(functionCode, flag, signedParameter, length, nullptr) {
     mAddressList = addresses;
-    PointIntoOwnList();
+    PointIntoOwnList(*this);
 }
 
 FrameData::FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter)
@@ -43,32 +57,15 @@ FrameData::FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t si
     mSecondExtraParameter = secondExtraParameter;
 }
 
-FrameData::FrameData(const FrameData& other)
-    : mFunctionCode(other.mFunctionCode),
-      mFlag(other.mFlag),
-      mSignedParameter(other.mSignedParameter),
-      mLength(other.mLength),
-      mAddress(other.mAddress),
-      mKind(other.mKind),
-      mFirstExtraParameter(other.mFirstExtraParameter),
-      mSecondExtraParameter(other.mSecondExtraParameter),
-      mAddressList(other.mAddressList) {
-    if (other.PointsIntoOwnList()) {
-        PointIntoOwnList();
+FrameData::FrameData(const FrameData& other) : FrameDescription(other), mAddressList(other.mAddressList) {
+    if (PointsIntoOwnList(other)) {
+        PointIntoOwnList(*this);
     }
 }
 
 FrameData::FrameData(FrameData&& other) noexcept
-    : mFunctionCode(other.mFunctionCode),
-      mFlag(other.mFlag),
-      mSignedParameter(other.mSignedParameter),
-      mLength(other.mLength),
-      mAddress(other.mAddress),
-      mKind(other.mKind),
-      mFirstExtraParameter(other.mFirstExtraParameter),
-      mSecondExtraParameter(other.mSecondExtraParameter),
-      mAddressList(std::move(other.mAddressList)) {
-    other.Clear();
+    : FrameDescription(other), mAddressList(std::move(other.mAddressList)) {
+    Clear(other);
 }
 
 FrameData& FrameData::operator=(const FrameData& other) {
@@ -80,16 +77,9 @@ FrameData& FrameData::operator=(const FrameData& other) {
 
 FrameData& FrameData::operator=(FrameData&& other) noexcept {
     if (this != &other) {
-        mFunctionCode = other.mFunctionCode;
-        mFlag = other.mFlag;
-        mSignedParameter = other.mSignedParameter;
-        mLength = other.mLength;
-        mAddress = other.mAddress;
-        mKind = other.mKind;
-        mFirstExtraParameter = other.mFirstExtraParameter;
-        mSecondExtraParameter = other.mSecondExtraParameter;
+        FrameDescription::operator=(other);
         mAddressList = std::move(other.mAddressList);
-        other.Clear();
+        Clear(other);
     }
     return *this;
 }
@@ -115,26 +105,8 @@ kz::orba::StatusCode FrameData::AddAddressesToFrame(std::uint16_t first, std::ui
         }
     }
     mLength = static_cast<std::uint16_t>(mAddressList.size());
-    PointIntoOwnList();
+    PointIntoOwnList(*this);
     return status;
-}
-
-bool FrameData::PointsIntoOwnList() const {
-    return mKind == FrameKind::ADDRESS_LIST && mAddress.mAddresses == mAddressList.data();
-}
-
-void FrameData::PointIntoOwnList() {
-    mAddress = RegisterAddress(mAddressList.data());
-}
-
-void FrameData::Clear() {
-    mLength = 0;
-    mAddressList.clear();
-    if (mKind == FrameKind::ADDRESS_LIST) {
-        PointIntoOwnList();
-    } else {
-        mAddress = RegisterAddress(std::uint16_t{0});
-    }
 }
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

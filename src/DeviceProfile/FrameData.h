@@ -18,14 +18,27 @@ enum class FrameKind : std::uint32_t {
     CONTIGUOUS_WITH_PARAMETERS = 2,  // a range, with two extra parameters
 };
 
-// One Modbus request that the gateway issues cyclically: a function code and a set of registers. The flag, the signed
-// parameter and the two extra parameters mean something to whoever built the frame; they are kept and passed on.
+// What a frame is, but for a list of addresses of its own. The flag, the signed parameter and the two extra parameters
+// mean something to whoever built the frame; they are kept and passed on.
+struct FrameDescription {
+    // Second extra parameter of a frame without one.
+    static constexpr std::uint32_t NO_SECOND_PARAMETER = 0xFFFFFFFF;
+
+    ModbusFunctionCode mFunctionCode;                           // with which it is read
+    bool mFlag;                                                 // the builder's
+    std::int16_t mSignedParameter;                              // the builder's
+    std::uint16_t mLength;                                      // registers (for a scattered frame: addresses)
+    RegisterAddress mAddress;                                   // first register, or the addresses
+    FrameKind mKind;                                            // which of the two
+    std::uint32_t mFirstExtraParameter = 0;                     // the builder's
+    std::uint32_t mSecondExtraParameter = NO_SECOND_PARAMETER;  // the builder's
+};
+
+// One Modbus request that the gateway issues cyclically: a function code and a set of registers.
 //
 // A copy points into its own address list where the original points into its own; a pointer to a caller's array is
 // copied as it is. A moved-from frame is empty. Frames are read by many threads once the device model is built.
-struct KZM_MODBUS_EXPORT FrameData {
-    // Second extra parameter of a frame without one.
-    static constexpr std::uint32_t NO_SECOND_PARAMETER = 0xFFFFFFFF;
+struct KZM_MODBUS_EXPORT FrameData : FrameDescription {
     // Most addresses that AddAddressesToFrame puts into one frame.
     static constexpr std::size_t MAX_LISTED_ADDRESSES = 100;
 
@@ -44,7 +57,7 @@ struct KZM_MODBUS_EXPORT FrameData {
     FrameData(ModbusFunctionCode functionCode, bool flag, std::int16_t signedParameter, std::uint16_t length,
               std::uint16_t startAddress, std::uint32_t firstExtraParameter, std::uint32_t secondExtraParameter);
 
-    // See above for what becomes of the address list.
+    // As told above.
     FrameData(const FrameData& other);
     FrameData(FrameData&& other) noexcept;
     FrameData& operator=(const FrameData& other);
@@ -55,25 +68,12 @@ struct KZM_MODBUS_EXPORT FrameData {
     // duplicates. A list that is not sorted yet is sorted and freed of duplicates first; a frame over a caller's array
     // starts from an empty list. Only while the model is assembled, by one thread.
     //
-    // 0: all are in the list. 28, frame not scattered: nothing is changed. 28, list full: those that fitted are in the
-    // list. 64, range past register 65535: nothing is added. Length and address follow the list in every case but the
-    // first of the two 28s.
+    // SUCCESS: all are in the list. OUT_OF_RANGE: the frame is not scattered, nothing is changed; or the list is full,
+    // those that fitted are in it. ADDRESS_OVERFLOW: the range goes past register 65535, nothing is added. Length and
+    // address follow the list in every case but the first OUT_OF_RANGE. Nothing is logged.
     kz::orba::StatusCode AddAddressesToFrame(std::uint16_t first, std::uint16_t count);
 
-    ModbusFunctionCode mFunctionCode;                           // with which it is read
-    bool mFlag;                                                 // the builder's
-    std::int16_t mSignedParameter;                              // the builder's
-    std::uint16_t mLength;                                      // registers (for a scattered frame: addresses)
-    RegisterAddress mAddress;                                   // first register, or the addresses
-    FrameKind mKind;                                            // which of the two
-    std::uint32_t mFirstExtraParameter = 0;                     // the builder's
-    std::uint32_t mSecondExtraParameter = NO_SECOND_PARAMETER;  // the builder's
-    std::vector<std::uint16_t> mAddressList;                    // of a scattered frame with addresses of its own
-
-private:
-    bool PointsIntoOwnList() const;
-    void PointIntoOwnList();
-    void Clear();
+    std::vector<std::uint16_t> mAddressList;  // of a scattered frame with addresses of its own
 };
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -4,8 +4,8 @@
 
 namespace kzm::ModbusDeviceModel {
 
-// How the raw registers of an element become a value. The codes 0 to 62 have a meaning, told row by row in
-// DeviceProfile/LogicCodeTable.h and, for authors of device profiles, in docs/profile.md.
+// How the raw registers of an element become a value. DeviceProfile/LogicCodeTable.h gives the properties of every code
+// that has a meaning; docs/profile.md explains them to authors of device profiles.
 enum class LogicCodeIdentifier : std::uint8_t {};
 
 }  // namespace kzm::ModbusDeviceModel

@@ -188,7 +188,7 @@ TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeAndChain) {
         }
         EXPECT_EQ(Written(problems), "") << example;
     }
-    for (const auto& row : ModbusDeviceModel::DeviceProfile::LogicCodeRows::TABLE) {
+    for (const auto& row : ModbusDeviceModel::DeviceProfile::LogicCodeRows()) {
         EXPECT_NE(reference.find("`" + std::string(row.name) + "`"), std::string::npos) << row.name;
     }
     for (const auto& row : AllChains()) {

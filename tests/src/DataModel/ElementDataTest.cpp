@@ -37,22 +37,25 @@ TEST(ElementData, WordsAreSwappedByTheElementElseByTheDeviceElseByTheCode) {
         int code, order;
         bool deviceBigEndian;
         const char *bytes, *expected;
-    } ROWS[] = {{14, 0, true, "00010002", "u65538"},
-                {14, 0, false, "00010002", "u131073"},
-                {14, 1, false, "00010002", "u65538"},
-                {14, 2, false, "00010002", "u65538"},
-                {14, 3, true, "00010002", "u131073"},
-                {14, -5, false, "00010002", "u65538"},
-                {2, 3, true, "0102", "u258"},
-                {27, 3, true, "000100020003", "u12885032961"},
-                {27, 3, true, "0001000200030004", "u1125912791875585"},
-                {51, 0, true, "00010002", "i20001"},
-                {51, 0, false, "00010002", "i20001"},
-                {51, 3, false, "00010002", "i20001"},
-                {60, 3, true, "C0200000", "f-2.5"}};
+        bool swaps;
+    } ROWS[] = {{14, 0, true, "00010002", "u65538", false},
+                {14, 0, false, "00010002", "u131073", true},
+                {14, 1, false, "00010002", "u65538", false},
+                {14, 2, false, "00010002", "u65538", false},
+                {14, 3, true, "00010002", "u131073", true},
+                {14, -5, false, "00010002", "u65538", false},
+                {2, 3, true, "0102", "u258", true},
+                {27, 3, true, "000100020003", "u12885032961", true},
+                {27, 3, true, "0001000200030004", "u1125912791875585", true},
+                {51, 0, true, "00010002", "i20001", true},
+                {51, 0, false, "00010002", "i20001", true},
+                {51, 3, false, "00010002", "i20001", true},
+                {60, 3, true, "C0200000", "f-2.5", true}};
     for (const auto& row : ROWS) {
         EXPECT_EQ(Decode({.code = row.code, .order = order(row.order)}, row.bytes, row.deviceBigEndian), row.expected)
             << "code " << row.code << ", order " << row.order << ", device " << row.deviceBigEndian;
+        const auto element = MakeElement({.code = row.code, .order = order(row.order)});
+        EXPECT_EQ(element.MustSwapWords(row.deviceBigEndian), row.swaps) << "code " << row.code;
         EXPECT_EQ(MakeElement({.order = order(row.order)}).IsLocalEndianessIsBigEndian(), row.order != 3);
     }
     EXPECT_TRUE(MakeElement({.code = 21}).IsLogicCodeManageInLittleEndian(LogicCodeIdentifier{2}));
@@ -85,6 +88,21 @@ TEST(ElementData, TheNotAvailablePatternIsComparedAfterTheSwapAndBeforeTheMask) 
     EXPECT_EQ(Decode({.pattern = "0x01ZZ"}, "0002"), "u2");
     EXPECT_THROW(Decode({.pattern = "0xZZ00"}, "0002"), std::invalid_argument);
     EXPECT_THROW(Decode({.pattern = "0x01ZZ"}, "0102"), std::invalid_argument);
+}
+
+TEST(ElementData, TheBufferIsLeftSwappedAndMaskedAlsoWhereItMatchesThePattern) {
+    const std::pair<const char*, const char*> rows[] = {{"80001234", "80000230"}, {"FFFFFFFE", "F0000FF0"}};
+    for (const auto& [pattern, expected] : rows) {
+        auto element = MakeElement(
+            {.code = 14, .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS, .mask = "F0000FF0", .pattern = "0x80001234"});
+        Bytes bytes = Hex(pattern);
+        ElementData::WordSwap(bytes.data(), 4);
+        bool invalid = false;
+        json value = "before";
+        EXPECT_TRUE(element.Build(bytes.data(), 4, true, 0, invalid, value, nullptr));
+        EXPECT_EQ(invalid, value.is_null()) << pattern;
+        EXPECT_EQ(bytes, Hex(expected)) << pattern;
+    }
 }
 
 TEST(ElementData, BytesThatCannotBeDecodedAreRefused) {

@@ -1,7 +1,6 @@
 #include "DataModel/ExtendedElementData.h"
 
 #include "DataModel/IValueProcesser.h"
-#include "DataModel/LogicCodeDependency.h"
 #include "src/TestElement.h"
 
 namespace kzm::ModbusDeviceModel::Test {
@@ -53,7 +52,7 @@ TEST(ExtendedElementData, TakesTheBytesAsTheyWereReadWhateverOrderAndMask) {
     EXPECT_EQ(Extended({.code = 14, .mask = "00000000", .registers = 2}, "00010002"), "u65538");
     EXPECT_EQ(Extended({.code = 34, .registers = 4}, "0000000000010002"), "f65538.0");
     EXPECT_EQ(Extended({.code = 2}, ""), "refused");
-    EXPECT_EQ(Extended({.code = 63}, "0001"), "refused");
+    EXPECT_EQ(Extended({.code = 255}, "0001"), "refused");
     const StandIn::CapturedLog quiet(Log::OrbaLogLevel::NONE);
     EXPECT_EQ(Extended({.code = 2, .mask = "FF"}, "0001"), "refused!");
     const auto element = MakeExtended({});
@@ -93,16 +92,42 @@ TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) 
                 {{}, NAN, "null!"}};
     for (const auto& row : ROWS) {
         for (const int code : {34, 35, 36, 37}) {
+            const CapturedLog log;
             Answers answers(row.answers);
             EXPECT_EQ(Extended({.code = code, .scale = row.scale, .registers = 2}, "00003039", &answers), row.expected)
                 << json(row.answers) << " " << row.scale;
             EXPECT_EQ(answers.asked, "a=1 b=\"default\" ");
         }
     }
+    // A text is a number with blanks around it, or no answer.
+    for (const char* const text : {"2", "+2", " 2", "2 ", "\t+2.0 ", "0.2e1"}) {
+        Answers answers(std::map<std::string, json>{{"b", text}});
+        EXPECT_EQ(Extended({.code = 34}, "0007", &answers), "f700.0") << text;
+    }
+    const json noAnswers[] = {"",    " ",   "3abc", "0x3",    "inf",     "-inf", "nan",
+                              "+-3", "+ 3", "3 3",  INFINITY, -INFINITY, NAN,    "1e999"};
+    for (const json& answer : noAnswers) {
+        CapturedLog log;
+        Answers answers({{"a", -1}, {"b", answer}});
+        EXPECT_EQ(Extended({.code = 34}, "0007", &answers), "f0.7") << answer;
+        ASSERT_EQ(log.Lines().size(), 1U) << answer;
+        EXPECT_EQ(log.Texts(OrbaLogLevel::WARNING).at(0), "[DataModel::ExtendedElementData] [Build] Exponent " +
+                                                              answer.dump() + " is not a finite number and is ignored");
+    }
     Answers answers({{"a", 2}});
     EXPECT_EQ(Extended({.code = 8, .scale = 0.5}, "0003", &answers), "f1.5");
     EXPECT_NE(answers.asked, "");
     EXPECT_EQ(Extended({.code = 36, .registers = 4}, "FFFFFFFFFFFFFFFF"), "f1.8446744073709552e+19");
+}
+
+TEST(ExtendedElementData, APowerIsComputedFromARecordAlone) {
+    DataModel::myData data;
+    data.SetUnsigned(7);
+    json value;
+    for (const auto& [exponent, expected] : {std::pair(-2.0, 0.07), {0.0, 7.0}, {3.0, 7000.0}}) {
+        MakeExtended({}).OperateScaledPower(data, value, exponent, 1.0);
+        EXPECT_EQ(value, expected) << exponent;
+    }
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

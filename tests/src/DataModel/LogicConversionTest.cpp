@@ -1,5 +1,7 @@
 #include <cmath>
 
+#include "DataModel/RawRecord.h"
+#include "DeviceProfile/LogicCodeTable.h"
 #include "src/TestElement.h"
 
 namespace kzm::ModbusDeviceModel::Test {
@@ -122,7 +124,7 @@ TEST(LogicConversion, NumbersThatAreTexts) {
 
 // clang-format on
 TEST(LogicConversion, CodesWithoutConversionAreRefused) {
-    for (const int code : {34, 35, 36, 37, 63, 200, 255}) {
+    for (const int code : {34, 35, 36, 37, 200, 255}) {
         EXPECT_EQ(Decode({.code = code}, "0001"), "refused") << code;
     }
 }
@@ -151,6 +153,13 @@ TEST(LogicConversion, AnEnumerationGivesTheFirstLabelThatMatches) {
     EXPECT_EQ(Decode({.code = 12, .mask = "00030000", .pairs = pairs}, "0001FFFF"), "\"one\"");
     EXPECT_EQ(Decode({.code = 1, .mask = "0000"}, "FFFF"), "\"0\"");
     EXPECT_EQ(Decode({.code = 11, .mask = "80000000"}, "FFFFFFFF"), "\"1\"");
+    // A mask shorter than the number is as wide as the data; one of the number's width is taken as it is.
+    const auto trip = std::make_shared<Pairs>(Pairs{{0U, "Off"}, {5U, "Trip"}});
+    EXPECT_EQ(Decode({.code = 11, .mask = "FFFF", .pairs = trip}, "0005"), "\"Trip\"");
+    EXPECT_EQ(Decode({.code = 12, .mask = "FFFF00", .pairs = trip}, "0005"), "\"Trip\"");
+    EXPECT_EQ(Decode({.code = 11, .mask = "00F0", .pairs = trip}, "FF5F"), "\"Trip\"");
+    EXPECT_EQ(Decode({.code = 1, .mask = "F0", .pairs = trip}, "5F"), "\"Trip\"");
+    EXPECT_EQ(Decode({.code = 11, .mask = "FFFF0000", .pairs = trip}, "0005"), "\"Off\"");
     // Without pairs the number itself.
     EXPECT_EQ(Decode({.code = 0, .mask = "0F00"}, "1234"), "\"2\"");
     EXPECT_EQ(Decode({.code = 9}, "FFFF"), "\"65535\"");
@@ -174,6 +183,48 @@ TEST(LogicConversion, FloatAndTextPairsMatchExactly) {
     EXPECT_EQ(Decode({.code = 61, .pairs = texts}, "4142434445"), "null!");  // all 64 bits count
     EXPECT_EQ(Decode({.code = 42, .mask = "00FF00FF", .pairs = texts}, "99419942"), "\"alpha\"");
     EXPECT_EQ(Decode({.code = 42}, "4142"), "null");
+}
+
+// Calls what derived classes may call.
+struct Encoder : ElementData {
+    explicit Encoder(const Traits& traits) : ElementData(MakeElement(traits)) {}
+    template <typename T>
+    std::string Encode(std::uint64_t raw, bool invalid) {
+        myData data;
+        data.SetUnsigned(raw);
+        const json label = EncodeEnumValue<T>(data, invalid);
+        return Typed(label) + (invalid ? "!" : "");
+    }
+};
+
+TEST(LogicConversion, ANumberWithoutPairsIsTextOnlyForEnumerationsOfNumbers) {
+    for (const int code : {0, 1, 9, 11, 12, 23}) {
+        EXPECT_EQ(Encoder({.code = code}).Encode<unsigned short>(5, false), "\"5\"") << code;
+        EXPECT_EQ(Encoder({.code = code}).Encode<unsigned int>(70000, true), "\"70000\"!") << code;
+    }
+    for (const int code : {2, 10, 31, 42, 53, 61, 255}) {
+        EXPECT_EQ(Encoder({.code = code}).Encode<unsigned char>(5, false), "null") << code;
+    }
+    EXPECT_EQ(Encoder({.code = 30}).Encode<float>(0x3F000000, false), "\"0.5\"");
+    EXPECT_EQ(Encoder({.code = 30}).Encode<float>(0x7FC00000, false), "null!");
+    const auto pairs = std::make_shared<Pairs>(Pairs{{5U, ""}});
+    EXPECT_EQ(Encoder({.code = 9, .pairs = pairs}).Encode<unsigned short>(5, false), "\"\"!");
+    EXPECT_EQ(Encoder({.code = 9, .pairs = pairs}).Encode<unsigned short>(6, false), "null!");
+}
+
+TEST(LogicConversion, ScaleAndOffsetChangeTheValuesOfTheFamiliesThatAreScaled) {
+    for (const auto& row : DeviceProfile::LogicCodeRows()) {
+        const auto decode = [&](double scale, float offset) {
+            return Decode({.code = row.code, .scale = scale, .offset = offset, .registers = row.maxRegisters},
+                          row.view == DeviceProfile::RawView::FLOAT ? "3F000000" : "0001000100010001");
+        };
+        const auto scaling = DeviceProfile::ScalingOf(row.family);
+        if (scaling != DeviceProfile::Scaling::FACTOR) {
+            const bool isScaled = scaling == DeviceProfile::Scaling::FACTOR_AND_OFFSET;
+            EXPECT_EQ(decode(1, 0) != decode(0, 0), isScaled) << row.name;
+            EXPECT_EQ(decode(0, 0) != decode(0, 3), isScaled) << row.name;
+        }
+    }
 }
 
 // clang-format off

@@ -37,6 +37,12 @@ TEST(TextDecoding, AnInvalidSequenceKeepsTheLengthThatItsLeadByteAnnounces) {
         EXPECT_EQ(ElementData::CheckUTF8Validity(text, position, length), isValid) << bytes;
         EXPECT_EQ(length, expected) << bytes;
     }
+    std::string text = "A";
+    for (unsigned position : {1U, 2U, 0xFFFFFFFFU}) {
+        unsigned length = 0;
+        EXPECT_FALSE(ElementData::CheckUTF8Validity(text, position, length)) << position;
+        EXPECT_EQ(length, 1U) << position;
+    }
 }
 
 TEST(DateTimeDecoding, UlpGivesSecondsSince1970AndNanoseconds) {

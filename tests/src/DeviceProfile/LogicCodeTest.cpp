@@ -2,7 +2,7 @@
 
 #include "Device/CustomMeasureClassName.h"
 #include "DeviceCache/Quality.h"
-#include "DeviceProfile/EnumerationPairData.h"
+#include "DeviceProfile/LogicCodeTable.h"
 #include "kzm/StandIn/CapturedLog.h"
 
 namespace kzm::ModbusDeviceModel::DeviceProfile {
@@ -38,12 +38,40 @@ TEST(LogicCode, TheClassNameFollowsTheKindOfValue) {
         return std::string("$iot.measurement.DiscreteMeasurementValue") +
                (code >= 44 && code <= 48 ? "<DateTime>" : "<String>");
     };
-    for (int code = 0; code < 256; ++code) {
-        std::string name = "before";
-        const auto status =
-            Device::CustomMeasureClassName::GetClassNameForLogicCode(static_cast<LogicCodeIdentifier>(code), name);
-        EXPECT_EQ(static_cast<int>(status), code < 63 ? 0 : 44) << code;
-        EXPECT_EQ(name, code < 63 ? expected(code) : "before") << code;
+    std::string name = "before";
+    const auto statusOf = [&](int code) {
+        return static_cast<int>(
+            Device::CustomMeasureClassName::GetClassNameForLogicCode(static_cast<LogicCodeIdentifier>(code), name));
+    };
+    EXPECT_EQ(statusOf(static_cast<int>(LogicCodeRows().size())), 44);
+    EXPECT_EQ(statusOf(255), 44);
+    EXPECT_EQ(name, "before");
+    for (int code = 0; code < 63; ++code) {
+        EXPECT_EQ(statusOf(code), 0) << code;
+        EXPECT_EQ(name, expected(code)) << code;
+    }
+}
+
+TEST(LogicCode, EachHasItsRowAndAnotherHasNoConversion) {
+    for (const auto& row : LogicCodeRows()) {
+        EXPECT_EQ(&RowOf(LogicCodeIdentifier{row.code}), &row);
+        EXPECT_NE(row.family, Family::NONE) << row.name;
+    }
+    const auto& unknown = RowOf(LogicCodeIdentifier{255});
+    EXPECT_EQ(unknown.family, Family::NONE);
+    EXPECT_EQ(unknown.valueClass, ValueClass::NONE);
+    EXPECT_EQ(unknown.name, "");
+    EXPECT_EQ(RowOf(LogicCodeIdentifier{9}).labelType, EnumerationType::UNSIGNED_INTEGER);
+}
+
+TEST(EnumerationPairData, AreOrderedByTypeValueAndLabel) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<EnumerationPairData> sorted{{2U, "b"},   {2U, "c"},  {10U, "a"}, {-1.0F, "z"}, {0.5F, "a"},
+                                                  {0.5F, "b"}, {nan, "a"}, {"", "z"},  {"a", "b"},   {"b", "a"}};
+    for (std::size_t left = 0; left < sorted.size(); ++left) {
+        for (std::size_t right = 0; right < sorted.size(); ++right) {
+            EXPECT_EQ(sorted[left] < sorted[right], left < right) << left << " " << right;
+        }
     }
 }
 
@@ -53,6 +81,7 @@ TEST(EnumerationPairData, MatchesItsOwnTypeExactly) {
     EXPECT_FALSE(number.matches(2U) || number.matches(1.0F) || number.matches("1"));
     EXPECT_FALSE(real.matches(0.100001F) || real.matches(0U) || real.matches(""));
     EXPECT_FALSE(text.matches("ab") || text.matches("") || empty.matches("a") || empty.matches(0U));
+    EXPECT_FALSE(text.matches(nullptr) || empty.matches(nullptr) || number.matches(nullptr));
     EXPECT_THROW(EnumerationPairData(static_cast<const char*>(nullptr), "label"), std::logic_error);
 }
 

@@ -9,7 +9,8 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// The range of an output type, both ends included. Integers of 64 bits end at a double that is no such integer.
+// The range of an output type, both ends included. The upper end of a 64-bit integer type is the double just above its
+// largest number.
 struct OutputRange {
     double low;
     double high;
@@ -44,7 +45,7 @@ constexpr OutputRange RangeOf(DeviceProfile::Output output) {
     return {1, 0};
 }
 
-// The upper end of the range does not fit the integer type and becomes the largest number that does.
+// The upper end of the range, which the integer type cannot hold, becomes the largest number that it can.
 template <typename Integer>
 Integer RoundTo(double number, double end) {
     return number >= end ? std::numeric_limits<Integer>::max() : static_cast<Integer>(std::round(number));
@@ -76,7 +77,7 @@ inline nlohmann::json Emit(DeviceProfile::Output output, double number) {
     return nullptr;
 }
 
-// Floating point without a range of its own; null for what is not finite.
+// Floating point without a range; null for a number that is not finite.
 inline nlohmann::json EmitFinite(double number) {
     if (!std::isfinite(number)) {
         return nullptr;
