@@ -11,8 +11,8 @@ class IValueProcesser {
 public:
     virtual ~IValueProcesser() = default;
 
-    // Puts the value of the element `name` into `value`, which comes in as the dependency's own default. False when
-    // there is none; `value` is then not used.
+    // Sets `value`, which holds the dependency's default, to the value of the element `name`. False if there is none;
+    // `value` is then not used.
     virtual bool GetValue(const std::string& name, nlohmann::json& value) = 0;
 };
 

@@ -5,11 +5,11 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// An element whose value another element's decoding needs, named by (name, alias), and the value it has by default.
+// Another element whose value an element needs for its decoding.
 struct LogicCodeDependency {
     std::string name;      // of the element
     std::string alias;     // of the element
-    nlohmann::json value;  // by default
+    nlohmann::json value;  // with which the value processor is asked
 };
 
 }  // namespace kzm::ModbusDeviceModel::DataModel

@@ -16,9 +16,9 @@ enum class EnumerationType : std::uint32_t {
     NONE = 3,
 };
 
-// One raw value of a register and the label that it stands for. Immutable once shared; read by many threads.
+// One raw value of an element and its label. Immutable once shared; read by many threads.
 struct KZM_MODBUS_EXPORT EnumerationPairData {
-    // A raw value; the pair's type tells which member holds.
+    // A raw value; the pair's type tells which member is set.
     union EnumValue {
         std::uint32_t mUnsigned;  // of UNSIGNED_INTEGER
         float mFloat;             // of FLOAT
@@ -44,8 +44,8 @@ struct KZM_MODBUS_EXPORT EnumerationPairData {
     // code 9, although its labels are looked up like those of the other enumerations (LogicCodeRow::labelType).
     static EnumerationType GetTypeFromLogicCode(LogicCodeIdentifier logicCode);
 
-    std::string mLabel;        // what the raw value stands for
-    EnumerationType mType;     // which of the following holds the raw value
+    std::string mLabel;        // the raw value's meaning
+    EnumerationType mType;     // which of the following members holds the raw value
     std::string mStringValue;  // of STRING
     EnumValue mValue;          // of UNSIGNED_INTEGER and FLOAT; 0 for STRING
 };

@@ -24,12 +24,12 @@ struct FrameDescription {
     // Second extra parameter of a frame without one.
     static constexpr std::uint32_t NO_SECOND_PARAMETER = 0xFFFFFFFF;
 
-    ModbusFunctionCode mFunctionCode;                           // with which it is read
+    ModbusFunctionCode mFunctionCode;                           // of the read request
     bool mFlag;                                                 // the builder's
     std::int16_t mSignedParameter;                              // the builder's
     std::uint16_t mLength;                                      // registers (for a scattered frame: addresses)
     RegisterAddress mAddress;                                   // first register, or the addresses
-    FrameKind mKind;                                            // which of the two
+    FrameKind mKind;                                            // which of the two mAddress is
     std::uint32_t mFirstExtraParameter = 0;                     // the builder's
     std::uint32_t mSecondExtraParameter = NO_SECOND_PARAMETER;  // the builder's
 };

@@ -4,7 +4,7 @@
 
 namespace kzm::ModbusDeviceModel {
 
-// Function code of a frame, numbered as in the Modbus Application Protocol. Any number is carried through unchanged.
+// Function code of a frame, numbered as in the Modbus Application Protocol. Any other number is passed on unchanged.
 enum class ModbusFunctionCode : std::uint32_t {
     READ_COILS = 1,
     READ_DISCRETE_INPUTS = 2,

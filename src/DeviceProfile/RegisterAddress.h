@@ -4,7 +4,7 @@
 
 namespace kzm::ModbusDeviceModel::DeviceProfile {
 
-// Where the registers of a frame stand on the device. Which of the two members holds is told by the frame's kind.
+// Where the registers of a frame are on the device. The frame's kind tells which member is set.
 union RegisterAddress {
     std::uint16_t mAddress;           // first register of a contiguous range, 0 to 65535
     const std::uint16_t* mAddresses;  // one address per register of a scattered frame; not owned

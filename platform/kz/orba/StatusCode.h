@@ -7,7 +7,7 @@
 
 namespace kz::orba {
 
-// Result of an operation of the platform. Any number can be carried; these are the ones that have a text here.
+// Result of an operation of the platform. It can hold any number; those with a text are named here.
 enum class StatusCode : std::int32_t {
     OK = 0,
     INVALID_ARGUMENT = 1,

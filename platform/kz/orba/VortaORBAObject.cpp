@@ -9,7 +9,7 @@ VortaORBAObject::VortaORBAObject(std::string id, std::string name, std::string a
 
 void VortaORBAObject::AddOrUpdateAttributeToValue(const std::string& key, nlohmann::json value) {
     if (mValue.is_null()) {
-        // Not left to operator[], which for lack of memory leaves an object without its map.
+        // operator[] would leave an object without its map when memory runs out.
         mValue = nlohmann::json::object();
     }
     mValue[key] = std::move(value);

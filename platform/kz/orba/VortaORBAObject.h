@@ -7,11 +7,11 @@
 
 namespace kz::orba {
 
-// One object of the data model: what it is called, and its JSON value, which is changed in place.
-// Not synchronised: one object belongs to one thread at a time.
+// One object of the data model: its names and its JSON value, which is changed in place. Not synchronised: used by one
+// thread at a time.
 class KZM_PLATFORM_EXPORT VortaORBAObject {
 public:
-    // The value may be any JSON, null too.
+    // The value may be any JSON, including null.
     VortaORBAObject(std::string id, std::string name, std::string alias, nlohmann::json value);
 
     // What the constructor was given; the value is changed in place.
@@ -21,8 +21,8 @@ public:
     nlohmann::json& GetValue() { return mValue; }
     const nlohmann::json& GetValue() const { return mValue; }
 
-    // Sets one top-level attribute. A null value becomes an object first; any other value that is no object makes the
-    // JSON library throw type_error 305 and stays as it was.
+    // Sets one top-level attribute. A null value becomes an object first. Any other value that is not an object is left
+    // as it is, and the JSON library throws type_error 305.
     void AddOrUpdateAttributeToValue(const std::string& key, nlohmann::json value);
 
 private:

@@ -18,8 +18,8 @@ struct State {
     RootLogger::Sink sink;
 };
 
-// Never destroyed: static objects of other files may log while the process ends. Not on the heap: the first line may
-// tell that there is no memory.
+// Never destroyed, because static objects of other files may log while the process ends; not on the heap, because the
+// first line may report that memory has run out.
 State& GetState() {
     alignas(State) static std::byte place[sizeof(State)];
     static State& state = *new (place) State;
@@ -35,7 +35,7 @@ void Deliver(State& state, OrbaLogLevel level, const char* line) noexcept {
             std::fprintf(stderr, "%s\n", line);
         }
     } catch (...) {
-        // A line that cannot be delivered is lost; its writer goes on.
+        // The line is lost; whoever wrote it goes on.
     }
 }
 

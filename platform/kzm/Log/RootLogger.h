@@ -24,18 +24,18 @@ public:
     // Takes one line, without a line feed.
     using Sink = std::function<void(OrbaLogLevel level, const char* line)>;
 
-    // Makes the logger when it is first asked for.
+    // Creates the logger on the first call.
     static RootLogger& GetInstance();
 
     // WARNING when the process starts.
     OrbaLogLevel GetLevel() const { return mLevel.load(std::memory_order_relaxed); }
     void SetLevel(OrbaLogLevel level);
 
-    // Where lines go; an empty sink means standard error, which is also what the process starts with.
+    // Where lines go. Standard error when the process starts, and for an empty sink.
     void SetSink(Sink sink);
 
-    // Formats as std::printf does and hands the line to the sink; does nothing above the level. Never throws: an
-    // exception of the sink is dropped with its line, and without memory a long line is cut after 511 bytes.
+    // Formats as std::printf does and hands the line to the sink; does nothing for a level above the logger's. Never
+    // throws: an exception of the sink loses the line, and a long line is cut after 511 bytes when memory runs out.
     void Print(OrbaLogLevel level, const char* format, ...) __attribute__((format(printf, 3, 4)));
 
 private:

@@ -9,7 +9,7 @@ namespace {
 constexpr std::string_view DIGITS = "0123456789abcdef";
 constexpr char ESCAPE = '_';
 
-// Not std::isalnum, which asks the locale.
+// Not std::isalnum, which depends on the locale.
 bool Stands(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }

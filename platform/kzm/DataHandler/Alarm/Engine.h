@@ -4,7 +4,7 @@
 
 namespace kzm::DataHandler::Alarm {
 
-// The gateway's alarm engine, as far as others need to know it.
+// What others need to know of the gateway's alarm engine.
 class Engine {
 public:
     // How often the engine evaluates every alarm, in seconds.

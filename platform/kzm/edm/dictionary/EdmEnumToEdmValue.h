@@ -12,10 +12,10 @@ namespace kzm::edm::dictionary {
 // device profile. Thread-safe.
 class KZM_PLATFORM_EXPORT EdmEnumToEdmValue {
 public:
-    // NOT_FOUND for an unknown label; value is then left alone.
+    // NOT_FOUND for an unknown label; `value` is then left as it was.
     static kz::orba::StatusCode ConvertEdmEnumToEdmValue(const std::string& label, nlohmann::json& value);
 
-    // Makes a label known; a later call for the same label wins.
+    // Adds a label or replaces its value.
     static void SetLabel(const std::string& label, const nlohmann::json& value);
 };
 

@@ -12,12 +12,12 @@ namespace kzm::edm::dictionary {
 // filled by whoever loads a device profile. Thread-safe.
 class KZM_PLATFORM_EXPORT EdmEnumToIotValue {
 public:
-    // NOT_FOUND for a label that is unknown under the urn; value is then left alone. label and value may belong
-    // together.
+    // NOT_FOUND for a label that is unknown under the urn; `value` is then left as it was. `label` may be part of
+    // `value`.
     static kz::orba::StatusCode ConvertEdmEnumToIotValue(const std::string& urn, const std::string& label,
                                                          nlohmann::json& value);
 
-    // Makes a label known; a later call for the same urn and label wins.
+    // Adds a label or replaces its value.
     static void SetLabel(const std::string& urn, const std::string& label, const nlohmann::json& value);
 };
 

@@ -10,7 +10,7 @@
 
 namespace kzm::edm::dictionary {
 
-// Values of labels by scope, which many threads read while profiles are loaded. A look-up copies no key.
+// Values of labels by scope. Threads may look labels up while another adds some; a look-up copies no key.
 class LabelTable {
 public:
     kz::orba::StatusCode Find(const std::string& scope, const std::string& label, nlohmann::json& value) const {

@@ -29,7 +29,7 @@ constexpr Identification ELEMENTS[] = {
 };
 // clang-format on
 
-// Null where no element has the id in one of the members.
+// Null if no element has the id in one of the members.
 template <typename... Member>
 const Identification* Find(std::string_view id, Member... members) {
     const auto* found = std::find_if(std::begin(ELEMENTS), std::end(ELEMENTS),

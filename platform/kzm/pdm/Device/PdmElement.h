@@ -8,7 +8,7 @@ namespace kzm::pdm::Device {
 
 // The identification elements of a device. Each has an id in device profiles (the PDM id, e.g. "LPHD1_SerNum"), a short
 // id in the data model ("394"), a name in the data model ("PhysicalIdentification.SerialNumber") and a name in the PDM
-// ("SerialNumber"). Where an id is asked for, nothing is known of any other text. Thread-safe.
+// ("SerialNumber"). Every other text is an unknown id. Thread-safe.
 class KZM_PLATFORM_EXPORT PdmElement {
 public:
     // Whether the id is one of the dictionary, of either kind.

@@ -9,12 +9,12 @@ namespace kzm::StandIn {
 
 struct LogLine {
     Log::OrbaLogLevel level;
-    // Without the thread id: "[%lu]" in front is cut off, so that lines can be compared.
+    // Without the thread id ("[%lu]" in front), so that lines can be compared.
     std::string text;
 };
 
-// Catches the log lines of this process for the life of this object, up to a level. For tests. Read the lines while no
-// other thread logs.
+// Captures the log lines of this process up to a level, as long as this object lives. For tests. Read the lines only
+// while no other thread logs.
 class CapturedLog {
 public:
     explicit CapturedLog(Log::OrbaLogLevel level = Log::OrbaLogLevel::TRACE)

@@ -12,7 +12,7 @@ inline constexpr std::uint64_t RUNNING_CLOCK = ~std::uint64_t{0};
 // For tests and for the replay of captures. Thread-safe.
 KZM_PLATFORM_EXPORT void SetClock(std::uint64_t milliseconds);
 
-// Stops the clock for the life of this object.
+// Stops the clock as long as this object lives.
 class StoppedClock {
 public:
     explicit StoppedClock(std::uint64_t milliseconds) { SetClock(milliseconds); }
