@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "Device/ModbusMeasurementInformation.h"
 #include "DeviceCache/CacheReadAccessInterface.h"
+#include "DeviceProfile/ModbusMeasurementInformation.h"
 #include "Export.h"
 #include "kz/orba/StatusCode.h"
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "DataModel/ElementData.h"
-#include "Device/ModbusMeasurementInformation.h"
+#include "DeviceProfile/ModbusMeasurementInformation.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// What an element tells of how it is read. The function code is its frame's and the unit its object's: neither is set.
+// How an element is read from the device: its own settings. The function code belongs to its frame and the unit to its
+// object, so neither is set. Bitmask and enumeration pairs are shared with the element. Thread-safe.
 inline Device::ModbusMeasurementInformation MeasurementInformationOf(const ElementData& element) {
     Device::ModbusMeasurementInformation information;
     information.mRegisterAddress = element.GetDeviceRegister();

@@ -4,8 +4,8 @@
 #include <memory>
 #include <set>
 
-#include "Device/ModbusMeasurementInformation.h"
 #include "DeviceCache/CacheReadAccessInterface.h"
+#include "DeviceProfile/ModbusMeasurementInformation.h"
 #include "Export.h"
 #include "kz/orba/StatusCode.h"
 

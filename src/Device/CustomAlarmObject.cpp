@@ -1,5 +1,6 @@
 #include "Device/CustomAlarmObject.h"
 
+#include <new>
 #include <utility>
 
 #include "kzm/DateTime/DateTime.h"
@@ -30,7 +31,10 @@ const char* CriticalityOf(const std::string& priority) {
 }  // namespace
 
 CustomAlarmObject::CustomAlarmObject(json& value)
-    : mElements(FindMember(&value, "elements")), mDateTime(DateTime::DateTime::GetCalendarTime()), mQuality("") {}
+    : mElements(FindMember(&value, "elements")),
+      mMadeAt(DateTime::DateTime::GetRealTimeInMilliseconds()),
+      mDateTime(DateTime::DateTime::GetCalendarTime()),
+      mQuality("") {}
 
 bool CustomAlarmObject::HasState() const {
     return FindMember(mElements, STATE) != nullptr;
@@ -45,11 +49,24 @@ void CustomAlarmObject::WriteIdentity(const DataModel::ComputedAlarmElement& ala
 
 void CustomAlarmObject::WriteState(json&& state) {
     Write(STATE, "value", std::move(state));
+    UpdateDateTime();
     Write(STATE, "datetime", std::move(mDateTime));
 }
 
+// The text of the same millisecond is the same.
+void CustomAlarmObject::UpdateDateTime() {
+    if (DateTime::DateTime::GetRealTimeInMilliseconds() == mMadeAt) {
+        return;
+    }
+    try {
+        mDateTime.get_ref<std::string&>() = DateTime::DateTime::GetCalendarTime();
+    } catch (const std::bad_alloc&) {
+        // The earlier text is what memory allows.
+    }
+}
+
 void CustomAlarmObject::WriteQuality(DeviceCache::_Quality_t quality) {
-    // The texts are short enough for the string's own room.
+    // Every quality text fits into a string without allocation.
     mQuality.get_ref<std::string&>() = ConvertToString(quality);
     Write(STATE, "quality", std::move(mQuality));
 }

@@ -13,6 +13,10 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
+using DataModel::ElementData;
+using DataModel::VortaObjectAdapter;
+using DeviceProfile::FrameData;
+using kz::orba::StatusCode;
 using kz::orba::VortaExtensionModbus::Device::DeviceElementLookUp;
 
 namespace {
@@ -20,7 +24,7 @@ namespace {
 constexpr const char* LOG_MODULE = "Device::DeviceModel";
 constexpr const char* GENERIC_NUMERICAL_CLASS = "$iot.measurement.NumericalMeasurementValue";
 
-// False for an id without an alias where one belongs, and for an alias that cannot be decoded.
+// False for an id that lacks its alias and for an alias that cannot be decoded.
 bool SplitId(const std::string& id, std::string& name, std::string& alias) {
     try {
         return edm::modbus::Vorta::GetIoTNameAndAlias(id, name, alias) == Status::SUCCESS;
@@ -29,9 +33,69 @@ bool SplitId(const std::string& id, std::string& name, std::string& alias) {
     }
 }
 
+// A destructor cannot be unwound, so the thread is not cancelled while it prints the line.
+void LogDestruction() {
+    int state = PTHREAD_CANCEL_ENABLE;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    KZM_LOG(INFORMATION, "DeviceModel::~DeviceModel Called");
+    pthread_setcancelstate(state, nullptr);
+}
+
+// Null for an element that is in no frame and for an index past the frames.
+const FrameData* FrameAt(const std::vector<FrameData>& frames, std::uint8_t index) {
+    return index != ElementData::INVALID_FRAME_INDEX && index < frames.size() ? &frames[index] : nullptr;
+}
+
+void AddFrame(const std::vector<FrameData>& frames, std::uint8_t index, DeviceModel::Frames& found) {
+    if (const FrameData* const frame = FrameAt(frames, index)) {
+        found.emplace(index, frame);
+    }
+}
+
+void AddFrames(const std::vector<FrameData>& frames, const std::set<std::uint8_t>& indexes,
+               DeviceModel::Frames& found) {
+    for (const std::uint8_t index : indexes) {
+        AddFrame(frames, index, found);
+    }
+}
+
+// Adds the frames of the elements on which one element depends, as far as the model holds them.
+void AddDependencies(const DeviceModel& model, const DeviceModel::Elements& elements, const ElementData& element,
+                     DeviceModel::Frames& found) {
+    const auto dependencies = element.GetLogicCodeDependency();
+    if (!dependencies) {
+        return;
+    }
+    for (const DataModel::LogicCodeDependency& dependency : *dependencies) {
+        if (elements.count({dependency.name, dependency.alias}) > 0) {
+            model.GetFramesForIoTNameAndAlias(dependency.name, dependency.alias, found);
+        }
+    }
+}
+
+// NOT_FOUND where there is no adapter, INVALID_ARGUMENT where it is null. Logs both for `operation`.
+template <typename Adapters>
+StatusCode FindAdapter(const Adapters& adapters, const std::string& modelName, const char* operation,
+                       const std::string& name, const std::string& alias,
+                       std::shared_ptr<VortaObjectAdapter>& adapter) {
+    const auto found = adapters.find(std::pair<std::string_view, std::string_view>(name, alias));
+    if (found == adapters.end()) {
+        KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", operation,
+                      modelName.c_str(), name.c_str(), Logging::Text(Status::NOT_FOUND).c_str());
+        return Status::NOT_FOUND;
+    }
+    if (!found->second) {
+        KZM_LOG(ERROR, "%s: Object adapter is null for '%s', iot name = '%s'", operation, modelName.c_str(),
+                name.c_str());
+        return Status::INVALID_ARGUMENT;
+    }
+    adapter = found->second;
+    return Status::SUCCESS;
+}
+
 }  // namespace
 
-DeviceModel::DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::FrameData>&& frames, TextByName&& units,
+DeviceModel::DeviceModel(ObjectAdapters&& adapters, std::vector<FrameData>&& frames, TextByName&& units,
                          TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian)
     : mFrames(std::move(frames)),
       mBigEndian(bigEndian),
@@ -48,8 +112,8 @@ DeviceModel::DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::F
     }
 }
 
-DeviceModel::DeviceModel(std::shared_ptr<Elements>& elements, std::vector<DeviceProfile::FrameData>&& frames,
-                         TextByName&& units, TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian)
+DeviceModel::DeviceModel(std::shared_ptr<Elements>& elements, std::vector<FrameData>&& frames, TextByName&& units,
+                         TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian)
     : mElements(elements),
       mFrames(std::move(frames)),
       mBigEndian(bigEndian),
@@ -57,7 +121,7 @@ DeviceModel::DeviceModel(std::shared_ptr<Elements>& elements, std::vector<Device
       mComputedAlarms(std::move(computedAlarms)),
       mClassNames(std::move(classNames)) {}
 
-DeviceModel::DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<DeviceProfile::FrameData>&& frames,
+DeviceModel::DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<FrameData>&& frames,
                          std::shared_ptr<ServiceSources>&& serviceSources, bool bigEndian)
     : mElements(std::move(elements)),
       mServiceSources(std::move(serviceSources)),
@@ -65,7 +129,7 @@ DeviceModel::DeviceModel(std::shared_ptr<Elements>&& elements, std::vector<Devic
       mBigEndian(bigEndian) {}
 
 DeviceModel::~DeviceModel() {
-    KZM_LOG(INFORMATION, "DeviceModel::~DeviceModel Called");
+    LogDestruction();
 }
 
 ModbusMeasurementInformation DeviceModel::GetMeasurementInformation(const std::string& suffix) const {
@@ -83,8 +147,8 @@ ModbusMeasurementInformation DeviceModel::GetMeasurementInformation(const std::s
         information = found->second->GetModbusMeasurementInformation();
     } else if (found == mObjectAdapters.end() && elements.size() == 1 && elements.front()) {
         information = DataModel::MeasurementInformationOf(*elements.front());
-        if (elements.front()->GetFrameIndex() < mFrames.size()) {
-            information.mFunctionCode = mFrames[elements.front()->GetFrameIndex()].mFunctionCode;
+        if (const FrameData* const frame = FrameAt(mFrames, elements.front()->GetFrameIndex())) {
+            information.mFunctionCode = frame->mFunctionCode;
         }
     } else {
         KZM_LOG(ERROR, "[%s] Failed to get Measurement Information for suffix=%s, iotName='%s', alias='%s'", __func__,
@@ -95,9 +159,9 @@ ModbusMeasurementInformation DeviceModel::GetMeasurementInformation(const std::s
     return information;
 }
 
-std::vector<std::shared_ptr<DataModel::ElementData>> DeviceModel::GetElements(const std::string& name,
-                                                                              const std::string& alias) const {
-    std::vector<std::shared_ptr<DataModel::ElementData>> elements;
+std::vector<std::shared_ptr<ElementData>> DeviceModel::GetElements(const std::string& name,
+                                                                   const std::string& alias) const {
+    std::vector<std::shared_ptr<ElementData>> elements;
     if (mElements) {
         const auto [first, last] = mElements->equal_range({name, alias});
         for (auto element = first; element != last; ++element) {
@@ -122,11 +186,11 @@ ServiceMapping DeviceModel::GetServiceMapping(const std::string& name, const std
     return ServiceMapping(*found->second, mFrames);
 }
 
-const std::vector<DeviceProfile::FrameData>& DeviceModel::GetFrames() const {
+const std::vector<FrameData>& DeviceModel::GetFrames() const {
     return mFrames;
 }
 
-kz::orba::StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
+StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
     const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
     kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const {
     const auto alarm = GetComputedAlarmElement({object.GetName(), object.GetAlias()});
@@ -152,71 +216,44 @@ kz::orba::StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
     return status;
 }
 
-kz::orba::StatusCode DeviceModel::GetVortaObjectValue(
-    const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool ignoreCacheAge,
-    kz::orba::VortaORBAObject& object) const {
-    const auto& name = object.GetName();
-    const auto& alias = object.GetAlias();
-    DataModel::VortaObjectAdapter* adapter = nullptr;
-    const auto status = FindAdapter(__func__, name, alias, adapter);
+StatusCode DeviceModel::GetVortaObjectValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
+                                            bool ignoreCacheAge, kz::orba::VortaORBAObject& object) const {
+    // Held during the call: the adapter may release the model.
+    std::shared_ptr<VortaObjectAdapter> adapter;
+    const auto status =
+        FindAdapter(mObjectAdapters, mModelName, __func__, object.GetName(), object.GetAlias(), adapter);
     return adapter ? adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object) : status;
 }
 
-kz::orba::StatusCode DeviceModel::FindAdapter(const char* operation, std::string_view name, std::string_view alias,
-                                              DataModel::VortaObjectAdapter*& adapter) const {
-    const auto found = mObjectAdapters.find(KeyView(name, alias));
-    if (found == mObjectAdapters.end()) {
-        KZM_LOG_TRACE("%s: VortaObjectAdapter not found for '%s', iot name ='%s', status = %s", operation,
-                      mModelName.c_str(), std::string(name).c_str(), Logging::Text(Status::NOT_FOUND).c_str());
-        return Status::NOT_FOUND;
-    }
-    if (!found->second) {
-        KZM_LOG(ERROR, "%s: Object adapter is null for '%s', iot name = '%s'", operation, mModelName.c_str(),
-                std::string(name).c_str());
-        return Status::INVALID_ARGUMENT;
-    }
-    adapter = found->second.get();
-    return Status::SUCCESS;
-}
-
-kz::orba::StatusCode DeviceModel::GetFramesForIoTNameAndAlias(const std::string& name, const std::string& alias,
-                                                              Frames& frames) const {
+StatusCode DeviceModel::GetFramesForIoTNameAndAlias(const std::string& name, const std::string& alias,
+                                                    Frames& frames) const {
     const auto elements = GetElements(name, alias);
     for (const auto& element : elements) {
         if (element) {
-            AddFrames({element->GetFrameIndex()}, frames);
+            AddFrame(mFrames, element->GetFrameIndex(), frames);
         }
     }
     if (!elements.empty()) {
         return Status::SUCCESS;
     }
-    DataModel::VortaObjectAdapter* adapter = nullptr;
-    const auto status = FindAdapter(__func__, name, alias, adapter);
+    std::shared_ptr<VortaObjectAdapter> adapter;
+    const auto status = FindAdapter(mObjectAdapters, mModelName, __func__, name, alias, adapter);
     if (adapter) {
-        AddFrames(adapter->GetFrameIndexes(), frames);
+        AddFrames(mFrames, adapter->GetFrameIndexes(), frames);
     }
     return status;
-}
-
-// Indexes past the frames are skipped; that of an element in no frame is one of them unless there are 256 frames.
-void DeviceModel::AddFrames(const std::set<std::uint8_t>& frameIndexes, Frames& frames) const {
-    for (const std::uint8_t index : frameIndexes) {
-        if (index != DataModel::ElementData::INVALID_FRAME_INDEX && index < mFrames.size()) {
-            frames.emplace(index, &mFrames[index]);
-        }
-    }
 }
 
 DeviceModel::Frames DeviceModel::GetDependencyFrame(const std::string& name, const std::string& alias) const {
     Frames frames;
     if (const auto alarm = GetComputedAlarmElement({name, alias})) {
-        AddFrames(alarm->GetFrameIndexes(), frames);
+        AddFrames(mFrames, alarm->GetFrameIndexes(), frames);
         return frames;
     }
     const auto adapter = mObjectAdapters.find(KeyView(name, alias));
     if (adapter != mObjectAdapters.end()) {
         if (adapter->second) {
-            AddFrames(adapter->second->GetFrameIndexes(), frames);
+            AddFrames(mFrames, adapter->second->GetFrameIndexes(), frames);
         } else {
             KZM_LOG(ERROR, "[%s] VortaObjectAdapter is null for '%s', iot name = '%s'", __func__, mModelName.c_str(),
                     name.c_str());
@@ -224,32 +261,22 @@ DeviceModel::Frames DeviceModel::GetDependencyFrame(const std::string& name, con
         return frames;
     }
     GetFramesForIoTNameAndAlias(name, alias, frames);
-    if (!frames.empty()) {
-        AddDependencies(GetElements(name, alias), frames);
+    if (frames.empty() || !mElements) {
+        return frames;
+    }
+    for (const auto& element : GetElements(name, alias)) {
+        if (element) {
+            AddDependencies(*this, *mElements, *element, frames);
+        }
     }
     return frames;
-}
-
-void DeviceModel::AddDependencies(const std::vector<std::shared_ptr<DataModel::ElementData>>& elements,
-                                  Frames& frames) const {
-    for (const auto& element : elements) {
-        const auto dependencies = element ? element->GetLogicCodeDependency() : nullptr;
-        if (!dependencies) {
-            continue;
-        }
-        for (const DataModel::LogicCodeDependency& dependency : *dependencies) {
-            if (mElements->count({dependency.name, dependency.alias}) > 0) {
-                GetFramesForIoTNameAndAlias(dependency.name, dependency.alias, frames);
-            }
-        }
-    }
 }
 
 bool DeviceModel::IsBigEndian() const {
     return mBigEndian;
 }
 
-kz::orba::StatusCode DeviceModel::GetUnit(const std::string& name, std::string& unit) const {
+StatusCode DeviceModel::GetUnit(const std::string& name, std::string& unit) const {
     const auto found = mUnits.find(name);
     if (found == mUnits.end()) {
         unit.clear();
@@ -259,7 +286,7 @@ kz::orba::StatusCode DeviceModel::GetUnit(const std::string& name, std::string& 
     return Status::SUCCESS;
 }
 
-kz::orba::StatusCode DeviceModel::GetClassName(const std::string& name, std::string& className) const {
+StatusCode DeviceModel::GetClassName(const std::string& name, std::string& className) const {
     className = DeviceElementLookUp::GetClass(name);
     if (className != GENERIC_NUMERICAL_CLASS) {
         return Status::SUCCESS;
@@ -273,7 +300,7 @@ kz::orba::StatusCode DeviceModel::GetClassName(const std::string& name, std::str
     return Status::SUCCESS;
 }
 
-kz::orba::StatusCode DeviceModel::GetComputedAlarmInstantaneousness(const Key& key, bool& instantaneous) const {
+StatusCode DeviceModel::GetComputedAlarmInstantaneousness(const Key& key, bool& instantaneous) const {
     const auto alarm = GetComputedAlarmElement(key);
     if (!alarm) {
         return Status::OUT_OF_RANGE;

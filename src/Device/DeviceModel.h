@@ -1,6 +1,5 @@
 #pragma once
 
-#include <set>
 #include <string_view>
 #include <unordered_map>
 
@@ -88,11 +87,6 @@ private:
         using is_transparent = void;
         bool operator()(const KeyView& left, const KeyView& right) const { return left == right; }
     };
-
-    kz::orba::StatusCode FindAdapter(const char* operation, std::string_view name, std::string_view alias,
-                                     DataModel::VortaObjectAdapter*& adapter) const;
-    void AddDependencies(const std::vector<std::shared_ptr<DataModel::ElementData>>& elements, Frames& frames) const;
-    void AddFrames(const std::set<std::uint8_t>& frameIndexes, Frames& frames) const;
 
     std::shared_ptr<Elements> mElements;
     std::shared_ptr<ServiceSources> mServiceSources;

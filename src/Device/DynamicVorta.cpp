@@ -6,13 +6,13 @@
 namespace kzm::ModbusDeviceModel::Device {
 
 void DynamicVorta::SetVortaSubgraph(Table& table, VortaObjectCategory category, const std::vector<std::string>& names) {
+    // Copied before the table grows: the names may be one of its own lists.
+    std::vector<std::string> subgraph(names);
+    std::sort(subgraph.begin(), subgraph.end());
     if (table.size() < VORTA_OBJECT_CATEGORIES) {
         table.resize(VORTA_OBJECT_CATEGORIES);
     }
-    auto& subgraph = table.at(static_cast<std::size_t>(category));
-    subgraph = names;
-    std::sort(subgraph.begin(), subgraph.end());
-    subgraph.shrink_to_fit();
+    table.at(static_cast<std::size_t>(category)) = std::move(subgraph);
 }
 
 const std::vector<std::string>& DynamicVorta::GetVortaSubgraph(const Table& table, VortaObjectCategory category) {

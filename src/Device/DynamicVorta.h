@@ -14,8 +14,9 @@ public:
     // One list for each category, in the order of their numbers.
     using Table = std::vector<std::vector<std::string>>;
 
-    // Replaces the list of a category by a sorted copy (duplicates stay). A table of fewer than nine categories grows
-    // to nine first. Throws std::out_of_range for a category past the table.
+    // Replaces the list of a category by a sorted copy of `names`, which may be one of the table's own lists;
+    // duplicates stay. A table of fewer than nine categories grows to nine first. Throws std::out_of_range for a
+    // category past the table.
     static void SetVortaSubgraph(Table& table, VortaObjectCategory category, const std::vector<std::string>& names);
     // Empty where there is no sub-graph.
     static const std::vector<std::string>& GetVortaSubgraph(const Table& table, VortaObjectCategory category);

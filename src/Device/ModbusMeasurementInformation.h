@@ -1,30 +1,3 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "DeviceProfile/ByteOrderingEnum.h"
-#include "DeviceProfile/EnumerationPairData.h"
-#include "DeviceProfile/LogicCodeIdentifier.h"
-#include "DeviceProfile/ModbusFunctionCode.h"
-
-namespace kzm::ModbusDeviceModel::Device {
-
-// How a measurement is read from the device. A default record means that nothing is known.
-struct ModbusMeasurementInformation {
-    ModbusFunctionCode mFunctionCode{};                   // of the frame; 0 where the model has object adapters
-    std::uint16_t mRegisterAddress = 0;                   // first register, 0 to 65535
-    std::uint8_t mNumberOfRegisters = 0;                  // from there on
-    LogicCodeIdentifier mLogicCode{};                     // how they become a value
-    double mScaleFactor = 1.0;                            // value = offset + raw * scale factor, in the unit
-    float mOffset = 0.0F;                                 // in the unit
-    ByteOrderingEnum mByteOrdering{};                     // of the words
-    std::shared_ptr<std::vector<std::uint8_t>> mBitmask;  // the bits that count
-    std::string mUnit;                                    // e.g. "A"; empty where none is known
-    // The labels of an enumeration; null for any other value.
-    std::shared_ptr<std::vector<DeviceProfile::EnumerationPairData>> mEnumerationPairs;
-};
-
-}  // namespace kzm::ModbusDeviceModel::Device
+#include "DeviceProfile/ModbusMeasurementInformation.h"

@@ -1,26 +1,21 @@
 #pragma once
 
+#include <cxxabi.h>
 #include <pthread.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "Support/LogLevel.h"
 #include "kz/orba/StatusCode.h"
-#include "kzm/Log/RootLogger.h"
 
 // Log lines of the library. A line's arguments are evaluated only when the root logger's level admits the line. A line
-// that cannot be made or printed, for lack of memory or by a fault of the logger, is lost; what it tells of goes on.
-// Each source file that logs defines LOG_MODULE, the text that stands in its lines' second field.
+// that cannot be built or printed, for lack of memory or because the logger failed, is lost; the request goes on. Only
+// a thread's cancellation passes. Each source file that logs defines LOG_MODULE, the second field of its lines.
 namespace kzm::ModbusDeviceModel::Logging {
 
-using Level = kzm::Log::OrbaLogLevel;
-
-inline constexpr auto ERROR = static_cast<Level>(3);
-inline constexpr auto WARNING = static_cast<Level>(4);
-inline constexpr auto INFORMATION = static_cast<Level>(6);
-inline constexpr auto TRACE = static_cast<Level>(7);
-
-// Compact JSON for a log line. Bytes that are no UTF-8 are replaced, so that a line never throws for its content.
+// Compact JSON for a log line. Bytes that are not UTF-8 are replaced, so that a line never throws because of its
+// content.
 inline std::string Text(const nlohmann::json& value) {
     return value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
@@ -39,6 +34,8 @@ inline std::string Text(kz::orba::StatusCode status) {
                 kzmRootLogger.Print((level), prefix format, static_cast<unsigned long>(pthread_self()), \
                                     LOG_MODULE __VA_OPT__(, ) __VA_ARGS__);                             \
             }                                                                                           \
+        } catch (abi::__forced_unwind&) {                                                               \
+            throw;                                                                                      \
         } catch (...) {                                                                                 \
         }                                                                                               \
     } while (false)

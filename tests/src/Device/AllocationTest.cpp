@@ -1,5 +1,8 @@
 #include "Allocator.h"
+#include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/DataObjectAdapter.h"
+#include "DataModel/MeasurementComputedAlarmOperand.h"
+#include "DataModel/PreviousMeasurementComputedAlarmOperand.h"
 #include "Device/DeviceModel.h"
 #include "src/TestCache.h"
 
@@ -31,6 +34,51 @@ TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     before = CountAllocations();
     ASSERT_EQ(Number(model.GetVortaObjectValue(cache, false, object)), 0);
     EXPECT_EQ(CountAllocations() - before, forTexts);
+}
+
+// The chain takes five seconds, so that the date-time is made anew once the previous value has been replaced.
+TEST(CustomAlarm, AnOutcomeIsWrittenWhereverItsPreviousValueWasReplaced) {
+    const StoppedClock clock(NOW);
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    struct SlowChain : ProcessingChain {
+        SlowChain() : ProcessingChain({{}}, "slow", false) {}
+        StatusCode Process(const json&, json& result) const override {
+            StandIn::SetClock(NOW + 5000);
+            result = true;
+            return StatusCode{};
+        }
+    };
+    const auto alarm = std::make_shared<ComputedAlarmElement>(
+        "alarm", true, "HIGH", "", "", std::make_shared<SlowChain>(),
+        std::make_shared<MeasurementComputedAlarmOperand>("now", std::make_shared<ElementData>(MakeElement({}))),
+        std::make_shared<PreviousMeasurementComputedAlarmOperand>("before", ""));
+    const Device::DeviceModel model(Device::DeviceModel::ObjectAdapters{}, {}, {}, {}, {{{"a", ""}, alarm}}, true);
+    const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("0007");
+    const auto previous = std::make_shared<PreviousMeasurements::element_type>();
+    const json structure = {{"elements", {{"state", {{"value", "old"}, {"datetime", "old"}, {"quality", "old"}}}}}};
+    VortaORBAObject object("id", "a", "", nullptr);
+    const auto prepare = [&] {
+        StandIn::SetClock(NOW);
+        (*previous)["alarm"] = {5, QUALITY_GOOD, NOW};
+        object.GetValue() = structure;
+    };
+    const auto state = [&](const char* leaf) { return object.GetValue()["elements"]["state"][leaf]; };
+    const std::string late = "2023-11-14T22:13:25.000Z";
+    std::size_t early = 0;
+    prepare();
+    Testing::RunShortOfMemory([&] { model.GetCustomAlarmVortaObjectValue(cache, false, object, previous); },
+                              [&] {
+                                  if (previous->at("alarm").value == 7) {
+                                      early += state("datetime") == NOW_TEXT ? 1 : 0;
+                                      EXPECT_TRUE(state("datetime") == NOW_TEXT || state("datetime") == late);
+                                      EXPECT_EQ(state("value"), "Active");
+                                      EXPECT_EQ(state("quality"), "Good");
+                                  } else {
+                                      EXPECT_EQ(state("value"), "old");
+                                  }
+                                  prepare();
+                              });
+    EXPECT_EQ(early, 2U);
 }
 
 TEST(ElementData, DecodingAllocatesOnlyTheTextThatComesOut) {

@@ -74,6 +74,26 @@ TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     EXPECT_TRUE(instantaneous);
 }
 
+TEST(CustomAlarm, ItsDateTimeIsThatAfterTheEvaluation) {
+    const StoppedClock clock(NOW);
+    struct SlowChain : ProcessingChain {
+        SlowChain() : ProcessingChain({{}}, "slow", false) {}
+        StatusCode Process(const json&, json& result) const override {
+            StandIn::SetClock(NOW + 5000);
+            result = true;
+            return StatusCode{};
+        }
+    };
+    const auto constant = std::make_shared<ConstantComputedAlarmOperand>("a", 1);
+    const auto alarm = std::make_shared<ComputedAlarmElement>("", false, "", "", "", std::make_shared<SlowChain>(),
+                                                              constant, constant);
+    const DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {}, {{{"Alarm", ""}, alarm}}, true);
+    VortaORBAObject object("id", "Alarm", "", STRUCTURE);
+    const auto previous = std::make_shared<PreviousMeasurements::element_type>();
+    EXPECT_EQ(Number(model.GetCustomAlarmVortaObjectValue(nullptr, false, object, previous)), 0);
+    EXPECT_EQ(object.GetValue()["elements"]["state"]["datetime"], "2023-11-14T22:13:25.000Z");
+}
+
 TEST(ServiceMapping, BindsAServicesElementsToTheFrames) {
     CapturedLog log(OrbaLogLevel::INFORMATION);
     const auto holding = ModbusFunctionCode::READ_HOLDING_REGISTERS;
@@ -131,6 +151,9 @@ TEST(DynamicVorta, KeepsASortedListForEachOfNineCategories) {
     EXPECT_FALSE(DynamicVorta::IsSubgraphAvailable(table, category(3)));
     EXPECT_FALSE(DynamicVorta::FindObject(table, category(10), "a"));
     EXPECT_THROW(DynamicVorta::SetVortaSubgraph(table, category(9), {"a"}), std::out_of_range);
+    DynamicVorta::Table growing{{"d", "c"}};
+    DynamicVorta::SetVortaSubgraph(growing, category(5), growing[0]);
+    EXPECT_EQ(growing[5], (std::vector<std::string>{"c", "d"}));
 
     DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {}, {}, true);
     EXPECT_FALSE(model.IsSubgraphAvailable(category(8)));

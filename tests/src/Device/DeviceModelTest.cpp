@@ -98,6 +98,31 @@ TEST(DeviceModel, ReplacesItsIdentificationWhole) {
     EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"c", "3"}}));
 }
 
+TEST(DeviceModel, AnAdapterMayReleaseTheModelDuringItsRequest) {
+    struct Releasing : VortaObjectAdapter, std::enable_shared_from_this<Releasing> {
+        StatusCode GetObject(const std::shared_ptr<CacheReadAccessInterface>&, bool, bool, VortaORBAObject&) override {
+            const auto self = weak_from_this();
+            model.reset();
+            return static_cast<StatusCode>(self.expired() ? 1 : 0);
+        }
+        std::set<std::uint8_t>& GetFrameIndexes() override { return frames; }
+        StatusCode ComputeFrameIndexes() override { return {}; }
+        Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override { return {}; }
+
+        std::unique_ptr<DeviceModel> model;
+        std::set<std::uint8_t> frames;
+    };
+    auto adapter = std::make_shared<Releasing>();
+    adapter->model = std::make_unique<DeviceModel>(DeviceModel::ObjectAdapters{{{"a", ""}, adapter}},
+                                                   std::vector<FrameData>{}, DeviceModel::TextByName{},
+                                                   DeviceModel::TextByName{}, DeviceModel::ComputedAlarms{}, true);
+    const DeviceModel& model = *adapter->model;
+    const std::weak_ptr<Releasing> alive = std::exchange(adapter, nullptr);
+    VortaORBAObject object("id", "a", "", nullptr);
+    EXPECT_EQ(Number(model.GetVortaObjectValue(nullptr, false, object)), 0);
+    EXPECT_TRUE(alive.expired());
+}
+
 // A sink that throws loses its line, one that hangs keeps those waiting that have a line for it; nothing else.
 TEST(ThreadsDeviceModel, ALogSinkThatFailsOrHangsStopsNoRequest) {
     const StoppedClock clock(NOW);

@@ -85,6 +85,10 @@ TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
     EXPECT_EQ(battery.mUnit, "V");
     EXPECT_EQ(ofElements.GetMeasurementInformation("lost").mFunctionCode, ModbusFunctionCode{});
     EXPECT_TRUE(log.Lines().empty());
+    auto inNoFrame = std::make_shared<DeviceModel::Elements>();
+    inNoFrame->emplace(DeviceModel::Key{"lost", ""}, ElementOf(255));
+    const DeviceModel ofAllFrames(inNoFrame, MakeFrames(256), {}, {}, {}, true);
+    EXPECT_EQ(ofAllFrames.GetMeasurementInformation("lost").mFunctionCode, ModbusFunctionCode{});
 
     for (const char* id : {"7b8", "7b8_z"}) {
         EXPECT_EQ(ofElements.GetMeasurementInformation(id).mNumberOfRegisters, 0);
@@ -141,6 +145,18 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     EXPECT_EQ(ask(ofElements, "power"), (Expected{0, 1, 2}));
     EXPECT_EQ(ask(ofElements, "factor", "x"), (Expected{1, 2}));
     EXPECT_EQ(ask(ofElements, "nowhere"), Expected{});
+
+    // A model that finds its elements elsewhere holds none of them.
+    struct Derived : DeviceModel {
+        explicit Derived(const DeviceModel& model)
+            : DeviceModel(ObjectAdapters{}, MakeFrames(1), {}, {}, {}, true), source(model) {}
+        std::vector<std::shared_ptr<ElementData>> GetElements(const std::string& name,
+                                                              const std::string& alias) const override {
+            return source.GetElements(name, alias);
+        }
+        const DeviceModel& source;
+    };
+    EXPECT_EQ(ask(Derived(ofElements), "power"), Expected{0});
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test
