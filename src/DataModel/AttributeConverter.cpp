@@ -1,22 +1,21 @@
 #include "DataModel/AttributeConverter.h"
 
+#include <cxxabi.h>
+
 #include <array>
 #include <nlohmann/json.hpp>
 #include <utility>
 
 #include "DataModel/MeasurementInformationOf.h"
-#include "Device/CustomMeasureClassName.h"
+#include "DataModel/ValueRequest.h"
+#include "DeviceProfile/ClassOfLogicCode.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 #include "kzm/DateTime/DateTime.h"
-#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
-#include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
 using DeviceCache::CacheReadAccessInterface;
-using edm::dictionary::EdmEnumToEdmValue;
-using edm::dictionary::EdmEnumToIotValue;
 using kz::orba::StatusCode;
 
 namespace {
@@ -24,12 +23,9 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::AttributeConverter";
 constexpr int REQUEST = 2000;
 
-// The timestamp is read before the clock: a frame that is updated in between must not look as if it came from the
-// future.
-bool IsFresh(const CacheReadAccessInterface& cache, std::uint8_t frameIndex) {
+bool IsFrameFresh(const CacheReadAccessInterface& cache, std::uint8_t frameIndex) {
     const std::uint64_t timestamp = cache.GetFrameTimestamp(frameIndex);
-    const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
-    return timestamp != 0 && now - timestamp <= DeviceCache::DEFAULT_REGISTER_CACHE_TIMEOUT_MS;
+    return DeviceCache::IsFresh(timestamp, DateTime::DateTime::GetRealTimeInMilliseconds());
 }
 
 StatusCode ReadAndBuild(const CacheReadAccessInterface& cache, bool deviceBigEndian, ElementData& element,
@@ -39,12 +35,65 @@ StatusCode ReadAndBuild(const CacheReadAccessInterface& cache, bool deviceBigEnd
     const std::uint16_t address = element.GetDeviceRegister();
     const std::uint32_t length =
         cache.ReadFrame(frameIndex, address, element.GetNumberOfRegisters(), buffer.data(), buffer.size(), quality);
-    if (quality == DeviceCache::QUALITY_UNINITIALISED || length > buffer.size()) {
+    if (quality == DeviceCache::QUALITY_UNINITIALISED) {
         return Status::NOT_AVAILABLE;
     }
     bool invalid = false;
+    if (length > buffer.size()) {
+        // The base class refuses the length and logs it; a derived class might read past the buffer.
+        element.ElementData::Build(buffer.data(), length, deviceBigEndian, REQUEST, invalid, value, nullptr);
+        return Status::NOT_AVAILABLE;
+    }
     const bool isBuilt = element.Build(buffer.data(), length, deviceBigEndian, REQUEST, invalid, value, nullptr);
     return isBuilt && !invalid ? Status::SUCCESS : Status::NOT_AVAILABLE;
+}
+
+// The form that is asked for, with the words in which its log lines differ.
+struct LabelForm {
+    const char* operation;
+    const char* name;
+    const char* noText;
+    const std::string* urn;  // null for the device-dictionary form
+
+    std::string Describe(std::uint16_t address) const {
+        const std::string place = "address=" + std::to_string(address);
+        return urn ? std::string("urn=") + urn->c_str() + ", " + place : place;
+    }
+};
+
+StatusCode TranslateValue(const LabelForm& form, std::uint16_t address, nlohmann::json& value) {
+    std::string label = std::move(value.get_ref<std::string&>());
+    const auto status = TranslateLabel(form.urn, label, value);
+    if (status != Status::SUCCESS) {
+        KZM_LOG(ERROR, "[%s] (%s) Failed to convert %s to %s value", form.operation, form.Describe(address).c_str(),
+                label.c_str(), form.name);
+        value = std::move(label);
+    }
+    return status;
+}
+
+// Goes on from the `status` of the element's own value.
+StatusCode TranslateIfLabel(bool isLabel, const LabelForm& form, StatusCode status, std::uint16_t address,
+                            const DeviceCache::_Quality_t& quality, nlohmann::json& value) {
+    if (isLabel && status != Status::SUCCESS) {
+        KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
+                   "[%s] (%s) Failed to get value from element data, status = %s", form.operation,
+                   form.Describe(address).c_str(), Logging::Text(status).c_str());
+        return status;
+    }
+    if (isLabel && !value.is_string()) {
+        KZM_LOG(ERROR, "[%s] (%s) %s%s", form.operation, form.Describe(address).c_str(), form.noText,
+                Logging::Text(value).c_str());
+        status = Status::NOT_AVAILABLE;
+    } else if (isLabel) {
+        status = TranslateValue(form, address, value);
+        if (status != Status::SUCCESS) {
+            return status;
+        }
+    }
+    KZM_LOG_TRACE("[%s] (%s) value=%s, quality=%s, status = %s", form.operation, form.Describe(address).c_str(),
+                  Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
+    return status;
 }
 
 }  // namespace
@@ -72,7 +121,7 @@ StatusCode AttributeConverter::GetValueFromElementData(const std::shared_ptr<Cac
     }
     auto status = Status::NOT_AVAILABLE;
     try {
-        const bool isFresh = IsFresh(*cache, frameIndex);
+        const bool isFresh = IsFrameFresh(*cache, frameIndex);
         if (isFresh || ignoreCacheAge) {
             status = ReadAndBuild(*cache, deviceBigEndian, element, quality, value);
         } else {
@@ -80,6 +129,8 @@ StatusCode AttributeConverter::GetValueFromElementData(const std::shared_ptr<Cac
         }
     } catch (const std::exception& error) {
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: %s", __func__, frameIndex, error.what());
+    } catch (abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
     } catch (...) {
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: unknown exception", __func__, frameIndex);
     }
@@ -93,65 +144,17 @@ StatusCode AttributeConverter::GetIotValue(const std::string& urn,
                                            const std::shared_ptr<CacheReadAccessInterface>& cache, bool deviceBigEndian,
                                            bool ignoreCacheAge, DeviceCache::_Quality_t& quality,
                                            nlohmann::json& value) {
-    auto status = GetValueFromElementData(cache, deviceBigEndian, ignoreCacheAge, *this, quality, value);
-    const std::uint16_t address = GetDeviceRegister();
-    if (mEnumOutput) {
-        if (status != Status::SUCCESS) {
-            KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
-                       "[%s] (urn=%s, address=%hu) Failed to get value from element data, status = %s", __func__,
-                       urn.c_str(), address, Logging::Text(status).c_str());
-            return status;
-        }
-        if (!value.is_string()) {
-            KZM_LOG(ERROR, "[%s] (urn=%s, address=%hu) Expecting a string for %s", __func__, urn.c_str(), address,
-                    Logging::Text(value).c_str());
-            status = Status::NOT_AVAILABLE;
-        } else {
-            std::string label = std::move(value.get_ref<std::string&>());
-            status = EdmEnumToIotValue::ConvertEdmEnumToIotValue(urn, label, value);
-            if (status != Status::SUCCESS) {
-                KZM_LOG(ERROR, "[%s] (urn=%s, address=%hu) Failed to convert %s to iot value", __func__, urn.c_str(),
-                        address, label.c_str());
-                value = std::move(label);
-                return status;
-            }
-        }
-    }
-    KZM_LOG_TRACE("[%s] (urn=%s, address=%hu) value=%s, quality=%s, status = %s", __func__, urn.c_str(), address,
-                  Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
-    return status;
+    const LabelForm form{__func__, "iot", "Expecting a string for ", &urn};
+    const auto status = GetValueFromElementData(cache, deviceBigEndian, ignoreCacheAge, *this, quality, value);
+    return TranslateIfLabel(mEnumOutput, form, status, GetDeviceRegister(), quality, value);
 }
 
 StatusCode AttributeConverter::GetEdmValue(const std::shared_ptr<CacheReadAccessInterface>& cache, bool deviceBigEndian,
                                            bool ignoreCacheAge, DeviceCache::_Quality_t& quality,
                                            nlohmann::json& value) {
-    auto status = GetValueFromElementData(cache, deviceBigEndian, ignoreCacheAge, *this, quality, value);
-    const std::uint16_t address = GetDeviceRegister();
-    if (mEnumOutput) {
-        if (status != Status::SUCCESS) {
-            KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
-                       "[%s] (address=%hu) Failed to get value from element data, status = %s", __func__, address,
-                       Logging::Text(status).c_str());
-            return status;
-        }
-        if (!value.is_string()) {
-            KZM_LOG(ERROR, "[%s] (address=%hu) Expecting a string as value, got:%s", __func__, address,
-                    Logging::Text(value).c_str());
-            status = Status::NOT_AVAILABLE;
-        } else {
-            std::string label = std::move(value.get_ref<std::string&>());
-            status = EdmEnumToEdmValue::ConvertEdmEnumToEdmValue(label, value);
-            if (status != Status::SUCCESS) {
-                KZM_LOG(ERROR, "[%s] (address=%hu) Failed to convert %s to edm value", __func__, address,
-                        label.c_str());
-                value = std::move(label);
-                return status;
-            }
-        }
-    }
-    KZM_LOG_TRACE("[%s] (address=%hu) value=%s, quality=%s, status = %s", __func__, address,
-                  Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
-    return status;
+    const LabelForm form{__func__, "edm", "Expecting a string as value, got:", nullptr};
+    const auto status = GetValueFromElementData(cache, deviceBigEndian, ignoreCacheAge, *this, quality, value);
+    return TranslateIfLabel(mEnumOutput, form, status, GetDeviceRegister(), quality, value);
 }
 
 StatusCode AttributeConverter::ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) {
@@ -163,7 +166,7 @@ StatusCode AttributeConverter::ComputeAndGetFrameIndexes(std::set<std::uint8_t>&
 }
 
 StatusCode AttributeConverter::GetClassName(std::string& className) const {
-    return Device::CustomMeasureClassName::GetClassNameForLogicCode(GetLogicCode(), className);
+    return DeviceProfile::GetClassOfLogicCode(GetLogicCode(), className);
 }
 
 Device::ModbusMeasurementInformation AttributeConverter::GetModbusMeasurementInformation() const {

@@ -2,16 +2,13 @@
 
 #include <utility>
 
+#include "DataModel/ValueRequest.h"
 #include "Support/FlatObject.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
-#include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
-#include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-using edm::dictionary::EdmEnumToEdmValue;
-using edm::dictionary::EdmEnumToIotValue;
 using kz::orba::StatusCode;
 using nlohmann::json;
 
@@ -20,6 +17,54 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::AttributeProcessor";
 constexpr const char* GET_VALUE = "GetValue";
 const std::string NO_URN;
+
+// Puts the value of one input under its name. A Bad input makes `quality` Bad; its value is used all the same.
+StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const ValueRequest& request,
+                     DeviceCache::_Quality_t& quality, json& parameters) {
+    auto inputQuality = DeviceCache::QUALITY_UNINITIALISED;
+    json value;
+    const auto status = GetValueOf(adapter, request, inputQuality, value);
+    if (status != Status::SUCCESS) {
+        KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
+                   "[%s] GetEdmValue failed for input='%s', quality='%s', value='%s', status = %s", GET_VALUE,
+                   name.c_str(), ConvertToString(inputQuality).c_str(), Logging::Text(value).c_str(),
+                   Logging::Text(status).c_str());
+        return status;
+    }
+    if (inputQuality == DeviceCache::QUALITY_BAD) {
+        quality = DeviceCache::QUALITY_BAD;
+        KZM_LOG(ERROR, "[%s] Bad quality for input='%s'", GET_VALUE, name.c_str());
+    }
+    parameters[name] = std::move(value);
+    return status;
+}
+
+// Null inputs are skipped; INVALID_ARGUMENT where there is no other.
+StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueRequest& request,
+                      DeviceCache::_Quality_t& quality, json& parameters) {
+    auto status = Status::INVALID_ARGUMENT;
+    for (const auto& [name, adapter] : inputs) {
+        if (!adapter) {
+            KZM_LOG(ERROR, "[%s] Missing input value for input='%s'", GET_VALUE, name.c_str());
+            continue;
+        }
+        status = ReadInput(name, *adapter, request, quality, parameters);
+        if (status != Status::SUCCESS) {
+            break;
+        }
+    }
+    return status;
+}
+
+StatusCode TranslateResult(const std::string* urn, const json& result, json& value) {
+    const auto status = result.is_string() ? TranslateLabel(urn, result.get_ref<const std::string&>(), value)
+                                           : Status::INVALID_ARGUMENT;
+    if (status != Status::SUCCESS) {
+        KZM_LOG(ERROR, "[%s] Failed to convert result %s to iot value, status = %s", GET_VALUE,
+                Logging::Text(result).c_str(), Logging::Text(status).c_str());
+    }
+    return status;
+}
 
 }  // namespace
 
@@ -45,7 +90,7 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
     KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
     FlatObject inputs;
     json& parameters = inputs.Get();
-    auto status = ReadInputs(cache, deviceBigEndian, ignoreCacheAge, quality, parameters);
+    auto status = ReadInputs(mInputs, {cache, deviceBigEndian, ignoreCacheAge, nullptr}, quality, parameters);
     if (status != Status::SUCCESS) {
         return status;
     }
@@ -58,10 +103,8 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
     if (!mChain->HasEnumOutput()) {
         value = result;
     } else {
-        status = TranslateResult(result, value, edm, urn);
+        status = TranslateResult(edm ? nullptr : &urn, result, value);
         if (status != Status::SUCCESS) {
-            KZM_LOG(ERROR, "[%s] Failed to convert result %s to iot value, status = %s", GET_VALUE,
-                    Logging::Text(result).c_str(), Logging::Text(status).c_str());
             return status;
         }
     }
@@ -70,43 +113,6 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
         GET_VALUE, mChain->GetName().c_str(), Logging::Text(parameters).c_str(), Logging::Text(result).c_str(),
         Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
     return status;
-}
-
-StatusCode AttributeProcessor::ReadInputs(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                          DeviceCache::_Quality_t& quality, json& parameters) const {
-    auto status = Status::INVALID_ARGUMENT;
-    for (const auto& [name, adapter] : mInputs) {
-        if (!adapter) {
-            KZM_LOG(ERROR, "[%s] Missing input value for input='%s'", GET_VALUE, name.c_str());
-            continue;
-        }
-        auto inputQuality = DeviceCache::QUALITY_UNINITIALISED;
-        json value;
-        status = adapter->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, inputQuality, value);
-        if (status != Status::SUCCESS) {
-            KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
-                       "[%s] GetEdmValue failed for input='%s', quality='%s', value='%s', status = %s", GET_VALUE,
-                       name.c_str(), ConvertToString(inputQuality).c_str(), Logging::Text(value).c_str(),
-                       Logging::Text(status).c_str());
-            return status;
-        }
-        if (inputQuality == DeviceCache::QUALITY_BAD) {
-            quality = DeviceCache::QUALITY_BAD;
-            KZM_LOG(ERROR, "[%s] Bad quality for input='%s'", GET_VALUE, name.c_str());
-        }
-        parameters[name] = std::move(value);
-    }
-    return status;
-}
-
-StatusCode AttributeProcessor::TranslateResult(const json& result, json& value, bool edm,
-                                               const std::string& urn) const {
-    if (!result.is_string()) {
-        return Status::INVALID_ARGUMENT;
-    }
-    const auto& label = result.get_ref<const std::string&>();
-    return edm ? EdmEnumToEdmValue::ConvertEdmEnumToEdmValue(label, value)
-               : EdmEnumToIotValue::ConvertEdmEnumToIotValue(urn, label, value);
 }
 
 StatusCode AttributeProcessor::ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) {

@@ -40,12 +40,10 @@ public:
                                   DeviceCache::_Quality_t& quality, nlohmann::json& value, bool edm,
                                   const std::string& urn);
 
-private:
-    kz::orba::StatusCode ReadInputs(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                    DeviceCache::_Quality_t& quality, nlohmann::json& parameters) const;
-    kz::orba::StatusCode TranslateResult(const nlohmann::json& result, nlohmann::json& value, bool edm,
-                                         const std::string& urn) const;
+    // What the constructor was given.
+    const Inputs& GetInputs() const { return mInputs; }
 
+private:
     Inputs mInputs;
     std::shared_ptr<ProcessingChain> mChain;
 };

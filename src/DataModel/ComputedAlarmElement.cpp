@@ -23,17 +23,54 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::ComputedAlarmElement";
 constexpr const char* BUILD = "BuildVortaObjectValue";
 
-}  // namespace
-
 // What one operand gave.
-struct ComputedAlarmElement::Reading {
-    Type type;
+struct Reading {
+    const ComputedAlarmOperand& operand;
     _Quality_t quality = QUALITY_BAD;
     json value = nullptr;
     StatusCode status = Status::INVALID_ARGUMENT;
 
-    bool IsBadOrMissing() const { return IsOperandQualityBadOrValueMissing(quality, status); }
+    bool IsUnusable(Type type) const {
+        return operand.GetType() == type && ComputedAlarmElement::IsOperandQualityBadOrValueMissing(quality, status);
+    }
 };
+
+StatusCode Compare(const Reading& left, const Reading& right, const ProcessingChain& chain, _Quality_t& quality,
+                   json& value) {
+    FlatObject operands;
+    json& parameters = operands.Get();
+    parameters[left.operand.GetName()] = left.value;
+    parameters[right.operand.GetName()] = right.value;
+    json result;
+    const auto status = chain.Execute(parameters, result);
+    if (status == Status::SUCCESS && result.is_boolean()) {
+        value = result.get<bool>() ? "Active" : "Inactive";
+        quality = ComputedAlarmElement::GetQualityFromOperands(left.quality, right.quality);
+    } else {
+        KZM_LOG(ERROR, "%s: Failed to get computed alarm value, status code is: %s", BUILD,
+                Logging::Text(status).c_str());
+    }
+    return status;
+}
+
+StatusCode Evaluate(const Reading& left, const Reading& right, const ProcessingChain* chain, _Quality_t& quality,
+                    json& value) {
+    if (left.IsUnusable(Type::MEASUREMENT) || right.IsUnusable(Type::MEASUREMENT)) {
+        return Status::NOT_AVAILABLE;
+    }
+    // Without a usable previous value, as at the first evaluation, nothing has changed.
+    if (left.IsUnusable(Type::PREVIOUS_MEASUREMENT) || right.IsUnusable(Type::PREVIOUS_MEASUREMENT)) {
+        value = "Inactive";
+        return Status::SUCCESS;
+    }
+    if (left.status != Status::SUCCESS || right.status != Status::SUCCESS || chain == nullptr) {
+        KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
+        return Status::INVALID_ARGUMENT;
+    }
+    return Compare(left, right, *chain, quality, value);
+}
+
+}  // namespace
 
 ComputedAlarmElement::ComputedAlarmElement(std::string name, bool hasChangedAlarm, std::string priority,
                                            std::string description, std::string type,
@@ -57,59 +94,19 @@ StatusCode ComputedAlarmElement::BuildVortaObjectValue(const Cache& cache, bool 
         KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
         return Status::INVALID_ARGUMENT;
     }
-    const auto read = [&](const ComputedAlarmOperand& operand) {
-        Reading reading{.type = operand.GetType()};
+    const auto read = [&](const char* side, const ComputedAlarmOperand& operand) {
+        Reading reading{operand};
         reading.status =
             operand.GetValue(cache, deviceBigEndian, ignoreCacheAge, previous, mName, reading.quality, reading.value);
+        KZM_LOG(INFORMATION, "%s: %sOperand->GetValue() -> (type=%d, quality=%d, statusCode=%s)", BUILD, side,
+                static_cast<int>(operand.GetType()), static_cast<int>(reading.quality),
+                Logging::Text(reading.status).c_str());
         return reading;
     };
-    const Reading left = read(*mLeftOperand);
-    KZM_LOG(INFORMATION, "%s: LeftOperand->GetValue() -> (type=%d, quality=%d, statusCode=%s)", BUILD,
-            static_cast<int>(left.type), static_cast<int>(left.quality), Logging::Text(left.status).c_str());
-    const Reading right = read(*mRightOperand);
-    KZM_LOG(INFORMATION, "%s: RightOperand->GetValue() -> (type=%d, quality=%d, statusCode=%s)", BUILD,
-            static_cast<int>(right.type), static_cast<int>(right.quality), Logging::Text(right.status).c_str());
-    const auto status = Evaluate(left, right, quality, value);
+    const Reading left = read("Left", *mLeftOperand);
+    const Reading right = read("Right", *mRightOperand);
+    const auto status = Evaluate(left, right, mProcessingChain.get(), quality, value);
     UpdatePreviousValues(left.value, left.quality, left.status, right.value, right.quality, right.status, previous);
-    return status;
-}
-
-StatusCode ComputedAlarmElement::Evaluate(const Reading& left, const Reading& right, _Quality_t& quality,
-                                          json& value) const {
-    for (const Reading* reading : {&left, &right}) {
-        if (reading->type == Type::MEASUREMENT && reading->IsBadOrMissing()) {
-            return Status::NOT_AVAILABLE;
-        }
-    }
-    // Without a usable previous value, as at the first evaluation, nothing has changed.
-    for (const Reading* reading : {&left, &right}) {
-        if (reading->type == Type::PREVIOUS_MEASUREMENT && reading->IsBadOrMissing()) {
-            value = "Inactive";
-            return Status::SUCCESS;
-        }
-    }
-    if (left.status != Status::SUCCESS || right.status != Status::SUCCESS || !mProcessingChain) {
-        KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
-        return Status::INVALID_ARGUMENT;
-    }
-    return Compare(left, right, quality, value);
-}
-
-StatusCode ComputedAlarmElement::Compare(const Reading& left, const Reading& right, _Quality_t& quality,
-                                         json& value) const {
-    FlatObject operands;
-    json& parameters = operands.Get();
-    parameters[mLeftOperand->GetName()] = left.value;
-    parameters[mRightOperand->GetName()] = right.value;
-    json result;
-    const auto status = mProcessingChain->Execute(parameters, result);
-    if (status == Status::SUCCESS && result.is_boolean()) {
-        value = result.get<bool>() ? "Active" : "Inactive";
-        quality = GetQualityFromOperands(left.quality, right.quality);
-    } else {
-        KZM_LOG(ERROR, "%s: Failed to get computed alarm value, status code is: %s", BUILD,
-                Logging::Text(status).c_str());
-    }
     return status;
 }
 
@@ -126,21 +123,19 @@ void ComputedAlarmElement::UpdatePreviousValues(const json& leftValue, const _Qu
         return;
     }
     const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
+    const auto keep = [&](const ComputedAlarmOperand& operand, const json& value, _Quality_t quality) {
+        const std::string key = mName + operand.GetPreviousValueName().value_or("");
+        (*previous)[key] = {value, quality, now};
+        KZM_LOG(INFORMATION, "%s: Updated previous value for %s", "UpdatePreviousValues", key.c_str());
+    };
     const Type left = mLeftOperand->GetType();
     const Type right = mRightOperand->GetType();
     if (left == Type::PREVIOUS_MEASUREMENT && right == Type::MEASUREMENT && rightStatus == Status::SUCCESS) {
-        KeepValue(*mLeftOperand, rightValue, rightQuality, now, previous);
+        keep(*mLeftOperand, rightValue, rightQuality);
     }
     if (right == Type::PREVIOUS_MEASUREMENT && left == Type::MEASUREMENT && leftStatus == Status::SUCCESS) {
-        KeepValue(*mRightOperand, leftValue, leftQuality, now, previous);
+        keep(*mRightOperand, leftValue, leftQuality);
     }
-}
-
-void ComputedAlarmElement::KeepValue(const ComputedAlarmOperand& previousOperand, const json& value, _Quality_t quality,
-                                     std::uint64_t now, const PreviousMeasurements& previous) const {
-    const std::string key = mName + previousOperand.GetPreviousValueName().value_or("");
-    (*previous)[key] = {value, quality, now};
-    KZM_LOG(INFORMATION, "%s: Updated previous value for %s", "UpdatePreviousValues", key.c_str());
 }
 
 std::set<std::uint8_t> ComputedAlarmElement::GetFrameIndexes() {

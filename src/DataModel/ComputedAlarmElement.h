@@ -48,7 +48,8 @@ public:
     // The frames of both operands.
     std::set<std::uint8_t> GetFrameIndexes();
 
-    // Bad unless both are Good or Questionable; Questionable as soon as one is; else Good.
+    // Bad where one is Bad or Uninitialised; otherwise Questionable where one is Questionable; otherwise Good where
+    // both are Good. Any other number beside Good or itself gives Bad.
     static DeviceCache::_Quality_t GetQualityFromOperands(const DeviceCache::_Quality_t& left,
                                                           const DeviceCache::_Quality_t& right);
     // Whether an operand cannot be used: its quality is Bad or its status 42.
@@ -56,14 +57,6 @@ public:
                                                   const kz::orba::StatusCode& status);
 
 private:
-    struct Reading;
-    kz::orba::StatusCode Evaluate(const Reading& left, const Reading& right, DeviceCache::_Quality_t& quality,
-                                  nlohmann::json& value) const;
-    kz::orba::StatusCode Compare(const Reading& left, const Reading& right, DeviceCache::_Quality_t& quality,
-                                 nlohmann::json& value) const;
-    void KeepValue(const ComputedAlarmOperand& previousOperand, const nlohmann::json& value,
-                   DeviceCache::_Quality_t quality, std::uint64_t now, const PreviousMeasurements& previous) const;
-
     std::string mName;
     bool mHasChangedAlarm;
     std::string mPriority;

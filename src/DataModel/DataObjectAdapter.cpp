@@ -1,13 +1,17 @@
 #include "DataModel/DataObjectAdapter.h"
 
 #include <utility>
+#include <vector>
 
+#include "DataModel/AttributeProcessor.h"
+#include "DataModel/ValueRequest.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 #include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
+using DeviceCache::_Quality_t;
 using DeviceCache::QUALITY_BAD;
 using DeviceCache::QUALITY_GOOD;
 using DeviceCache::QUALITY_UNINITIALISED;
@@ -18,6 +22,91 @@ namespace {
 
 constexpr const char* LOG_MODULE = "DataModel::DataObjectAdapter";
 
+AttributeAdapter* FindAdapter(const DataObjectAdapter::Adapters& adapters, AttributeAdapterType type) {
+    const auto found = adapters.find(type);
+    return found == adapters.end() ? nullptr : found->second.get();
+}
+
+// Whether an adapter is, or reads at any depth, the one that is sought.
+bool Reads(const AttributeAdapter& adapter, const AttributeAdapter& sought) {
+    std::set<const AttributeAdapter*> seen{&adapter};
+    std::vector<const AttributeAdapter*> open{&adapter};
+    const auto add = [&](const auto& adapters) {
+        for (const auto& [key, next] : adapters) {
+            if (next && seen.insert(next.get()).second) {
+                open.push_back(next.get());
+            }
+        }
+    };
+    while (!open.empty() && open.back() != &sought) {
+        const AttributeAdapter* const last = open.back();
+        open.pop_back();
+        if (const auto* object = dynamic_cast<const DataObjectAdapter*>(last)) {
+            add(object->GetAdapters());
+        } else if (const auto* processor = dynamic_cast<const AttributeProcessor*>(last)) {
+            add(processor->GetInputs());
+        }
+    }
+    return !open.empty();
+}
+
+// Reads what a role tells of the value, and logs why it cannot be read.
+StatusCode ReadRole(const char* operation, const char* role, AttributeAdapter& adapter, const ValueRequest& request,
+                    json& value) {
+    auto quality = QUALITY_UNINITIALISED;
+    const auto status = GetValueOf(adapter, request, quality, value);
+    if (status == Status::NOT_AVAILABLE) {
+        KZM_LOG(INFORMATION, "%s: Did not got value from %s adapter", operation, role);
+    } else if (status != Status::SUCCESS) {
+        KZM_LOG(ERROR, "%s: Failed to get value from %s adapter '%s'", operation, role, Logging::Text(status).c_str());
+    }
+    return status;
+}
+
+StatusCode ReadValue(AttributeAdapter* adapter, const ValueRequest& request, _Quality_t& quality, json& value) {
+    constexpr const char* OPERATION = "GetValueWithAvailabilityAndQuality";
+    if (adapter == nullptr) {
+        KZM_LOG(ERROR, "%s: Pointer for value is empty", OPERATION);
+        return Status::NOT_FOUND;
+    }
+    const auto status = GetValueOf(*adapter, request, quality, value);
+    if (status != Status::SUCCESS && status != Status::NOT_AVAILABLE) {
+        KZM_LOG(ERROR, "%s: Failed to get value from value adapter '%s'", OPERATION, Logging::Text(status).c_str());
+    }
+    return status;
+}
+
+// The status with which a request without a value ends.
+StatusCode StatusWithoutValue(StatusCode status, const std::string& urn) {
+    if (status == Status::NOT_FOUND) {
+        return Status::INVALID_ARGUMENT;
+    }
+    if (status == Status::NOT_AVAILABLE) {
+        KZM_LOG_TRACE("%s: Did not read from cache, urn=%s", "GetObject", urn.c_str());
+    } else if (status != Status::MEASUREMENT_NOT_AVAILABLE) {
+        KZM_LOG(ERROR, "%s: Failed to get object value, urn=%s, status=%s", "GetObject", urn.c_str(),
+                Logging::Text(status).c_str());
+    }
+    return status;
+}
+
+StatusCode WriteTimestamp(AttributeAdapter& adapter, const ValueRequest& request, const ElementPath& path,
+                          kz::orba::VortaORBAObject& object) {
+    auto quality = QUALITY_UNINITIALISED;
+    json timestamp;
+    const auto status = GetValueOf(adapter, request, quality, timestamp);
+    if (status != Status::SUCCESS) {
+        KZM_LOG(INFORMATION, "%s: Failed to get value from timestamp adapter, status=%s", "GetObject",
+                Logging::Text(status).c_str());
+        return status;
+    }
+    if (!path.IsEmpty()) {
+        timestamp = timestamp.get<std::string>();
+    }
+    path.SetAttribute(object, "datetime", std::move(timestamp));
+    return status;
+}
+
 }  // namespace
 
 DataObjectAdapter::DataObjectAdapter(const std::string& elementPath, const std::string& urn)
@@ -26,9 +115,12 @@ DataObjectAdapter::DataObjectAdapter(const std::string& elementPath, const std::
 DataObjectAdapter::~DataObjectAdapter() = default;
 
 StatusCode DataObjectAdapter::SetAdapter(AttributeAdapterType type, const std::shared_ptr<AttributeAdapter>& adapter) {
-    // An adapter that holds itself would ask itself without end.
-    if (!adapter || adapter.get() == this) {
+    if (!adapter) {
         KZM_LOG(ERROR, "%s: Null pointer parameter", __func__);
+        return Status::OUT_OF_RANGE;
+    }
+    if (Reads(*adapter, *this)) {
+        KZM_LOG(ERROR, "%s: Refused an adapter that reads this data object itself, urn=%s", __func__, mUrn.c_str());
         return Status::OUT_OF_RANGE;
     }
     if (!mAdapters.emplace(type, adapter).second) {
@@ -38,60 +130,23 @@ StatusCode DataObjectAdapter::SetAdapter(AttributeAdapterType type, const std::s
     return Status::SUCCESS;
 }
 
-AttributeAdapter* DataObjectAdapter::FindAdapter(AttributeAdapterType type) const {
-    const auto found = mAdapters.find(type);
-    return found == mAdapters.end() ? nullptr : found->second.get();
-}
-
 StatusCode DataObjectAdapter::GetObject(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                         kz::orba::VortaORBAObject& object) {
-    const auto status = WriteValueAndQuality(cache, deviceBigEndian, ignoreCacheAge, object);
-    return WriteTimestamp(cache, deviceBigEndian, ignoreCacheAge, object, status);
-}
-
-StatusCode DataObjectAdapter::WriteValueAndQuality(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                                   kz::orba::VortaORBAObject& object) {
     auto quality = QUALITY_UNINITIALISED;
     json value;
-    const auto status = GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, quality, value);
+    auto status = GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, quality, value);
     if (status == Status::SUCCESS) {
         mElementPath.SetAttribute(object, "value", std::move(value));
         mElementPath.SetAttribute(object, "quality", ConvertToString(quality));
-        return status;
+    } else {
+        SetBadAttributeQuality(object);
+        status = StatusWithoutValue(status, mUrn);
     }
-    SetBadAttributeQuality(object);
-    if (status == Status::NOT_FOUND) {
-        return Status::INVALID_ARGUMENT;
+    if (AttributeAdapter* const timestamp = FindAdapter(mAdapters, TIMESTAMP)) {
+        return WriteTimestamp(*timestamp, {cache, deviceBigEndian, ignoreCacheAge, &mUrn}, mElementPath, object);
     }
-    if (status == Status::NOT_AVAILABLE) {
-        KZM_LOG_TRACE("%s: Did not read from cache, urn=%s", "GetObject", mUrn.c_str());
-    } else if (status != Status::MEASUREMENT_NOT_AVAILABLE) {
-        KZM_LOG(ERROR, "%s: Failed to get object value, urn=%s, status=%s", "GetObject", mUrn.c_str(),
-                Logging::Text(status).c_str());
-    }
-    return status;
-}
-
-StatusCode DataObjectAdapter::WriteTimestamp(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                             kz::orba::VortaORBAObject& object, StatusCode valueStatus) const {
-    AttributeAdapter* const adapter = FindAdapter(TIMESTAMP);
-    if (adapter == nullptr) {
-        mElementPath.SetAttribute(object, "datetime", DateTime::DateTime::GetCalendarTime());
-        KZM_LOG(INFORMATION, "%s: Pointer for timestamp is empty, default value is set", "GetObject");
-        return valueStatus;
-    }
-    auto quality = QUALITY_UNINITIALISED;
-    json timestamp;
-    const auto status = adapter->GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, quality, timestamp);
-    if (status != Status::SUCCESS) {
-        KZM_LOG(INFORMATION, "%s: Failed to get value from timestamp adapter, status=%s", "GetObject",
-                Logging::Text(status).c_str());
-        return status;
-    }
-    if (!mElementPath.IsEmpty()) {
-        timestamp = timestamp.get<std::string>();
-    }
-    mElementPath.SetAttribute(object, "datetime", std::move(timestamp));
+    mElementPath.SetAttribute(object, "datetime", DateTime::DateTime::GetCalendarTime());
+    KZM_LOG(INFORMATION, "%s: Pointer for timestamp is empty, default value is set", __func__);
     return status;
 }
 
@@ -116,17 +171,17 @@ StatusCode DataObjectAdapter::ComputeFrameIndexes() {
 }
 
 Device::ModbusMeasurementInformation DataObjectAdapter::GetModbusMeasurementInformation() const {
-    AttributeAdapter* const adapter = FindAdapter(VALUE);
+    AttributeAdapter* const adapter = FindAdapter(mAdapters, VALUE);
     return adapter ? adapter->GetModbusMeasurementInformation() : Device::ModbusMeasurementInformation{};
 }
 
 StatusCode DataObjectAdapter::GetIotValue(const std::string&, const Cache& cache, bool deviceBigEndian,
-                                          bool ignoreCacheAge, DeviceCache::_Quality_t& quality, json& value) {
+                                          bool ignoreCacheAge, _Quality_t& quality, json& value) {
     return GetValueWithAvailabilityAndQuality(cache, deviceBigEndian, ignoreCacheAge, /*edm=*/false, quality, value);
 }
 
 StatusCode DataObjectAdapter::GetEdmValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                          DeviceCache::_Quality_t& quality, json& value) {
+                                          _Quality_t& quality, json& value) {
     return GetValueWithAvailabilityAndQuality(cache, deviceBigEndian, ignoreCacheAge, /*edm=*/true, quality, value);
 }
 
@@ -143,13 +198,13 @@ bool DataObjectAdapter::HasEnumOutput() const {
 }
 
 StatusCode DataObjectAdapter::GetClassName(std::string& className) const {
-    AttributeAdapter* const adapter = FindAdapter(VALUE);
+    AttributeAdapter* const adapter = FindAdapter(mAdapters, VALUE);
     return adapter ? adapter->GetClassName(className) : Status::NOT_FOUND;
 }
 
 StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& cache, bool deviceBigEndian,
-                                                                 bool ignoreCacheAge, bool edm,
-                                                                 DeviceCache::_Quality_t& quality, json& value) const {
+                                                                 bool ignoreCacheAge, bool edm, _Quality_t& quality,
+                                                                 json& value) const {
     bool isAvailable = false;
     bool useValueQuality = true;
     auto status = GetAvailability(cache, deviceBigEndian, ignoreCacheAge, isAvailable);
@@ -160,12 +215,14 @@ StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& ca
         status = GetQuality(cache, deviceBigEndian, ignoreCacheAge, quality, useValueQuality);
         if (status != Status::SUCCESS) {
             KZM_LOG(INFORMATION, "%s: Failed to get quality", __func__);
-        } else {
-            auto valueQuality = QUALITY_UNINITIALISED;
-            status = ReadValue(cache, deviceBigEndian, ignoreCacheAge, edm, valueQuality, value);
-            if (status == Status::SUCCESS && useValueQuality) {
-                quality = valueQuality;
-            }
+        }
+    }
+    if (status == Status::SUCCESS) {
+        const ValueRequest request{cache, deviceBigEndian, ignoreCacheAge, edm ? nullptr : &mUrn};
+        auto valueQuality = QUALITY_UNINITIALISED;
+        status = ReadValue(FindAdapter(mAdapters, VALUE), request, valueQuality, value);
+        if (status == Status::SUCCESS && useValueQuality) {
+            quality = valueQuality;
         }
     }
     KZM_LOG_TRACE("[%s] urn='%s', value=%s, quality=%s, status = %s", __func__, mUrn.c_str(),
@@ -173,39 +230,17 @@ StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& ca
     return status;
 }
 
-StatusCode DataObjectAdapter::ReadValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge, bool edm,
-                                        DeviceCache::_Quality_t& quality, json& value) const {
-    constexpr const char* OPERATION = "GetValueWithAvailabilityAndQuality";
-    AttributeAdapter* const adapter = FindAdapter(VALUE);
-    if (adapter == nullptr) {
-        KZM_LOG(ERROR, "%s: Pointer for value is empty", OPERATION);
-        return Status::NOT_FOUND;
-    }
-    const auto status = edm ? adapter->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, quality, value)
-                            : adapter->GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, quality, value);
-    if (status != Status::SUCCESS && status != Status::NOT_AVAILABLE) {
-        KZM_LOG(ERROR, "%s: Failed to get value from value adapter '%s'", OPERATION, Logging::Text(status).c_str());
-    }
-    return status;
-}
-
 StatusCode DataObjectAdapter::GetAvailability(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                               bool& available) const {
-    AttributeAdapter* const adapter = FindAdapter(AVAILABILITY);
+    AttributeAdapter* const adapter = FindAdapter(mAdapters, AVAILABILITY);
     available = adapter == nullptr;
     if (available) {
         return Status::SUCCESS;
     }
-    auto quality = QUALITY_UNINITIALISED;
     json value;
-    const auto status = adapter->GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, quality, value);
-    if (status == Status::NOT_AVAILABLE) {
-        KZM_LOG(INFORMATION, "%s: Did not got value from availability adapter", __func__);
-        return status;
-    }
+    const ValueRequest request{cache, deviceBigEndian, ignoreCacheAge, &mUrn};
+    const auto status = ReadRole(__func__, "availability", *adapter, request, value);
     if (status != Status::SUCCESS) {
-        KZM_LOG(ERROR, "%s: Failed to get value from availability adapter '%s'", __func__,
-                Logging::Text(status).c_str());
         return status;
     }
     if (!value.is_boolean()) {
@@ -217,21 +252,16 @@ StatusCode DataObjectAdapter::GetAvailability(const Cache& cache, bool deviceBig
 }
 
 StatusCode DataObjectAdapter::GetQuality(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                         DeviceCache::_Quality_t& quality, bool& useValueQuality) const {
-    AttributeAdapter* const adapter = FindAdapter(AttributeAdapterType::QUALITY);
+                                         _Quality_t& quality, bool& useValueQuality) const {
+    AttributeAdapter* const adapter = FindAdapter(mAdapters, AttributeAdapterType::QUALITY);
     useValueQuality = adapter == nullptr;
     if (useValueQuality) {
         return Status::SUCCESS;
     }
-    auto cacheQuality = QUALITY_UNINITIALISED;
     json value;
-    const auto status = adapter->GetIotValue(mUrn, cache, deviceBigEndian, ignoreCacheAge, cacheQuality, value);
-    if (status == Status::NOT_AVAILABLE) {
-        KZM_LOG(INFORMATION, "%s: Did not got value from quality adapter", __func__);
-        return status;
-    }
+    const ValueRequest request{cache, deviceBigEndian, ignoreCacheAge, &mUrn};
+    const auto status = ReadRole(__func__, "quality", *adapter, request, value);
     if (status != Status::SUCCESS) {
-        KZM_LOG(ERROR, "%s: Failed to get value from quality adapter '%s'", __func__, Logging::Text(status).c_str());
         return status;
     }
     if (value.is_string()) {

@@ -17,13 +17,18 @@ class KZM_MODBUS_EXPORT DataObjectAdapter : public VortaObjectAdapter, public At
 public:
     using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
 
+    using Adapters = std::map<AttributeAdapterType, std::shared_ptr<AttributeAdapter>>;
+
     // `elementPath`: see ElementPath. `urn` identifies the attribute for all four adapters.
     DataObjectAdapter(const std::string& elementPath, const std::string& urn);
     ~DataObjectAdapter() override;
 
-    // Gives a role its adapter, while the model is built. 28: null, or this adapter itself. 20: the role has one
-    // already, which stays. Both are logged as errors.
+    // Gives a role its adapter, while the model is built. OUT_OF_RANGE: the adapter is null, is this adapter itself, or
+    // reads this adapter through the roles of data objects and the inputs of processors; a request would never end.
+    // ALREADY_SET: the role has an adapter, which stays. Each is logged as an error.
     kz::orba::StatusCode SetAdapter(AttributeAdapterType type, const std::shared_ptr<AttributeAdapter>& adapter);
+    // The adapters that have been set.
+    const Adapters& GetAdapters() const { return mAdapters; }
 
     // Writes "value", "quality" and "datetime". Where no value can be had, "quality" becomes "Bad" and "value" stays as
     // it was. Without a timestamp adapter "datetime" is the current calendar time and the value's status is returned:
@@ -70,17 +75,9 @@ public:
     void SetBadAttributeQuality(kz::orba::VortaORBAObject& object);
 
 private:
-    AttributeAdapter* FindAdapter(AttributeAdapterType type) const;
-    kz::orba::StatusCode ReadValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge, bool edm,
-                                   DeviceCache::_Quality_t& quality, nlohmann::json& value) const;
-    kz::orba::StatusCode WriteValueAndQuality(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                              kz::orba::VortaORBAObject& object);
-    kz::orba::StatusCode WriteTimestamp(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
-                                        kz::orba::VortaORBAObject& object, kz::orba::StatusCode valueStatus) const;
-
     ElementPath mElementPath;
     std::string mUrn;
-    std::map<AttributeAdapterType, std::shared_ptr<AttributeAdapter>> mAdapters;
+    Adapters mAdapters;
     std::set<std::uint8_t> mFrameIndexes;
 };
 

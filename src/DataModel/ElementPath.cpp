@@ -21,7 +21,7 @@ json& Descend(json& parent, const std::string& token) {
     }
     json::json_pointer pointer;
     pointer.push_back(token);
-    return parent.at(pointer);
+    return parent[pointer];
 }
 
 }  // namespace

@@ -20,8 +20,10 @@ public:
     // `path`: empty, or element names joined by "/".
     explicit ElementPath(const std::string& path);
 
-    // Sets one attribute. Missing parents, and null ones, are made as objects. Throws the JSON library's error, with
-    // the parents made so far left behind, where a parent is neither object nor array, or an array without that index.
+    // Sets one attribute. Missing parents, and null ones, become objects. In an array a token is an index: one past the
+    // end fills the array with nulls up to it, "-" appends. Throws the JSON library's error, with the parents made so
+    // far left behind, for a token that is not an index (parse_error 106 or 109, out_of_range 404 or 410) and where a
+    // parent is neither object nor array (out_of_range 404).
     void SetAttribute(kz::orba::VortaORBAObject& object, const std::string& key, nlohmann::json&& value) const;
 
     // Whether it leads to the top of the object.

@@ -25,7 +25,10 @@ MeasurementComputedAlarmOperand::MeasurementComputedAlarmOperand(std::string nam
             mFrameIndexes.insert(element->GetFrameIndex());
         }
     } else if (auto* adapter = SourceAs<DataObjectAdapter>(mSource)) {
-        adapter->ComputeAndGetFrameIndexes(mFrameIndexes);
+        if (adapter->ComputeAndGetFrameIndexes(mFrameIndexes) != Status::SUCCESS) {
+            // One of its roles has no frame; the value may be read all the same.
+            mFrameIndexes = adapter->GetFrameIndexes();
+        }
     }
 }
 

@@ -39,9 +39,8 @@ kz::orba::StatusCode PreviousMeasurementComputedAlarmOperand::GetValue(
 
 void PreviousMeasurementComputedAlarmOperand::UpdatePreviousValueQuality(
     ComputedAlarmPreviousMeasurement& record) const {
-    constexpr std::uint64_t PERIOD =
-        PreviousValuePeriod(DataHandler::Alarm::Engine::EXPECTED_ALARM_PROCESSING_TIME_SEC);
-    const std::uint64_t limit = DateTime::DateTime::GetRealTimeInMilliseconds() - (PERIOD + PERIOD / 2);
+    const std::uint64_t period = PreviousValuePeriod(DataHandler::Alarm::Engine::EXPECTED_ALARM_PROCESSING_TIME_SEC);
+    const std::uint64_t limit = DateTime::DateTime::GetRealTimeInMilliseconds() - (period + period / 2);
     if (record.timestamp < limit) {
         record.quality = DeviceCache::QUALITY_BAD;
     }

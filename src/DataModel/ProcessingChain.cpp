@@ -13,6 +13,26 @@ namespace {
 constexpr const char* LOG_MODULE = "ModbusDeviceModel::ProcessingChain";
 constexpr const char* VERIFY = "__VerifyParameters";
 
+kz::orba::StatusCode VerifySignature(const ProcessingChain& chain, const ProcessingChain::Signature& signature,
+                                     const nlohmann::json& parameters) {
+    for (const auto& [key, type] : signature) {
+        nlohmann::json value;
+        const auto status = Json::Parser::CheckAndParse(parameters, key, value);
+        if (status != Status::SUCCESS) {
+            KZM_LOG(INFORMATION, "[%s][%s] Missing key=%s in parameters=%s", VERIFY, chain.GetName().c_str(),
+                    key.c_str(), Logging::Text(parameters).c_str());
+            return status;
+        }
+        if (!chain.__CheckJsonValueType(value, type)) {
+            KZM_LOG(INFORMATION, "[%s][%s] Error checking value type (expected=%u), key=%s, value=%s / %s", VERIFY,
+                    chain.GetName().c_str(), static_cast<unsigned>(type), key.c_str(), Logging::Text(value).c_str(),
+                    Logging::Text(parameters).c_str());
+            return Status::OUT_OF_RANGE;
+        }
+    }
+    return Status::SUCCESS;
+}
+
 }  // namespace
 
 const std::string ProcessingChain::JSON_VALUE_PARAMETER = "value";
@@ -39,32 +59,12 @@ kz::orba::StatusCode ProcessingChain::Execute(const nlohmann::json& parameters, 
 kz::orba::StatusCode ProcessingChain::__VerifyParameters(const nlohmann::json& parameters) const {
     auto status = Status::OUT_OF_RANGE;
     for (const Signature& signature : mSignatures) {
-        status = VerifySignature(signature, parameters);
+        status = VerifySignature(*this, signature, parameters);
         if (status == Status::SUCCESS) {
             break;
         }
     }
     return status;
-}
-
-kz::orba::StatusCode ProcessingChain::VerifySignature(const Signature& signature,
-                                                      const nlohmann::json& parameters) const {
-    for (const auto& [key, type] : signature) {
-        nlohmann::json value;
-        const auto status = Json::Parser::CheckAndParse(parameters, key, value);
-        if (status != Status::SUCCESS) {
-            KZM_LOG(INFORMATION, "[%s][%s] Missing key=%s in parameters=%s", VERIFY, mName.c_str(), key.c_str(),
-                    Logging::Text(parameters).c_str());
-            return status;
-        }
-        if (!__CheckJsonValueType(value, type)) {
-            KZM_LOG(INFORMATION, "[%s][%s] Error checking value type (expected=%u), key=%s, value=%s / %s", VERIFY,
-                    mName.c_str(), static_cast<unsigned>(type), key.c_str(), Logging::Text(value).c_str(),
-                    Logging::Text(parameters).c_str());
-            return Status::OUT_OF_RANGE;
-        }
-    }
-    return Status::SUCCESS;
 }
 
 bool ProcessingChain::__CheckJsonValueType(const nlohmann::json& value, ProcessingChainOperandType type) const {

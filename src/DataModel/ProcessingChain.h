@@ -13,7 +13,7 @@ namespace kzm::ModbusDeviceModel {
 
 // The JSON type that a chain's parameter must have. Null, arrays and binary values are never accepted, and any other
 // number accepts nothing.
-enum class ProcessingChainOperandType : std::uint32_t {
+enum ProcessingChainOperandType : std::uint32_t {
     OBJECT = 0,
     NUMBER = 1,   // integer or floating point
     INTEGER = 2,  // signed or unsigned
@@ -51,8 +51,6 @@ public:
 
 private:
     virtual kz::orba::StatusCode Process(const nlohmann::json& parameters, nlohmann::json& result) const = 0;
-
-    kz::orba::StatusCode VerifySignature(const Signature& signature, const nlohmann::json& parameters) const;
 
     std::vector<Signature> mSignatures;
     std::string mName;

@@ -10,6 +10,14 @@ namespace kzm::ModbusDeviceModel::DeviceCache {
 // Age in milliseconds past which a frame is out of date: 12000 ms is still fresh, 12001 ms is not.
 inline constexpr std::uint32_t DEFAULT_REGISTER_CACHE_TIMEOUT_MS = 12000;
 
+// Whether a frame may be used without ignoring its age: it has been received, at most
+// DEFAULT_REGISTER_CACHE_TIMEOUT_MS ago and not in the future. `timestamp`: as GetFrameTimestamp gives it. `now`: the
+// same clock, read after the timestamp; otherwise a frame that is updated in between would seem to come from the
+// future.
+constexpr bool IsFresh(std::uint64_t timestamp, std::uint64_t now) {
+    return timestamp != 0 && now - timestamp <= DEFAULT_REGISTER_CACHE_TIMEOUT_MS;
+}
+
 // The gateway's register cache as this library reads it. The gateway implements it and passes it with every request;
 // the library never keeps it. Both operations are called from several threads at once, also while the gateway writes.
 class KZM_MODBUS_EXPORT CacheReadAccessInterface {

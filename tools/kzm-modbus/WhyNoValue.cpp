@@ -37,11 +37,6 @@ std::string DescribeAge(std::uint64_t timestamp) {
     return " is out of date (" + FormatNumber(static_cast<double>(tenths) / 10) + " s)";
 }
 
-bool IsOutOfDate(std::uint64_t timestamp) {
-    return DateTime::DateTime::GetRealTimeInMilliseconds() - timestamp >
-           ModbusDeviceModel::DeviceCache::DEFAULT_REGISTER_CACHE_TIMEOUT_MS;
-}
-
 // `outOfDate`: whether the value would be there but for the age of a frame.
 std::string WhyNotAvailable(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache,
                             bool outOfDate) {
@@ -62,7 +57,8 @@ std::string WhyFrameCannotBeUsed(const LoadedProfile& profile, std::uint8_t fram
     if (timestamp == 0) {
         return frame + " was never received";
     }
-    return IsOutOfDate(timestamp) ? frame + DescribeAge(timestamp) : "";
+    const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
+    return ModbusDeviceModel::DeviceCache::IsFresh(timestamp, now) ? "" : frame + DescribeAge(timestamp);
 }
 
 std::string WhyNoValue(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache) {

@@ -1,5 +1,7 @@
 #include "kzm/Log/RootLogger.h"
 
+#include <cxxabi.h>
+
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
@@ -26,7 +28,7 @@ State& GetState() {
     return state;
 }
 
-void Deliver(State& state, OrbaLogLevel level, const char* line) noexcept {
+void Deliver(State& state, OrbaLogLevel level, const char* line) {
     try {
         const std::lock_guard lock(state.mutex);
         if (state.sink) {
@@ -34,6 +36,8 @@ void Deliver(State& state, OrbaLogLevel level, const char* line) noexcept {
         } else {
             std::fprintf(stderr, "%s\n", line);
         }
+    } catch (abi::__forced_unwind&) {
+        throw;  // the thread is being cancelled
     } catch (...) {
         // The line is lost; whoever wrote it goes on.
     }

@@ -1,3 +1,8 @@
+#include <pthread.h>
+#include <unistd.h>
+
+#include <future>
+
 #include "DataModel/AttributeConstant.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
@@ -72,7 +77,7 @@ TEST(AttributeConverter, WhatCannotBeReadOrDecodedIsNoValue) {
 
 TEST(AttributeConverter, ACacheThatLiesIsNeverBelieved) {
     const StoppedClock clock(NOW);
-    const CapturedLog quiet(OrbaLogLevel::NONE);
+    CapturedLog log(OrbaLogLevel::ERROR);
     struct LyingCache : CacheReadAccessInterface {
         std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
                                 std::uint32_t, _Quality_t& quality) const override {
@@ -90,15 +95,57 @@ TEST(AttributeConverter, ACacheThatLiesIsNeverBelieved) {
     };
     const auto sizes = [](std::uint32_t size) { return [=](auto&) { return size; }; };
     expect({}, "42 Questionable \"before\"", sizes(257));
-    expect({}, "42 Questionable \"before\"", sizes(~0U));
     expect({}, "42 Questionable \"before\"", sizes(256));  // past what an element can hold
-    expect({}, "0 Questionable 256", sizes(2));            // without a quality
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::ElementData] [Build] Received data exceed the max buffer size. Received = 257 bytes, Max = 255 bytes
+[DataModel::ElementData] [Build] Received data exceed the max buffer size. Received = 256 bytes, Max = 255 bytes)");
+    log.Clear();
+    expect({}, "42 Questionable \"before\"", sizes(~0U));
+    expect({}, "0 Questionable 256", sizes(2));  // without a quality
     expect({}, "0 Questionable 1", sizes(1));
     expect({}, "42 Questionable \"before\"", sizes(0));
     expect({.code = 14, .registers = 2}, "0 Questionable 65536", sizes(3));
     expect({}, "42 Bad \"before\"",
            [](auto& quality) -> std::uint32_t { throw quality = QUALITY_BAD, std::runtime_error("gone"); });
     expect({}, "42 Questionable \"before\"", [](auto&) -> std::uint32_t { throw 7; });
+}
+
+// What a request waits for is left by a thread that is cancelled, like any other call.
+TEST(ThreadsAttributeConverter, ACancelledThreadEndsWithinTheCacheAndWithinALogLine) {
+    struct WaitingCache : TestCache {
+        std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t*, std::uint32_t,
+                                _Quality_t&) const override {
+            wait();
+            return 0;
+        }
+        std::function<void()> wait;
+    };
+    const auto isCancelled = [](std::function<void()> request, std::promise<void>& isWaiting) {
+        pthread_t thread{};
+        const auto run = [](void* function) -> void* {
+            (*static_cast<std::function<void()>*>(function))();
+            return nullptr;
+        };
+        pthread_create(&thread, nullptr, run, &request);
+        isWaiting.get_future().wait();
+        pthread_cancel(thread);
+        void* result = nullptr;
+        pthread_join(thread, &result);
+        return result == PTHREAD_CANCELED;
+    };
+    const CapturedLog restoring(OrbaLogLevel::ERROR);
+    std::promise<void> inCache, inLog;
+    const auto waitIn = [](std::promise<void>& place) {
+        place.set_value();
+        for (;;) {
+            pause();
+        }
+    };
+    const auto cache = std::make_shared<WaitingCache>();
+    cache->wait = [&] { waitIn(inCache); };
+    EXPECT_TRUE(isCancelled([&] { Ask(*MakeConverter({}), cache, true); }, inCache));
+    Log::RootLogger::GetInstance().SetSink([&](auto, const char*) { waitIn(inLog); });
+    EXPECT_TRUE(isCancelled([&] { Ask(*MakeConverter({}), nullptr); }, inLog));
 }
 
 TEST(AttributeConverter, ReadingIsLoggedStepByStep) {

@@ -119,6 +119,11 @@ TEST(ComputedAlarm, AMeasurementIsReadFromItsSource) {
     EXPECT_EQ(value, 7);
     EXPECT_EQ(quality, QUALITY_GOOD);
     EXPECT_EQ(ofObject.GetFrameIndexes(), std::set<std::uint8_t>{0});
+    const auto half = std::make_shared<DataObjectAdapter>("", "urn");
+    half->SetAdapter(VALUE, MakeConverter({.frame = 3}));
+    half->SetAdapter(TIMESTAMP, MakeConverter({.frame = 255}));
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    EXPECT_EQ(MeasurementComputedAlarmOperand("left", half).GetFrameIndexes(), std::set<std::uint8_t>{3});
     EXPECT_EQ(ofNothing.GetFrameIndexes(), std::set<std::uint8_t>{});
     EXPECT_EQ(Constant(1)->GetFrameIndexes(), std::nullopt);
     EXPECT_EQ(Constant(1)->GetPreviousValueName(), std::nullopt);

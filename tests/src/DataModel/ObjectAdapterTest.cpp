@@ -1,4 +1,5 @@
 #include "DataModel/AttributeConstant.h"
+#include "DataModel/AttributeProcessor.h"
 #include "DataModel/DataObjectAdapter.h"
 #include "DataModel/SimpleObjectAdapter.h"
 #include "src/TestCache.h"
@@ -86,17 +87,28 @@ TEST(ElementPath, IsSplitAsAJsonPointerAndMakesMissingParentsObjects) {
                 {"a/b", R"({"elements": {"a": null}})", R"({"elements":{"a":{"b":{"value":1}}}})"},
                 {"0", "null", R"({"elements":{"0":{"value":1}}})"},
                 {"1", R"({"elements": [{}, {"x": 2}]})", R"({"elements":[{},{"value":1,"x":2}]})"},
+                {"0", R"({"elements": []})", R"({"elements":[{"value":1}]})"},
+                {"2/a", R"({"elements": [5]})", R"({"elements":[5,null,{"a":{"value":1}}]})"},
+                {"-", R"({"elements": [{}]})", R"({"elements":[{},{"value":1}]})"},
                 {"a~1b~0", "{}", R"({"elements":{"a/b~":{"value":1}}})"},
                 {"/", "{}", R"({"elements":{"":{"":{"value":1}}}})"}};
     for (const auto& row : ROWS) {
         SimpleObjectAdapter adapter(row.path, Constant(1));
         EXPECT_EQ(Fill(adapter, nullptr, row.before), std::string("0 ") + row.after) << row.path;
     }
-    SimpleObjectAdapter adapter("x", Constant(1));
-    EXPECT_THROW(Fill(adapter, nullptr, R"({"elements": []})"), json::exception);
-    EXPECT_THROW(Fill(adapter, nullptr, R"({"elements": 5})"), json::exception);
-    SimpleObjectAdapter farIndex("4000000000", Constant(1));
-    EXPECT_THROW(Fill(farIndex, nullptr, R"({"elements": []})"), json::out_of_range);
+    const struct {
+        const char *path, *elements;
+        int error;
+    } FAILURES[] = {{"xy", "[]", 109}, {"01", "[1, 2]", 106}, {"99999999999999999999", "[]", 404}, {"x", "5", 404}};
+    for (const auto& row : FAILURES) {
+        SimpleObjectAdapter adapter(row.path, Constant(1));
+        try {
+            Fill(adapter, nullptr, (R"({"elements": )" + std::string(row.elements) + "}").c_str());
+            ADD_FAILURE() << row.path << " in " << row.elements;
+        } catch (const json::exception& error) {
+            EXPECT_EQ(error.id, row.error) << row.path;
+        }
+    }
     EXPECT_THROW(SimpleObjectAdapter("a~2", Constant(1)), json::parse_error);
 }
 
@@ -214,13 +226,28 @@ TEST(DataObjectAdapter, ARoleTakesOneAdapter) {
     const auto object = MakeObject({{VALUE, Constant(1)}});
     EXPECT_EQ(Number(object->SetAdapter(VALUE, Constant(2))), 20);
     EXPECT_EQ(Number(object->SetAdapter(TIMESTAMP, nullptr)), 28);
-    EXPECT_EQ(Number(object->SetAdapter(AVAILABILITY, object)), 28);
     EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
 [DataModel::DataObjectAdapter] SetAdapter: an adapter is already set
-[DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter
 [DataModel::DataObjectAdapter] SetAdapter: Null pointer parameter)");
     const StoppedClock clock(NOW);
     EXPECT_EQ(Fill(*object), "0 {" + DATE + R"(,"quality":"Good","value":1})");
+}
+
+TEST(DataObjectAdapter, RefusesAnAdapterThatReadsIt) {
+    CapturedLog log;
+    const auto first = MakeObject({}), second = MakeObject({{VALUE, first}, {QUALITY, first}});
+    const auto third =
+        MakeObject({{TIMESTAMP, std::make_shared<AttributeProcessor>(
+                                    AttributeProcessor::Inputs{{"a", nullptr}, {"b", second}}, nullptr)}});
+    for (const auto& reader : {first, second, third}) {
+        EXPECT_EQ(Number(first->SetAdapter(AVAILABILITY, reader)), 28);
+    }
+    EXPECT_EQ(Number(third->SetAdapter(AVAILABILITY, first)), 0);
+    EXPECT_EQ(Number(first->SetAdapter(AVAILABILITY, Constant(true))), 0);
+    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
+[DataModel::DataObjectAdapter] SetAdapter: Refused an adapter that reads this data object itself, urn=urn
+[DataModel::DataObjectAdapter] SetAdapter: Refused an adapter that reads this data object itself, urn=urn
+[DataModel::DataObjectAdapter] SetAdapter: Refused an adapter that reads this data object itself, urn=urn)");
 }
 
 TEST(DataObjectAdapter, FrameIndexesAreMergedOverRolesAndReplaceTheCallersSet) {

@@ -8,6 +8,7 @@
 namespace kzm::ModbusDeviceModel::Test {
 
 using Type = ProcessingChainOperandType;
+static_assert(std::is_convertible_v<Type, std::uint32_t> && NUMBER == 1, "a plain enumeration");
 
 namespace {
 
