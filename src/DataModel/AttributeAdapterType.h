@@ -8,7 +8,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 enum AttributeAdapterType : std::int32_t {
     VALUE = 0,         // produces the object's value; mandatory
     AVAILABILITY = 1,  // a boolean: whether the measurement is available
-    QUALITY = 2,       // a text: "Good" means good, any other text bad
+    QUALITY = 2,       // a text: "Good" means Good, any other text means Bad
     TIMESTAMP = 3,     // produces the object's date-time
 };
 

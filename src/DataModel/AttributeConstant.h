@@ -6,10 +6,10 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// An attribute whose value never changes. Reads no cache and never fails: quality Good, status 0.
+// An attribute whose value never changes. Does not read the cache and never fails: quality Good, status SUCCESS.
 class KZM_MODBUS_EXPORT AttributeConstant : public AttributeAdapter {
 public:
-    // The value in both its forms.
+    // `value`: what both forms give.
     explicit AttributeConstant(nlohmann::json value);
     ~AttributeConstant() override;
 
@@ -22,11 +22,11 @@ public:
                                      nlohmann::json& value) override;
     // Adds nothing.
     kz::orba::StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) override;
-    // 60: a constant has no class of its own.
+    // NOT_SUPPORTED: a constant has no class of its own.
     kz::orba::StatusCode GetClassName(std::string& className) const override;
-    // Should not be asked: logs an error and gives the default record.
+    // Not meant to be called: logs an error and returns the default record.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
-    // Never.
+    // False.
     bool HasEnumOutput() const override;
 
 private:

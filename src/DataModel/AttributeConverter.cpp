@@ -48,7 +48,7 @@ StatusCode ReadAndBuild(const CacheReadAccessInterface& cache, bool deviceBigEnd
     return isBuilt && !invalid ? Status::SUCCESS : Status::NOT_AVAILABLE;
 }
 
-// The form that is asked for, with the words in which its log lines differ.
+// The form that is asked for, with the words that differ in its log lines.
 struct LabelForm {
     const char* operation;
     const char* name;
@@ -72,7 +72,7 @@ StatusCode TranslateValue(const LabelForm& form, std::uint16_t address, nlohmann
     return status;
 }
 
-// Goes on from the `status` of the element's own value.
+// Logs the outcome of reading an element and, for an enumeration, replaces the label by its translation.
 StatusCode TranslateIfLabel(bool isLabel, const LabelForm& form, StatusCode status, std::uint16_t address,
                             const DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     if (isLabel && status != Status::SUCCESS) {

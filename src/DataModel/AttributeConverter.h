@@ -20,17 +20,19 @@ public:
 
     // Reads an element's registers from the cache and decodes them.
     //
-    // 0: `value` is the decoded value, `quality` the cache's, which may be Bad or Questionable: judging it is the
-    // caller's business. 1: no cache, or the element is in no frame; both outputs untouched; logged as an error. 42:
-    // the frame is out of date (outputs untouched) or was never received (`quality` Uninitialised), the registers mean
-    // "not available" or a value that cannot be had (`value` null), or cannot be decoded (`value` untouched). An
-    // exception of the cache or of the decoding is 42 as well, and logged as an error.
+    // SUCCESS: `value` is the decoded value and `quality` the cache's, which may be Bad or Questionable; judging it is
+    // left to the caller.
+    // INVALID_ARGUMENT: no cache, or the element is in no frame; outputs untouched, logged as an error.
+    // NOT_AVAILABLE: the frame is not fresh (outputs untouched) or was never received (`quality` Uninitialised), the
+    // registers hold the "not available" pattern or a value out of range (`value` null), or they cannot be decoded
+    // (`value` untouched). More bytes than the buffer of 256 holds and any exception of the cache or of the decoding
+    // are NOT_AVAILABLE too, and logged as errors.
     static kz::orba::StatusCode GetValueFromElementData(
         const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache, bool deviceBigEndian, bool ignoreCacheAge,
         ElementData& element, DeviceCache::_Quality_t& quality, nlohmann::json& value);
 
-    // Statuses of GetValueFromElementData; with enumeration pairs also 42 when the decoded value is no text, and the
-    // dictionary's own status for an unknown label.
+    // Statuses of GetValueFromElementData; with enumeration pairs also NOT_AVAILABLE if the decoded value is not a
+    // text, and the dictionary's status for an unknown label. `value` is then what was decoded.
     kz::orba::StatusCode GetIotValue(const std::string& urn,
                                      const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                      bool deviceBigEndian, bool ignoreCacheAge, DeviceCache::_Quality_t& quality,
@@ -38,11 +40,11 @@ public:
     kz::orba::StatusCode GetEdmValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                      bool deviceBigEndian, bool ignoreCacheAge, DeviceCache::_Quality_t& quality,
                                      nlohmann::json& value) override;
-    // 1, and nothing added, when the element is in no frame.
+    // INVALID_ARGUMENT, and nothing added, if the element is in no frame.
     kz::orba::StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) override;
-    // By the logic code; 44 for a code without a class.
+    // The class of the logic code; NOT_FOUND for a code without a class.
     kz::orba::StatusCode GetClassName(std::string& className) const override;
-    // The element as it was given, without function code and unit.
+    // The element's settings; see MeasurementInformationOf.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
     // Whether there are enumeration pairs.
     bool HasEnumOutput() const override;

@@ -18,7 +18,7 @@ constexpr const char* LOG_MODULE = "DataModel::AttributeProcessor";
 constexpr const char* GET_VALUE = "GetValue";
 const std::string NO_URN;
 
-// Puts the value of one input under its name. A Bad input makes `quality` Bad; its value is used all the same.
+// Stores the value of one input under its name. A Bad input makes `quality` Bad, but its value is used.
 StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const ValueRequest& request,
                      DeviceCache::_Quality_t& quality, json& parameters) {
     auto inputQuality = DeviceCache::QUALITY_UNINITIALISED;
@@ -39,7 +39,7 @@ StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const V
     return status;
 }
 
-// Null inputs are skipped; INVALID_ARGUMENT where there is no other.
+// Null inputs are skipped; INVALID_ARGUMENT if there are no others.
 StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueRequest& request,
                       DeviceCache::_Quality_t& quality, json& parameters) {
     auto status = Status::INVALID_ARGUMENT;
@@ -125,7 +125,7 @@ StatusCode AttributeProcessor::ComputeAndGetFrameIndexes(std::set<std::uint8_t>&
                     Logging::Text(Status::INVALID_ARGUMENT).c_str());
             return Status::INVALID_ARGUMENT;
         }
-        // A data object adapter replaces the set that it is handed; what the others added must stay.
+        // Its own set, because a data object adapter replaces the content of the set that it is given.
         std::set<std::uint8_t> inputsFrames;
         const auto status = adapter->ComputeAndGetFrameIndexes(inputsFrames);
         frameIndexes.merge(inputsFrames);

@@ -7,12 +7,11 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// An attribute that is computed: its inputs, read in their device-dictionary form, are the parameters of a processing
-// chain, under their names.
+// A computed attribute: its inputs, read in their device-dictionary form, are passed by name to a processing chain.
 class KZM_MODBUS_EXPORT AttributeProcessor : public AttributeAdapter {
 public:
     using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
-    // Adapters by the name of the chain's parameter that they feed.
+    // Adapters by the name of the chain parameter that they provide.
     using Inputs = std::map<std::string, std::shared_ptr<AttributeAdapter>>;
 
     // Inputs and chain are shared with the caller and must not change afterwards.
@@ -24,18 +23,21 @@ public:
                                      nlohmann::json& value) override;
     kz::orba::StatusCode GetEdmValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                      DeviceCache::_Quality_t& quality, nlohmann::json& value) override;
-    // 1: no inputs, or a null one; an input's failure ends it. What was added before stays.
+    // INVALID_ARGUMENT: no inputs, or a null one. The first input that fails ends the collection with its status; what
+    // was added before stays.
     kz::orba::StatusCode ComputeAndGetFrameIndexes(std::set<std::uint8_t>& frameIndexes) override;
-    // 60: a computed value has no class of its own.
+    // NOT_SUPPORTED: a computed value has no class of its own.
     kz::orba::StatusCode GetClassName(std::string& className) const override;
-    // Should not be asked: logs an error and gives the default record.
+    // Not meant to be called: logs an error and returns the default record.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
-    // False: the chain's labels are translated already.
+    // False: a label that the chain gives is already translated.
     bool HasEnumOutput() const override;
 
-    // 0: `value` is the chain's result, or what its label translates to. `quality` is Bad as soon as one input is Bad,
-    // else Good. 1: no inputs, only null ones, no chain, or a result that should be a label and is no text. Any other:
-    // the status of the input, of the chain, or of the label dictionary. `value` is of no use after a failure.
+    // SUCCESS: `value` is the chain's result, or the translation of the label that it gives. `quality` is Bad if one
+    // input is Bad, otherwise Good, even for a Questionable input.
+    // INVALID_ARGUMENT: no inputs, only null ones, no chain, or a result that should be a label but is not a text.
+    // Any other: the status of an input, of the chain, or of the label dictionary. After a failure `value` must not be
+    // used, and `quality` is Bad if an input read so far was. Null inputs are skipped and logged.
     kz::orba::StatusCode GetValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                   DeviceCache::_Quality_t& quality, nlohmann::json& value, bool edm,
                                   const std::string& urn);

@@ -23,7 +23,7 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::ComputedAlarmElement";
 constexpr const char* BUILD = "BuildVortaObjectValue";
 
-// What one operand gave.
+// An operand and what it gave.
 struct Reading {
     const ComputedAlarmOperand& operand;
     _Quality_t quality = QUALITY_BAD;
@@ -58,7 +58,7 @@ StatusCode Evaluate(const Reading& left, const Reading& right, const ProcessingC
     if (left.IsUnusable(Type::MEASUREMENT) || right.IsUnusable(Type::MEASUREMENT)) {
         return Status::NOT_AVAILABLE;
     }
-    // Without a usable previous value, as at the first evaluation, nothing has changed.
+    // Without a usable previous value, for example at the first evaluation, nothing has changed.
     if (left.IsUnusable(Type::PREVIOUS_MEASUREMENT) || right.IsUnusable(Type::PREVIOUS_MEASUREMENT)) {
         value = "Inactive";
         return Status::SUCCESS;

@@ -6,20 +6,20 @@
 namespace kzm::ModbusDeviceModel::DataModel {
 
 // An alarm that the device does not report itself: a processing chain compares two operands. With a previous
-// measurement as one operand it reports a change. Evaluations run on many threads at once, each with its own map of
-// previous values; the setters must not run beside them.
+// measurement as one operand it reports a change. Evaluations may run on many threads at once, each with its own map of
+// previous values; no setter may run at the same time.
 class KZM_MODBUS_EXPORT ComputedAlarmElement {
 public:
     using Cache = std::shared_ptr<DeviceCache::CacheReadAccessInterface>;  // the gateway's register cache
 
-    // `hasChangedAlarm`: the alarm is momentary, it reports a change and holds no state. `priority`: "LOW", "MEDIUM" or
+    // `hasChangedAlarm`: the alarm is momentary: it reports a change instead of a state. `priority`: "LOW", "MEDIUM" or
     // "HIGH".
     ComputedAlarmElement(std::string name, bool hasChangedAlarm, std::string priority, std::string description,
                          std::string type, std::shared_ptr<ProcessingChain> processingChain,
                          std::shared_ptr<ComputedAlarmOperand> leftOperand,
                          std::shared_ptr<ComputedAlarmOperand> rightOperand);
 
-    // What the constructor was given, or the setter last.
+    // As given to the constructor or to the setter last called.
     const std::string& GetName() const { return mName; }
     const std::string& GetDescription() const { return mDescription; }
     void SetDescription(const std::string& description) { mDescription = description; }
@@ -29,17 +29,21 @@ public:
     void SetPriority(const std::string& priority) { mPriority = priority; }
     bool IsHasChangedAlarm() const { return mHasChangedAlarm; }
 
-    // Evaluates the alarm, then keeps the measurement of a has-changed alarm in `previous`, whatever the outcome.
+    // Evaluates the alarm, then stores the measurement of an alarm that reports a change in `previous`, whatever the
+    // outcome.
     //
-    // 0: `value` is "Active" or "Inactive" and `quality` that of the operands together; "Inactive" with quality Bad
-    // while there is no usable previous value. Also 0, with `value` untouched and `quality` Bad, when the chain gives
-    // no boolean. 42: a measurement is Bad or missing. 1: an operand failed otherwise, or an operand or the chain is
-    // null. Any other: the chain's status. In these cases `value` is untouched and `quality` Bad.
+    // SUCCESS: `value` is "Active" or "Inactive" and `quality` the combined quality of the operands; "Inactive" with
+    // quality Bad while there is no usable previous value. Also SUCCESS, with `value` untouched and `quality` Bad, if
+    // the chain does not give a boolean.
+    // NOT_AVAILABLE: a measurement is Bad or missing. INVALID_ARGUMENT: an operand failed in another way, or an operand
+    // or the chain is null. Any other: the chain's status. After these `value` is untouched and `quality` Bad.
+    // Operands are logged as information, failures other than NOT_AVAILABLE as errors.
     kz::orba::StatusCode BuildVortaObjectValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                                const PreviousMeasurements& previous, DeviceCache::_Quality_t& quality,
                                                nlohmann::json& value);
 
-    // Keeps the value of the measurement that stands opposite to a previous-measurement operand, if its status is 0.
+    // Stores the measurement that a previous-measurement operand is compared with, if its status is SUCCESS. A null
+    // `previous` is logged as an error.
     void UpdatePreviousValues(const nlohmann::json& leftValue, const DeviceCache::_Quality_t& leftQuality,
                               const kz::orba::StatusCode& leftStatus, const nlohmann::json& rightValue,
                               const DeviceCache::_Quality_t& rightQuality, const kz::orba::StatusCode& rightStatus,
@@ -52,7 +56,7 @@ public:
     // both are Good. Any other number beside Good or itself gives Bad.
     static DeviceCache::_Quality_t GetQualityFromOperands(const DeviceCache::_Quality_t& left,
                                                           const DeviceCache::_Quality_t& right);
-    // Whether an operand cannot be used: its quality is Bad or its status 42.
+    // Whether an operand cannot be used: its quality is Bad or its status NOT_AVAILABLE.
     static bool IsOperandQualityBadOrValueMissing(const DeviceCache::_Quality_t& quality,
                                                   const kz::orba::StatusCode& status);
 

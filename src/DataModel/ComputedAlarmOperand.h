@@ -14,24 +14,24 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// What an operand is taken from.
+// Where an operand comes from.
 enum class ComputedAlarmOperandType : std::int32_t {
     CONSTANT = 0,              // a value that never changes
     MEASUREMENT = 1,           // the register cache
     PREVIOUS_MEASUREMENT = 2,  // the caller's map of previous values
 };
 
-// One side of the comparison that a computed alarm is. Immutable; evaluated by many threads at once. Never logs.
+// One side of the comparison of a computed alarm. Immutable; may be evaluated on many threads at once. Never logs.
 class KZM_MODBUS_EXPORT ComputedAlarmOperand {
 public:
     virtual ~ComputedAlarmOperand();
 
-    // The frames that the operand reads; nothing for an operand that reads none.
+    // The indexes of the frames that the operand reads; nullopt unless it is a measurement.
     virtual std::optional<std::set<std::uint8_t>> GetFrameIndexes() const;
-    // The name under which an earlier value is kept; nothing for an operand without one.
+    // The name under which the earlier value is stored; nullopt unless the operand is a previous measurement.
     virtual std::optional<std::string> GetPreviousValueName() const;
-    // 0: `quality` and `value` are set. 42: the value is missing, with the outputs untouched but for what reading the
-    // cache left in them.
+    // SUCCESS: `quality` and `value` are set. NOT_AVAILABLE: the value is missing; the outputs are untouched except for
+    // what reading the cache left in them.
     virtual kz::orba::StatusCode GetValue(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                           bool deviceBigEndian, bool ignoreCacheAge,
                                           const PreviousMeasurements& previous, const std::string& alarmName,
@@ -39,7 +39,7 @@ public:
 
     // The key of the operand's value in the parameters of the alarm's processing chain.
     const std::string& GetName() const { return mName; }
-    // What the operand is taken from.
+    // Where the operand comes from.
     ComputedAlarmOperandType GetType() const { return mType; }
 
 protected:

@@ -27,7 +27,7 @@ AttributeAdapter* FindAdapter(const DataObjectAdapter::Adapters& adapters, Attri
     return found == adapters.end() ? nullptr : found->second.get();
 }
 
-// Whether an adapter is, or reads at any depth, the one that is sought.
+// Whether an adapter is the one sought or reads it at any depth.
 bool Reads(const AttributeAdapter& adapter, const AttributeAdapter& sought) {
     std::set<const AttributeAdapter*> seen{&adapter};
     std::vector<const AttributeAdapter*> open{&adapter};
@@ -50,7 +50,7 @@ bool Reads(const AttributeAdapter& adapter, const AttributeAdapter& sought) {
     return !open.empty();
 }
 
-// Reads what a role tells of the value, and logs why it cannot be read.
+// Reads the availability or the quality of a value and logs a failure.
 StatusCode ReadRole(const char* operation, const char* role, AttributeAdapter& adapter, const ValueRequest& request,
                     json& value) {
     auto quality = QUALITY_UNINITIALISED;
@@ -76,7 +76,7 @@ StatusCode ReadValue(AttributeAdapter* adapter, const ValueRequest& request, _Qu
     return status;
 }
 
-// The status with which a request without a value ends.
+// The status of a request that gave no value, after logging it.
 StatusCode StatusWithoutValue(StatusCode status, const std::string& urn) {
     if (status == Status::NOT_FOUND) {
         return Status::INVALID_ARGUMENT;
@@ -157,7 +157,7 @@ std::set<std::uint8_t>& DataObjectAdapter::GetFrameIndexes() {
 StatusCode DataObjectAdapter::ComputeFrameIndexes() {
     auto status = Status::INVALID_ARGUMENT;
     for (const auto& [type, adapter] : mAdapters) {
-        // A data object adapter replaces the set that it is handed; what the others added must stay.
+        // Its own set, because a data object adapter replaces the content of the set that it is given.
         std::set<std::uint8_t> frameIndexes;
         status = adapter->ComputeAndGetFrameIndexes(frameIndexes);
         mFrameIndexes.merge(frameIndexes);

@@ -13,7 +13,7 @@ namespace {
 
 json& Descend(json& parent, const std::string& token) {
     if (parent.is_null()) {
-        // Not left to operator[], which for lack of memory leaves an object without its map.
+        // operator[] would do the same, but leaves an object without its map if memory runs out.
         parent = json::object();
     }
     if (parent.is_object()) {

@@ -9,7 +9,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 
 namespace {
 
-// The source of one kind; null where the operand has another kind or none.
+// The source as one kind; null if it is of another kind or there is none.
 template <typename Kind>
 Kind* SourceAs(const MeasurementComputedAlarmOperand::Source& source) {
     const auto* pointer = std::get_if<std::shared_ptr<Kind>>(&source);
@@ -26,7 +26,7 @@ MeasurementComputedAlarmOperand::MeasurementComputedAlarmOperand(std::string nam
         }
     } else if (auto* adapter = SourceAs<DataObjectAdapter>(mSource)) {
         if (adapter->ComputeAndGetFrameIndexes(mFrameIndexes) != Status::SUCCESS) {
-            // One of its roles has no frame; the value may be read all the same.
+            // One of its roles has no frame; the value may still have one.
             mFrameIndexes = adapter->GetFrameIndexes();
         }
     }

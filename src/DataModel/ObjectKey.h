@@ -8,9 +8,9 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // The (name, alias) pair that names a data-model object, as a record.
 struct ObjectKey {
     std::string name;   // of the data-model object, e.g. "ElectricalMeasurement.RmsCurrentPhsA"
-    std::string alias;  // tells objects of one name apart; may be empty
+    std::string alias;  // distinguishes objects of the same name; may be empty
 
-    // Equal when both texts are.
+    // Whether both texts are equal.
     bool operator==(const ObjectKey&) const = default;
 };
 

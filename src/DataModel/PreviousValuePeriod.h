@@ -5,8 +5,8 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// The period of an alarm in milliseconds, by how often the alarm engine runs: at least a minute, unless three runs take
-// less than that.
+// The period of an alarm in milliseconds, for an alarm engine that runs every `processingTimeInSeconds`: at least a
+// minute, but never more than three runs.
 constexpr std::uint64_t PreviousValuePeriod(std::uint16_t processingTimeInSeconds) {
     const std::uint64_t seconds = processingTimeInSeconds;
     return std::min<std::uint64_t>(std::max<std::uint64_t>(seconds * 1000, 60000), seconds * 3000);

@@ -11,8 +11,8 @@
 
 namespace kzm::ModbusDeviceModel {
 
-// The JSON type that a chain's parameter must have. Null, arrays and binary values are never accepted, and any other
-// number accepts nothing.
+// The JSON type that a parameter of a chain must have. Null, arrays and binary values are never accepted; a number that
+// is not listed here accepts nothing.
 enum ProcessingChainOperandType : std::uint32_t {
     OBJECT = 0,
     NUMBER = 1,   // integer or floating point
@@ -21,26 +21,28 @@ enum ProcessingChainOperandType : std::uint32_t {
     STRING = 4,
 };
 
-// A computation over named JSON values. The concrete computation is a derived class, which the builder of a device
-// model supplies; a chain may be shared by several processors and alarms and runs on many threads at once.
+// A computation over named JSON values, defined by a derived class that the builder of a device model supplies. A chain
+// may be shared by several processors and alarms and may run on many threads at once.
 class KZM_MODBUS_EXPORT ProcessingChain {
 public:
-    // Each signature maps a parameter's key to its type; parameters must satisfy one of them.
+    // The type of each parameter by its key.
     using Signature = std::map<std::string, ProcessingChainOperandType>;
 
     // "value": the usual key of a chain's one parameter and of its result.
     static const std::string JSON_VALUE_PARAMETER;
 
-    // `hasEnumOutput`: the result is an enumeration label that is to be translated.
+    // `signatures`: parameters must satisfy one of them. `name`: for log lines. `hasEnumOutput`: the result is an
+    // enumeration label, which an attribute processor translates.
     ProcessingChain(std::vector<Signature> signatures, std::string name, bool hasEnumOutput);
     virtual ~ProcessingChain();
 
-    // Verifies the parameters and computes. A failed verification is logged as an error and leaves `result` untouched;
-    // otherwise the computation's own status is returned, with `result` as the computation left it.
+    // Verifies the parameters, then computes. If the verification fails, its status is returned and logged as an error,
+    // and `result` is untouched; otherwise the computation's own status is returned, with `result` as it left it.
     kz::orba::StatusCode Execute(const nlohmann::json& parameters, nlohmann::json& result) const;
 
-    // 0 when one signature is satisfied; keys beyond it are allowed. 28: there is no signature, or a value has the
-    // wrong type. A missing key: the platform's status. Of several failures the last one counts.
+    // SUCCESS if one signature is satisfied; further keys are allowed. Otherwise the status of the last signature:
+    // OUT_OF_RANGE for a value of the wrong type, the platform's status for a missing key, each logged as information;
+    // OUT_OF_RANGE if there is no signature.
     kz::orba::StatusCode __VerifyParameters(const nlohmann::json& parameters) const;
     // Whether the value has the type.
     bool __CheckJsonValueType(const nlohmann::json& value, ProcessingChainOperandType type) const;

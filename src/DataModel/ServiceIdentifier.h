@@ -4,7 +4,7 @@
 
 namespace kzm::ModbusDeviceModel::ServiceImpl {
 
-// The service of the gateway that handles an object. Its values are the gateway's; any number can be carried.
+// The service of the gateway that handles an object. The gateway defines the values; any number is accepted.
 enum class ServiceIdentifier : std::int32_t {
     NONE = -1,  // no service handles the object
 };

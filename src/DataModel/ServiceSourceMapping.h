@@ -9,9 +9,9 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// Which service handles an object, and the elements that feed it.
+// Which service handles an object, and the elements that provide its values.
 struct ServiceSourceMapping {
-    // The elements are taken over.
+    // Takes over the list; the elements are shared.
     ServiceSourceMapping(ServiceImpl::ServiceIdentifier identifier, std::list<std::shared_ptr<ElementData>>&& sources)
         : serviceIdentifier(identifier), elements(std::move(sources)) {}
 

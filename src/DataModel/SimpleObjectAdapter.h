@@ -11,19 +11,20 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // Fills an object with one value and nothing else: no quality, no date-time.
 class KZM_MODBUS_EXPORT SimpleObjectAdapter : public VortaObjectAdapter {
 public:
-    // `elementPath`: see ElementPath. Without a value adapter every operation fails with status 1.
+    // `elementPath`: see ElementPath. Without a value adapter GetObject and ComputeFrameIndexes fail with
+    // INVALID_ARGUMENT.
     SimpleObjectAdapter(const std::string& elementPath, std::shared_ptr<AttributeAdapter> valueAdapter);
     ~SimpleObjectAdapter() override;
 
-    // Writes the attribute "value". Any status but 0, which is the value adapter's (1 without one), leaves the object
-    // as it was. Throws the JSON library's error for an element path that the object's structure does not admit.
+    // Writes the attribute "value". The status is the value adapter's; unless it is SUCCESS the object stays as it was,
+    // and statuses other than NOT_AVAILABLE are logged as errors. Throws what ElementPath::SetAttribute throws.
     kz::orba::StatusCode GetObject(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                    bool deviceBigEndian, bool ignoreCacheAge,
                                    kz::orba::VortaORBAObject& object) override;
 
     std::set<std::uint8_t>& GetFrameIndexes() override;
     kz::orba::StatusCode ComputeFrameIndexes() override;
-    // Should not be asked: logs an error and gives the default record.
+    // Not meant to be called: logs an error and returns the default record.
     Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;
 
 private:

@@ -10,7 +10,7 @@
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// A request for a value, as one adapter passes it on to the next; AttributeAdapter explains the two flags.
+// A request for a value as one adapter passes it on to the next; AttributeAdapter explains the two flags.
 struct ValueRequest {
     const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache;
     bool deviceBigEndian;
@@ -18,7 +18,7 @@ struct ValueRequest {
     const std::string* urn;  // of the attribute; null asks for the device-dictionary form
 };
 
-// Asks an adapter for its value in the form that is wanted.
+// Asks an adapter for its value in the requested form.
 inline kz::orba::StatusCode GetValueOf(AttributeAdapter& adapter, const ValueRequest& request,
                                        DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     const auto& [cache, deviceBigEndian, ignoreCacheAge, urn] = request;

@@ -15,8 +15,8 @@ class VortaORBAObject;
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
-// Fills one data-model object from the register cache. GetObject changes no adapter and runs on many threads at once;
-// ComputeFrameIndexes is called while the device model is built, before any request.
+// Fills one data-model object from the register cache. GetObject changes no adapter and may run on many threads at
+// once; ComputeFrameIndexes is called while the device model is built, before any request.
 class KZM_MODBUS_EXPORT VortaObjectAdapter {
 public:
     virtual ~VortaObjectAdapter();
@@ -29,7 +29,7 @@ public:
     virtual std::set<std::uint8_t>& GetFrameIndexes() = 0;
     // Stores the indexes of the frames that the adapter reads.
     virtual kz::orba::StatusCode ComputeFrameIndexes() = 0;
-    // How the value is read from the device; a default record where that cannot be said.
+    // How the value is read from the device; a default record if it is not read from one element.
     virtual Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const = 0;
 };
 

@@ -53,7 +53,7 @@ void CustomAlarmObject::WriteState(json&& state) {
     Write(STATE, "datetime", std::move(mDateTime));
 }
 
-// The text of the same millisecond is the same.
+// Within the same millisecond the text has not changed.
 void CustomAlarmObject::UpdateDateTime() {
     if (DateTime::DateTime::GetRealTimeInMilliseconds() == mMadeAt) {
         return;
@@ -61,7 +61,7 @@ void CustomAlarmObject::UpdateDateTime() {
     try {
         mDateTime.get_ref<std::string&>() = DateTime::DateTime::GetCalendarTime();
     } catch (const std::bad_alloc&) {
-        // The earlier text is what memory allows.
+        // The earlier date-time is written.
     }
 }
 

@@ -16,8 +16,8 @@ public:
     bool HasState() const;
     // Name, description, type and criticality of the alarm.
     void WriteIdentity(const DataModel::ComputedAlarmElement& alarm);
-    // "Active" or "Inactive", with the current calendar time. Where there is no memory for that text, the calendar time
-    // at which this object was made.
+    // "Active" or "Inactive", with the current calendar time. If there is no memory for that text, with the calendar
+    // time at which this object was made.
     void WriteState(nlohmann::json&& state);
     void WriteQuality(DeviceCache::_Quality_t quality);
 

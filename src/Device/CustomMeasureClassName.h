@@ -8,12 +8,12 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// Names the data-model classes of measurements that users define.
+// The data-model classes of custom measurements.
 class KZM_MODBUS_EXPORT CustomMeasureClassName {
 public:
     // The data-model class of a measurement that is decoded with a logic code, e.g.
-    // "$iot.measurement.NumericalMeasurementValue<Float>". 44, and `className` untouched, for codes above 62.
-    // Thread-safe.
+    // "$iot.measurement.NumericalMeasurementValue<Float>". NOT_FOUND, with `className` untouched, for codes that are
+    // not in the table of logic codes. Thread-safe, logs nothing.
     static kz::orba::StatusCode GetClassNameForLogicCode(const LogicCodeIdentifier& logicCode, std::string& className);
 };
 

@@ -59,7 +59,7 @@ void AddFrames(const std::vector<FrameData>& frames, const std::set<std::uint8_t
     }
 }
 
-// Adds the frames of the elements on which one element depends, as far as the model holds them.
+// Adds the frames of the elements that one element depends on, if the model has them.
 void AddDependencies(const DeviceModel& model, const DeviceModel::Elements& elements, const ElementData& element,
                      DeviceModel::Frames& found) {
     const auto dependencies = element.GetLogicCodeDependency();
@@ -73,7 +73,7 @@ void AddDependencies(const DeviceModel& model, const DeviceModel::Elements& elem
     }
 }
 
-// NOT_FOUND where there is no adapter, INVALID_ARGUMENT where it is null. Logs both for `operation`.
+// NOT_FOUND if there is no adapter, INVALID_ARGUMENT if it is null; logs both for `operation`.
 template <typename Adapters>
 StatusCode FindAdapter(const Adapters& adapters, const std::string& modelName, const char* operation,
                        const std::string& name, const std::string& alias,
@@ -208,7 +208,7 @@ StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
     auto quality = DeviceCache::QUALITY_BAD;
     nlohmann::json state;
     const auto status = alarm->BuildVortaObjectValue(cache, IsBigEndian(), ignoreCacheAge, previous, quality, state);
-    // A chain that gives no boolean is a success without a state.
+    // If the chain does not give a boolean, the status is SUCCESS but there is no state.
     if (status == Status::SUCCESS && !state.is_null()) {
         structure.WriteState(std::move(state));
     }

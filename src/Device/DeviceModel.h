@@ -10,10 +10,10 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// The device model that a profile loader builds. Neither copied nor moved; see IDeviceModel for its operations.
+// The device model that a profile loader builds; see IDeviceModel for its operations.
 class KZM_MODBUS_EXPORT DeviceModel : public IDeviceModel {
 public:
-    // What a model is built of, by (name, alias) or by the name alone; frames by their index.
+    // The parts of a model by (name, alias) or by name alone, and frames by their index.
     using Key = std::pair<std::string, std::string>;
     using Elements = std::unordered_multimap<Key, std::shared_ptr<DataModel::ElementData>, DataModel::pair_hash>;
     using ObjectAdapters = std::map<Key, std::shared_ptr<DataModel::VortaObjectAdapter>>;
@@ -22,8 +22,8 @@ public:
     using TextByName = std::map<std::string, std::string>;
     using Frames = std::map<std::uint8_t, const DeviceProfile::FrameData*>;
 
-    // A model of object adapters. Every adapter computes its frame indexes now; one that cannot has logged why.
-    // `units`, `classNames`: by measurement name.
+    // A model of object adapters. Computes the frame indexes of every adapter; an adapter that fails logs why and keeps
+    // those that it found. `units`, `classNames`: by measurement name.
     DeviceModel(ObjectAdapters&& adapters, std::vector<DeviceProfile::FrameData>&& frames, TextByName&& units,
                 TextByName&& classNames, ComputedAlarms&& computedAlarms, bool bigEndian);
     // A model of elements, which are shared with the caller.
@@ -69,13 +69,14 @@ public:
     void SetIdentification(const std::map<std::string, std::string>& identification) override;
     const std::map<std::string, std::string>& GetIdentification() const override;
 
-    // Adds the frames of the elements of (name, alias), or where it has none of its object adapter, to `frames`; the
-    // pointers refer into the model. 44: neither is there. 1: the adapter is null (logged).
+    // Adds the frames of the elements of (name, alias) to `frames`, or if there are none those of its object adapter.
+    // The pointers refer into the model. NOT_FOUND: there is neither. INVALID_ARGUMENT: the adapter is null (logged as
+    // an error). `frames` is then untouched.
     kz::orba::StatusCode GetFramesForIoTNameAndAlias(const std::string& name, const std::string& alias,
                                                      Frames& frames) const;
 
 private:
-    // A key is found without building a pair of strings.
+    // Finds a key without building a pair of strings.
     using KeyView = std::pair<std::string_view, std::string_view>;
     struct KeyHash {
         using is_transparent = void;

@@ -8,7 +8,8 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// The objects that a device of a dynamic class says it has: a table of sorted lists of names, one for each category.
+// The objects that a device of a dynamic class has announced: a table of sorted lists of names, one for each category.
+// Changes nothing but the table; the caller keeps SetVortaSubgraph apart from readers of the same table.
 class KZM_MODBUS_EXPORT DynamicVorta {
 public:
     // One list for each category, in the order of their numbers.
@@ -18,11 +19,11 @@ public:
     // duplicates stay. A table of fewer than nine categories grows to nine first. Throws std::out_of_range for a
     // category past the table.
     static void SetVortaSubgraph(Table& table, VortaObjectCategory category, const std::vector<std::string>& names);
-    // Empty where there is no sub-graph.
+    // The category's list; empty if there is none.
     static const std::vector<std::string>& GetVortaSubgraph(const Table& table, VortaObjectCategory category);
     // Whether the category has a list that is not empty.
     static bool IsSubgraphAvailable(const Table& table, VortaObjectCategory category);
-    // Whether the category's list has the name, exactly.
+    // Whether the category's list contains the name.
     static bool FindObject(const Table& table, VortaObjectCategory category, const std::string& name);
 };
 

@@ -9,20 +9,22 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// A service's elements bound to the frames of a device model, which must outlive the mapping. Read by many threads.
+// The elements of a service with the frames of a device model, which must outlive the mapping. May be read by many
+// threads at once.
 class KZM_MODBUS_EXPORT ServiceMapping {
 public:
-    // A mapping of no service: identifier NONE, no elements.
+    // No service: identifier NONE, no elements.
     explicit ServiceMapping(const std::vector<DeviceProfile::FrameData>& modelFrames);
-    // A mapping of the service's elements, which are shared, also with copies of it.
+    // The elements of a service; they are shared, also with copies of the mapping.
     ServiceMapping(const DataModel::ServiceSourceMapping& source,
                    const std::vector<DeviceProfile::FrameData>& modelFrames);
     ServiceMapping(const ServiceMapping&) = default;
     ServiceMapping& operator=(const ServiceMapping&) = default;
     virtual ~ServiceMapping();
 
-    // An empty payload for a write of the whole frame: function 16, the frame's first register (for a scattered frame
-    // its first address, 0 when it has none) and length, all registers 0. Throws std::out_of_range past the frames.
+    // The payload for writing a whole frame, all registers 0: function code WRITE_MULTIPLE_REGISTERS, the frame's first
+    // register (the first address of a scattered frame, 0 if it has none) and its length. Throws std::out_of_range for
+    // an index past the frames.
     std::shared_ptr<DeviceProfile::FrameDataValue> BuildFrameDataValue(std::uint8_t frameIndex) const;
 
     // Which service, its elements, and the frames of the model.

@@ -5,7 +5,7 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// The category of a data-model object: the index of its sub-graph.
+// The category of a data-model object: an index into the table of sub-graphs.
 enum class VortaObjectCategory : std::uint32_t {
     CATEGORY_0 = 0,
     CATEGORY_1 = 1,

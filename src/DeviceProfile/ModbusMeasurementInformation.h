@@ -12,17 +12,17 @@
 
 namespace kzm::ModbusDeviceModel::Device {
 
-// How a measurement is read from the device. A default record means that nothing is known.
+// How a measurement is read from the device. Nothing is known of it if the record has its default values.
 struct ModbusMeasurementInformation {
-    ModbusFunctionCode mFunctionCode{};                   // of the frame; 0 where the model has object adapters
+    ModbusFunctionCode mFunctionCode{};                   // of the frame; 0 in models of object adapters
     std::uint16_t mRegisterAddress = 0;                   // first register, 0 to 65535
-    std::uint8_t mNumberOfRegisters = 0;                  // from there on
-    LogicCodeIdentifier mLogicCode{};                     // how they become a value
+    std::uint8_t mNumberOfRegisters = 0;                  // consecutive registers
+    LogicCodeIdentifier mLogicCode{};                     // how they are decoded
     double mScaleFactor = 1.0;                            // value = offset + raw * scale factor, in the unit
     float mOffset = 0.0F;                                 // in the unit
     ByteOrderingEnum mByteOrdering{};                     // of the words
     std::shared_ptr<std::vector<std::uint8_t>> mBitmask;  // the bits that count
-    std::string mUnit;                                    // e.g. "A"; empty where none is known
+    std::string mUnit;                                    // e.g. "A"; empty if unknown
     // The labels of an enumeration; null for any other value.
     std::shared_ptr<std::vector<DeviceProfile::EnumerationPairData>> mEnumerationPairs;
 };

@@ -4,8 +4,8 @@
 
 namespace kzm::ModbusDeviceModel {
 
-// A JSON object for the life of a request, whose members are plain values. It is emptied before it ends, because the
-// JSON library's destructor takes memory to take members down, and ends the process where there is none.
+// A JSON object of plain values that lives as long as a request. It is cleared before it is destroyed, because the JSON
+// library's destructor of a non-empty object allocates, and ends the process if there is no memory.
 class FlatObject {
 public:
     FlatObject() : mObject(nlohmann::json::object()) {}

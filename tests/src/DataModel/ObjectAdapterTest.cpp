@@ -97,14 +97,19 @@ TEST(ElementPath, IsSplitAsAJsonPointerAndMakesMissingParentsObjects) {
         EXPECT_EQ(Fill(adapter, nullptr, row.before), std::string("0 ") + row.after) << row.path;
     }
     const struct {
-        const char *path, *elements;
+        const char *path, *before;
         int error;
-    } FAILURES[] = {{"xy", "[]", 109}, {"01", "[1, 2]", 106}, {"99999999999999999999", "[]", 404}, {"x", "5", 404}};
+    } FAILURES[] = {{"xy", R"({"elements": []})", 109},
+                    {"01", R"({"elements": [1, 2]})", 106},
+                    {"99999999999999999999", R"({"elements": []})", 404},
+                    {"x", R"({"elements": 5})", 404},
+                    {"x", "5", 404},
+                    {"", "5", 305}};
     for (const auto& row : FAILURES) {
         SimpleObjectAdapter adapter(row.path, Constant(1));
         try {
-            Fill(adapter, nullptr, (R"({"elements": )" + std::string(row.elements) + "}").c_str());
-            ADD_FAILURE() << row.path << " in " << row.elements;
+            Fill(adapter, nullptr, row.before);
+            ADD_FAILURE() << row.path << " in " << row.before;
         } catch (const json::exception& error) {
             EXPECT_EQ(error.id, row.error) << row.path;
         }
