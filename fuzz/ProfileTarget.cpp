@@ -91,7 +91,7 @@ void EvaluateAlarms(const LoadedProfile& profile, const Cache& cache) {
     }
 }
 
-void Write(const ModbusDeviceModel::Device::ServiceMapping& mapping, const ElementData& element, bool bigEndian) {
+void Write(const ModbusDeviceModel::Device::ServiceMapping& mapping, ElementData& element, bool bigEndian) {
     const auto payload = mapping.BuildFrameDataValue(element.GetFrameIndex());
     try {
         const auto encoded = EncodeValue(element, bigEndian, "1");

@@ -1,75 +1,80 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "DeviceProfile/FrameDataValue.h"
 #include "DeviceProfile/ModbusFunctionCode.h"
 #include "gateway/Export.h"
 #include "gateway/modbus/ModbusSettings.h"
 
-typedef struct _modbus modbus_t;  // of libmodbus, whose header users of this one do not need
-
 namespace kzm::ModbusGateway {
 
-// The line to one device: opened when it is first needed, and again after it was lost. Logs one warning when the device
-// can no longer be reached, and one line when it answers again. Used by one thread.
+class Line;
+
+// The connection to one device, over Modbus TCP or RTU: opened when it is first needed, and again after it was lost.
+// Logs a warning when the device can no longer be reached, and an information when it answers again. Used by one
+// thread.
 class ModbusConnection {
 public:
     enum class Outcome {
         ANSWERED,
-        EXCEPTION,    // the device answered that it will not
+        EXCEPTION,    // the device refused, or no request may ask for so many registers
         LOST,         // the connection broke before an answer came
         NO_ANSWER,    // none in time, or none that fits the request
-        UNREACHABLE,  // there is no connection and none could be made, or the pause before the next attempt lasts
+        UNREACHABLE,  // not connected: the attempt failed, or the pause before the next one lasts
+        STOPPED,      // the caller's flag became true while this waited
     };
     struct Result {
         Outcome outcome;
-        std::string reason;  // empty when answered
+        std::string reason;  // for the user, e.g. "Connection timed out"; empty when answered
     };
 
-    // Opens nothing yet. Throws std::invalid_argument for a connection that cannot be: an empty host or device, a unit,
-    // a baud rate or a parity that does not exist.
-    KZM_GATEWAY_EXPORT explicit ModbusConnection(ModbusSettings connection);
+    // Opens nothing yet. Once `stop` is true, whatever waits gives up within 50 ms; it must outlive the connection,
+    // null: nothing ends the waiting early. Throws std::invalid_argument for settings that cannot be: an empty host or
+    // device, a unit, a baud rate or a parity that does not exist.
+    KZM_GATEWAY_EXPORT explicit ModbusConnection(ModbusSettings settings, const std::atomic<bool>* stop = nullptr);
     KZM_GATEWAY_EXPORT ~ModbusConnection();
     ModbusConnection(const ModbusConnection&) = delete;
     ModbusConnection& operator=(const ModbusConnection&) = delete;
 
-    // Asks for 1 to MaxReadCount(functionCode) registers; a coil or discrete input is a register of 0 or 1. `values`
-    // holds them when answered, and anything else otherwise. A connection that was in use and turns out to be closed is
-    // opened again and asked once more, because many devices close one that was idle.
+    // Reads 1 to MaxReadCount(functionCode) registers from `first` on; a coil or discrete input is a register of 0
+    // or 1. `values` has room for `count` registers, holds them when answered, and stays as it was otherwise. A
+    // connection that was in use and turns out to be closed is opened again and asked once more, because many devices
+    // close one that was idle. An answer to another request is ignored (TCP).
     KZM_GATEWAY_EXPORT Result Read(ModbusDeviceModel::ModbusFunctionCode functionCode, std::uint16_t first,
                                    std::uint16_t count, std::uint16_t* values);
 
-    // Writes 1 to 123 registers with function 16, in one request that is never repeated: without an answer
-    // it is not known whether the device did what it was told.
+    // Writes 1 to 123 registers with function code 16, in one request that is never repeated: without an answer
+    // (LOST, NO_ANSWER, STOPPED) it is not known whether the device did what it was told.
     KZM_GATEWAY_EXPORT Result Write(const ModbusDeviceModel::DeviceProfile::FrameDataValue& values);
 
+    // What is connected to, as logged: "192.0.2.1:502" or "/dev/ttyUSB0".
+    KZM_GATEWAY_EXPORT std::string GetName() const;
+
 private:
-    struct ContextDeleter {
-        void operator()(modbus_t* context) const;
-    };
+    using Bytes = std::vector<std::uint8_t>;
     using Clock = std::chrono::steady_clock;
 
-    // `request` tells whether the answer came, or leaves why not in errno.
-    Result Ask(const std::function<bool(modbus_t*)>& request);
-    bool Open();
-    void Close();
-    void NoteAnswer();
+    // `take` gets the answer, and returns 0 or why it is none.
+    Result Ask(const Bytes& request, const std::function<int(const Bytes& answer)>& take);
+    int Open();
+    int Exchange(const Bytes& request, const std::function<int(const Bytes& answer)>& take);
     void NoteUnreachable(int error);
-    void Recover(int error);
-    void LetLateAnswerPass(std::chrono::milliseconds wait);
+    void NoteAnswer();
 
-    ModbusSettings mConnection;
-    std::unique_ptr<modbus_t, ContextDeleter> mContext;
-    bool mOpen = false;
+    ModbusSettings mSettings;
+    const std::atomic<bool>* mStop;
+    std::unique_ptr<Line> mLine;
     bool mUsed = false;  // the open connection has carried an answer
     std::chrono::milliseconds mPause;
     Clock::time_point mNextAttempt = Clock::time_point::min();
-    std::string mUnreachableReason;  // empty as soon as the device answers
+    int mUnreachable = 0;  // why the last attempt failed; 0 as soon as the device answers
 };
 
 }  // namespace kzm::ModbusGateway

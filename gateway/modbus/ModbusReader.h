@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,41 +12,43 @@
 
 namespace kzm::ModbusGateway {
 
-// Fills a register cache from a device over Modbus TCP or RTU. Used by one thread: the cache's one writer.
+// Fills the register cache of one device over Modbus TCP or RTU. Used by one thread, which is the cache's one writer.
 class ModbusReader {
 public:
     struct FrameError {
         std::uint8_t frameIndex;
-        std::string reason;  // e.g. "Illegal data address", "Connection timed out"
+        std::string reason;  // for the user, e.g. "Illegal data address", "Connection timed out"
     };
 
-    // What one round over the frames brought.
+    // What one round over the frames brought. Every frame is either read or among the errors.
     struct Round {
         std::size_t framesRead = 0;
-        std::vector<FrameError> errors;  // every frame that was not read, and why
-        // Why the device could not be reached; empty when it was. While the pause before the next attempt lasts, the
-        // reason of the last attempt.
+        std::vector<FrameError> errors;
+        // Address and reason if the device could not be reached ("192.0.2.1:502: Connection timed out"), else empty.
+        // While the pause before the next attempt lasts, those of the last attempt.
         std::string connectionError;
+        bool stopped = false;  // the caller's flag ended the round, and is why the last of the errors are there
     };
 
-    // The cache is one of these frames, and must outlive the reader. Opens nothing yet. Throws std::invalid_argument
-    // for a connection that cannot be: an empty host or device, a unit, a baud rate or a parity that does not exist.
-    KZM_GATEWAY_EXPORT ModbusReader(ModbusSettings connection,
+    // The cache is one of these frames, and must outlive the reader, and so must `stop`. Opens nothing yet. Once `stop`
+    // is true, a round gives up within 50 ms; null: nothing ends a round early. Throws std::invalid_argument for
+    // settings that cannot be: an empty host or device, a unit, a baud rate or a parity that does not exist.
+    KZM_GATEWAY_EXPORT ModbusReader(ModbusSettings settings,
                                     const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames,
-                                    RegisterCache& cache);
+                                    RegisterCache& cache, const std::atomic<bool>* stop = nullptr);
     KZM_GATEWAY_EXPORT ~ModbusReader();
     ModbusReader(const ModbusReader&) = delete;
     ModbusReader& operator=(const ModbusReader&) = delete;
 
-    // Reads every frame once: those that answer are put into the cache with the current time and quality Good. An
-    // exception answer marks the frame Bad and keeps what was there. A frame that times out or answers wrongly stays as
-    // it was, and the others are still read. A lost connection is opened again, at once for the rest of the round;
-    // after a failure to connect the others of the round are not tried, and the next attempt waits for a pause that
-    // doubles with each failure; rounds during the pause return at once.
+    // Reads every frame once. Frames that answer are put into the cache with the current time and quality Good. An
+    // exception answer marks the frame Bad and keeps its registers. A frame that times out or is answered wrongly stays
+    // as it was, and the others are still read. A lost connection is opened again at once for the rest of the round.
+    // After a failure to connect, the other frames of the round are not tried, and the next attempt waits for a pause
+    // that doubles with each failure; rounds during the pause return at once.
     //
-    // Takes, per frame, up to the time-out for an answer, and as long again to connect (TCP) or to wait for an answer
-    // that comes late (RTU). Logs one warning when the device can no longer be reached, and one line when it answers
-    // again.
+    // Takes, per request, up to the time-out for an answer, and as long again to connect (TCP) or to wait for an answer
+    // that comes late (RTU). Logs a warning when the device can no longer be reached, and an information when it
+    // answers again.
     KZM_GATEWAY_EXPORT Round ReadAllFrames();
 
 private:

@@ -12,7 +12,9 @@
 
 #include "gateway/cache/FrameAddresses.h"
 #include "gateway/modbus/RequestLimits.h"
+#include "gateway/modbus/Requests.h"
 #include "gateway/modbus/Socket.h"
+#include "gateway/modbus/TcpMessage.h"
 
 namespace kzm::ModbusGateway {
 
@@ -21,27 +23,10 @@ using ModbusDeviceModel::DeviceProfile::FrameData;
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
-// A message on TCP: transaction (2 bytes), protocol (2, always 0), length of what follows (2), unit (1), function code
-// and data.
-constexpr std::size_t LENGTH_END = 6;
-constexpr std::size_t HEADER_SIZE = 7;
-constexpr std::size_t LONGEST_LENGTH = 254;
-
 enum class ExceptionCode : std::uint8_t { ILLEGAL_FUNCTION = 1, ILLEGAL_DATA_ADDRESS = 2, ILLEGAL_DATA_VALUE = 3 };
 
-std::uint16_t WordAt(std::span<const std::uint8_t> bytes, std::size_t position) {
-    return static_cast<std::uint16_t>(bytes[position] << 8 | bytes[position + 1]);
-}
-
-void AppendWord(Bytes& bytes, std::size_t word) {
-    bytes.push_back(static_cast<std::uint8_t>(word >> 8 & 0xFF));
-    bytes.push_back(static_cast<std::uint8_t>(word & 0xFF));
-}
-
 Bytes ExceptionAnswer(std::uint8_t function, ExceptionCode code) {
-    return {static_cast<std::uint8_t>(function | 0x80), static_cast<std::uint8_t>(code)};
+    return {static_cast<std::uint8_t>(function | EXCEPTION_FLAG), static_cast<std::uint8_t>(code)};
 }
 
 Bytes BitsAnswer(std::uint8_t function, const std::vector<std::uint16_t>& values) {
@@ -149,32 +134,28 @@ bool ModbusSimulator::Impl::ServeClient(Client& client) const {
 
 bool ModbusSimulator::Impl::AnswerRequests(Client& client) const {
     std::span<const std::uint8_t> rest(client.received);
-    while (rest.size() >= LENGTH_END) {
-        const std::size_t length = WordAt(rest, 4);
-        if (WordAt(rest, 2) != 0 || length < 2 || length > LONGEST_LENGTH) {
+    while (rest.size() >= TcpMessage::LENGTH_END) {
+        const std::size_t size = TcpMessage::SizeOf(rest);
+        if (size == 0) {
             return false;
         }
-        if (rest.size() < LENGTH_END + length) {
+        if (rest.size() < size) {
             break;
         }
-        if (!Answer(client, rest.first(LENGTH_END + length))) {
+        if (!Answer(client, rest.first(size))) {
             return false;
         }
-        rest = rest.subspan(LENGTH_END + length);
+        rest = rest.subspan(size);
     }
     client.received.erase(client.received.begin(), client.received.end() - static_cast<std::ptrdiff_t>(rest.size()));
     return true;
 }
 
-// A client that does not take its answers is dropped rather than waited for.
+// A client that does not take its answers is dropped rather than waited for: its socket does not block.
 bool ModbusSimulator::Impl::Answer(const Client& client, std::span<const std::uint8_t> request) const {
-    const Bytes answer = Answer(request.subspan(HEADER_SIZE));
-    Bytes message(request.begin(), request.begin() + 4);
-    AppendWord(message, answer.size() + 1);
-    message.push_back(request[LENGTH_END]);
-    message.insert(message.end(), answer.begin(), answer.end());
-    return send(client.socket.Get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT) ==
-           static_cast<ssize_t>(message.size());
+    const Bytes answer = TcpMessage::Make(WordAt(request, 0), request[TcpMessage::LENGTH_END],
+                                          Answer(request.subspan(TcpMessage::HEADER_SIZE)));
+    return send(client.socket.Get(), answer.data(), answer.size(), MSG_NOSIGNAL) == static_cast<ssize_t>(answer.size());
 }
 
 // From function code and data to function code and data.

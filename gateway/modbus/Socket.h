@@ -4,6 +4,8 @@
 #include <string>
 #include <utility>
 
+#include "gateway/modbus/Waiting.h"
+
 namespace kzm::ModbusGateway {
 
 // Owns the descriptor of a socket, or none.
@@ -28,6 +30,13 @@ private:
 // Listens for TCP connections, without blocking in accept; port 0 takes a free one. Throws std::system_error when the
 // address cannot be listened on.
 Socket ListenOn(const std::string& host, std::uint16_t port);
+
+// Connects to each address of a host until one answers, none longer than the time-out; the host is looked up by the
+// system, in a time of its own. 0, or an error number of the last address: of errno, where ETIMEDOUT says that it did
+// not answer and ECANCELED that `stop` became true, or a negative one of getaddrinfo. `socket` then stays as it was;
+// else it is the connection, without blocking in recv and send.
+int ConnectTo(const std::string& host, std::uint16_t port, std::chrono::milliseconds timeout,
+              const std::atomic<bool>* stop, Socket& socket);
 
 // The next connection that waits, without blocking in recv; none when none does.
 Socket AcceptFrom(const Socket& listener);

@@ -13,7 +13,7 @@
 
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/json/ProblemText.h"
-#include "gateway/model/NumberText.h"
+#include "gateway/model/NumberParsing.h"
 
 namespace kzm::ModbusGateway {
 

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
-constexpr std::size_t MAX_WRITE_COUNT = 123;  // of one request of function 16
 
 constexpr const char* FUNCTION_NAMES[] = {"coils", "discrete inputs", "holding", "input"};
 

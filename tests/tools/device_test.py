@@ -36,6 +36,8 @@ aabb 0000 0006 01 03 0010 0002 -> aabb 0000 0007 01 03 04 0a0b 0c0d
 0001 0000 0006 ff 03 0011 0003 -> 0001 0000 0009 ff 03 06 1111 1212 1313
 0001 0000 0006 00 03 0010 0004 -> 0001 0000 000b 00 03 08 0a0b 0c0d 1212 1313
 0001 0000 0006 01 01 0000 000a -> 0001 0000 0005 01 01 02 0d02
+0001 0000 0006 01 01 0000 0008 -> 0001 0000 0004 01 01 01 0d
+0001 0000 0006 01 01 0001 0009 -> 0001 0000 0005 01 01 02 0601
 0001 0000 0006 01 03 0010 0005 -> 0001 0000 0003 01 83 02
 0001 0000 0006 01 04 0010 0002 -> 0001 0000 0003 01 84 02
 0001 0000 0006 01 03 ffff 0002 -> 0001 0000 0003 01 83 02
@@ -65,6 +67,27 @@ def lines_of(stream):
     lines = queue.Queue()
     threading.Thread(target=lambda: [lines.put(line.rstrip()) for line in stream], daemon=True).start()
     return lines
+
+
+@contextlib.contextmanager
+def full_listener():
+    """An address that takes no further connection, so that whoever connects waits."""
+    with contextlib.ExitStack() as stack:
+        listener = stack.enter_context(socket.socket())
+        listener.bind(("127.0.0.1", 0))
+        listener.listen(0)
+        for _ in range(4):
+            waiting = stack.enter_context(socket.socket())
+            waiting.setblocking(False)
+            waiting.connect_ex(listener.getsockname())
+        yield "127.0.0.1:%d" % listener.getsockname()[1]
+
+
+def connections_under_way(address):
+    """How many connections to the address have been asked for and not answered."""
+    port = "0100007F:%04X" % int(address.rpartition(":")[2])
+    with open("/proc/net/tcp", encoding="ascii") as sockets:
+        return [line.split()[2:4] for line in sockets].count([port, "02"])
 
 
 def without_time(text):
@@ -166,10 +189,23 @@ class DeviceTest(unittest.TestCase):
                 values.append(json.loads(objects.get(timeout=5))["value"]["value"][0])
             self.assertEqual(end(poll), 0)
 
+    def test_an_address_that_never_answers_timed_out_and_may_be_interrupted(self):
+        with full_listener() as address:
+            done = run("poll", PROFILE, "--tcp", address, "--timeout", 0.2, "--count", 1)
+            self.assertEqual((done.returncode, done.stderr),
+                             (4, f"kzm-modbus: no connection: {address}: Connection timed out\n"
+                                 f"kzm-modbus: {address} unit 1: no frame could be read\n"))
+            before = connections_under_way(address)
+            poll = start("poll", PROFILE, "--tcp", address, "--timeout", 60, stderr=subprocess.STDOUT)
+            while connections_under_way(address) == before:
+                time.sleep(0.01)
+            poll.send_signal(signal.SIGINT)
+            self.assertEqual((poll.communicate(timeout=10)[0], poll.returncode), ("", 0))
+
     def test_a_device_that_cannot_be_reached_has_a_status_and_leaves_files_alone(self):
         kept = file("kept.json", "kept")
-        for line, reason in [(["--tcp", "127.0.0.1:1"], "Connection refused"),
-                             (["--rtu", "/nowhere/tty:9600:N"], "No such file or directory")]:
+        for line, reason in [(["--tcp", "127.0.0.1:1"], "127.0.0.1:1: Connection refused"),
+                             (["--rtu", "/nowhere/tty:9600:N"], "/nowhere/tty: No such file or directory")]:
             for command, *more in (["poll"], ["poll", "--table"], ["capture", "-o", kept]):
                 done = run(command, PROFILE, *line, "--count", 2, "--interval", 0.01, *more)
                 self.assertEqual(done.returncode, 4)

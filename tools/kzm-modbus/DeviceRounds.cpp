@@ -13,14 +13,11 @@ using namespace ModbusGateway;
 
 namespace {
 
-ModbusReader ReaderOf(const ModbusSettings& settings, const LoadedProfile& profile, RegisterCache& cache) try {
-    return ModbusReader(settings, profile.model->GetFrames(), cache);
+ModbusReader ReaderOf(const ModbusSettings& settings, const LoadedProfile& profile, RegisterCache& cache,
+                      const StopSignal& stop) try {
+    return ModbusReader(settings, profile.model->GetFrames(), cache, &stop.GetFlag());
 } catch (const std::invalid_argument&) {
     throw ImpossibleSettings(settings);
-}
-
-bool IsWhole(const ModbusReader::Round& round) {
-    return round.errors.empty() && round.connectionError.empty();
 }
 
 }  // namespace
@@ -29,13 +26,13 @@ void ReadRounds(const ModbusSettings& settings, const Repetition& repetition, co
                 RegisterCache& cache, const OnRound& onRound) {
     using Clock = std::chrono::steady_clock;
     const StopSignal stop;
-    ModbusReader reader = ReaderOf(settings, profile, cache);
+    ModbusReader reader = ReaderOf(settings, profile, cache, stop);
     bool anyFrame = false;
     Clock::time_point next = Clock::now();
     for (std::uint64_t done = 1; std::cout; ++done) {
         const ModbusReader::Round round = reader.ReadAllFrames();
-        if (stop.GetFlag() && !IsWhole(round)) {
-            return;  // the signal ended it: its errors say nothing about the device
+        if (round.stopped) {
+            return;
         }
         anyFrame = anyFrame || round.framesRead > 0;
         onRound(round);

@@ -1,7 +1,12 @@
 #include "gateway/modbus/ModbusReader.h"
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <pthread.h>
 
+#include <array>
+#include <atomic>
+#include <csignal>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -77,10 +82,10 @@ struct FaultRow {
     RegisterCache::Quality quality = QUALITY_GOOD;  // of that frame then
 };
 
-void ExpectFaultHitsOneFrameOnce(ScriptedDevice& device, const ModbusSettings& connection, const FaultRow& row) {
+void ExpectFaultHitsOneFrameOnce(ScriptedDevice& device, const ModbusSettings& settings, const FaultRow& row) {
     SCOPED_TRACE(row.name);
     RegisterCache cache(SCRIPTED_FRAMES);
-    ModbusReader reader(connection, SCRIPTED_FRAMES, cache);
+    ModbusReader reader(settings, SCRIPTED_FRAMES, cache);
     for (const std::uint64_t time : {1000U, 2000U, 3000U}) {
         const bool isFaulty = time == 2000;
         device.Treat(isFaulty ? row.script : std::deque<Treatment>{});
@@ -113,7 +118,8 @@ TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnTcp) {
         {"late", {LATE}, 0, "Connection timed out"},
         {"part of an answer", {ANSWER, ANSWER, TRUNCATED}, 1, "Connection timed out"},
         {"too few registers", {TOO_FEW}, 0, "Invalid data"},
-        {"answer to another request", {MISFIT}, 0, "Invalid data"},
+        {"every answer twice", {TWICE, TWICE, TWICE, TWICE}, {}, ""},
+        {"answer to another request", {MISFIT}, 0, "Connection timed out"},
         {"garbage", {GARBAGE}, 0, "Invalid data"},
     };
     for (const FaultRow& row : rows) {
@@ -137,6 +143,91 @@ TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnASerialLine) {
     }
 }
 
+TEST(ModbusReader, DoesNotWaitForASilenceThatNeverComes) {
+    ScriptedDevice tcp(0);
+    ScriptedDevice serial(0ms);
+    const ModbusSettings lines[] = {{.line = TcpEndpoint{"127.0.0.1", tcp.GetPort()}, .timeout = 200ms},
+                                    {.line = SerialPort{serial.GetLineName()}, .timeout = 200ms}};
+    tcp.Treat({Treatment::MISFITS});
+    serial.Treat({Treatment::MISFITS});
+    for (const ModbusSettings& settings : lines) {
+        RegisterCache cache(SCRIPTED_FRAMES);
+        ModbusReader reader(settings, {SCRIPTED_FRAMES[0]}, cache);
+        const auto start = Clock::now();
+        EXPECT_EQ(reader.ReadAllFrames().errors.size(), 1U);
+        EXPECT_LT(Clock::now() - start, 2s);
+    }
+}
+
+// A port of loopback that takes no further connection, so that whoever connects waits.
+class FullListener {
+public:
+    FullListener() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        bind(mListener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        listen(mListener.Get(), 0);
+        for (Socket& waiting : mWaiting) {
+            waiting = Socket(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
+            address.sin_port = htons(GetPort());
+            connect(waiting.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        }
+    }
+    std::uint16_t GetPort() const { return PortOf(mListener); }
+
+private:
+    Socket mListener{socket(AF_INET, SOCK_STREAM, 0)};
+    std::array<Socket, 4> mWaiting;
+};
+
+TEST(ModbusReader, TellsThatConnectingTimedOutWhateverSignalsCome) {
+    const FullListener device;
+    RegisterCache cache(SCRIPTED_FRAMES);
+    ModbusReader reader(To(device.GetPort()), SCRIPTED_FRAMES, cache);
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    const std::jthread disturbing([thread = pthread_self()](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            pthread_kill(thread, SIGUSR1);
+            std::this_thread::sleep_for(10ms);
+        }
+    });
+    EXPECT_EQ(reader.ReadAllFrames().connectionError,
+              "127.0.0.1:" + std::to_string(device.GetPort()) + ": Connection timed out");
+}
+
+TEST(ModbusReader, EndsWhateverItWaitsForWhenItsCallerIsStopped) {
+    StandIn::CapturedLog log(OrbaLogLevel::INFORMATION);
+    const FullListener full;
+    ScriptedDevice tcp(0);
+    ScriptedDevice serial(0ms);
+    ScriptedDevice noisy(0ms);
+    tcp.Treat({Treatment::TRUNCATED});
+    serial.Treat({Treatment::TRUNCATED});
+    noisy.Treat({Treatment::MISFITS});
+    const std::variant<TcpEndpoint, SerialPort> lines[] = {
+        TcpEndpoint{"127.0.0.1", full.GetPort()}, TcpEndpoint{"127.0.0.1", tcp.GetPort()},
+        SerialPort{serial.GetLineName()}, SerialPort{noisy.GetLineName()}};
+    for (const auto& line : lines) {
+        std::atomic<bool> stop = false;
+        RegisterCache cache(SCRIPTED_FRAMES);
+        ModbusReader reader({.line = line, .timeout = 10s}, SCRIPTED_FRAMES, cache, &stop);
+        const std::jthread stopping([&stop] {
+            std::this_thread::sleep_for(100ms);
+            stop = true;
+        });
+        const auto start = Clock::now();
+        const ModbusReader::Round round = reader.ReadAllFrames();
+        EXPECT_TRUE(round.stopped);
+        EXPECT_EQ(round.errors.size(), 2U);
+        EXPECT_EQ(round.connectionError, "");
+        EXPECT_LT(Clock::now() - start, 2s);
+    }
+    EXPECT_TRUE(log.Texts(OrbaLogLevel::WARNING).empty());
+}
+
 TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
     StandIn::CapturedLog log(OrbaLogLevel::INFORMATION);
     auto device = std::make_unique<ScriptedDevice>(0);
@@ -150,7 +241,7 @@ TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
         std::this_thread::sleep_for(pause);
         lastFailure = Clock::now();
         const ModbusReader::Round round = reader.ReadAllFrames();
-        EXPECT_EQ(round.connectionError, "Connection refused");
+        EXPECT_EQ(round.connectionError, "127.0.0.1:" + std::to_string(port) + ": Connection refused");
         EXPECT_EQ(round.errors.size(), 2U);
         EXPECT_EQ(cache.GetFrame(0).quality, QUALITY_GOOD);
     }

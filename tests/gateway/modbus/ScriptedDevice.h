@@ -18,10 +18,10 @@
 namespace kzm::ModbusGateway {
 
 // How a scripted device treats one request.
-enum class Treatment { ANSWER, EXCEPTION, CLOSE, LATE, TRUNCATED, TOO_FEW, MISFIT, GARBAGE };
+enum class Treatment { ANSWER, TWICE, EXCEPTION, CLOSE, LATE, TRUNCATED, TOO_FEW, MISFIT, MISFITS, GARBAGE };
 
 // A device whose registers hold their own addresses, and which treats the next requests as it is told to, later ones
-// well. It serves one connection at a time.
+// well. It serves one connection at a time. MISFITS are sent for 3 s.
 class ScriptedDevice {
 public:
     explicit ScriptedDevice(std::uint16_t port)
@@ -40,6 +40,7 @@ public:
     }
     std::uint16_t GetPort() const { return PortOf(mLine); }
     std::string GetLineName() const { return mLineName.data(); }
+    int GetOtherEnd() const { return mOtherEnd.Get(); }
 
     void Treat(std::deque<Treatment> next) {
         const std::lock_guard lock(mMutex);
@@ -76,9 +77,24 @@ private:
         } else if (treatment == Treatment::LATE) {
             Receive(line, 1, stop);  // until the client has given up
         }
-        const Bytes answer = mIsSerial ? SerialAnswer(request, treatment) : TcpAnswer(request, treatment);
-        const std::size_t size = answer.size() - (treatment == Treatment::TRUNCATED ? 3 : 0);
-        return (mIsSerial ? write(line, answer.data(), size) : send(line, answer.data(), size, MSG_NOSIGNAL)) > 0;
+        Bytes answer = mIsSerial ? SerialAnswer(request, treatment) : TcpAnswer(request, treatment);
+        answer.resize(answer.size() - (treatment == Treatment::TRUNCATED ? 3 : 0));
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(3);
+        bool isSent = Send(line, answer);
+        if (treatment == Treatment::TWICE) {
+            isSent = Send(line, answer);
+        }
+        while (treatment == Treatment::MISFITS && isSent && !stop.stop_requested() &&
+               std::chrono::steady_clock::now() < end) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            isSent = Send(line, answer);
+        }
+        return isSent;
+    }
+
+    bool Send(int line, const Bytes& bytes) const {
+        return (mIsSerial ? write(line, bytes.data(), bytes.size())
+                          : send(line, bytes.data(), bytes.size(), MSG_NOSIGNAL)) > 0;
     }
 
     // Empty when the connection is closed or the test ends.
@@ -105,13 +121,17 @@ private:
         return treatment;
     }
 
+    static bool IsMisfit(Treatment treatment) {
+        return treatment == Treatment::MISFIT || treatment == Treatment::MISFITS;
+    }
+
     static Bytes TcpAnswer(const Bytes& request, Treatment treatment) {
         if (treatment == Treatment::GARBAGE) {
             return Bytes(300, 0xA5);
         }
         Bytes answer = UnitAndData(&request[6], treatment);
         const auto length = static_cast<std::uint8_t>(answer.size());
-        const auto transaction = static_cast<std::uint8_t>(request[1] + (treatment == Treatment::MISFIT ? 1 : 0));
+        const auto transaction = static_cast<std::uint8_t>(request[1] + (IsMisfit(treatment) ? 1 : 0));
         answer.insert(answer.begin(), {request[0], transaction, 0, 0, 0, length});
         return answer;
     }
@@ -125,7 +145,7 @@ private:
                 checksum = (checksum >> 1) ^ ((checksum & 1) != 0 ? 0xA001U : 0U);
             }
         }
-        checksum += treatment == Treatment::MISFIT ? 1 : 0;
+        checksum += IsMisfit(treatment) ? 1 : 0;
         answer.push_back(static_cast<std::uint8_t>(checksum));
         answer.push_back(static_cast<std::uint8_t>(checksum >> 8));
         return answer;

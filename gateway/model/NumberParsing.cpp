@@ -1,4 +1,4 @@
-#include "gateway/model/NumberText.h"
+#include "gateway/model/NumberParsing.h"
 
 #include <charconv>
 #include <cmath>
