@@ -16,13 +16,13 @@ using ModbusDeviceModel::DeviceProfile::FrameData;
 
 namespace {
 
-// Where a register of the device stands among those of a frame.
+// Position of a device's register among the registers of a frame.
 struct Place {
     std::uint16_t address;
     std::uint16_t position;
 };
 
-// In the order of the addresses, each once.
+// Sorted by address, without duplicates.
 std::vector<Place> PlacesOf(const std::vector<std::uint16_t>& addresses) {
     std::map<std::uint16_t, std::uint16_t> positions;
     for (std::size_t i = 0; i < addresses.size(); ++i) {
@@ -38,20 +38,20 @@ std::vector<Place> PlacesOf(const std::vector<std::uint16_t>& addresses) {
 
 }  // namespace
 
-// Readers take no lock: one that readers share makes each wait for the others' processor caches. Instead they read
-// again what was written meanwhile, which the version tells: it is odd while a frame is being written. Data is loaded
-// with acquire and stored with release, so that whoever sees some of it sees the version as well.
+// One frame behind a seqlock: an odd version means that a write is in progress, and readers retry until the version is
+// even and the same before and after. A shared lock would bounce its cache line between the readers' processors. Data
+// is loaded with acquire and stored with release, so that a reader that sees any of a write also sees its version.
 struct RegisterCache::Slot {
     explicit Slot(const std::vector<std::uint16_t>& addresses)
         : places(PlacesOf(addresses)), registers(addresses.size()) {}
 
-    // The places of `count` registers from `address` on; null when one of them is not in the frame.
+    // The places of `count` registers from `address` on; null if any of them is not in the frame.
     const Place* Find(std::uint16_t address, std::uint8_t count) const {
         const auto first = std::ranges::lower_bound(places, address, {}, &Place::address);
         if (count == 0 || places.end() - first < count) {
             return nullptr;
         }
-        // Addresses rise by at least one, so that the two ends tell that none is missing in between.
+        // Addresses are unique and ascending: if the last is count - 1 past the first, none is missing in between.
         return first->address == address && first[count - 1].address == address + count - 1 ? &*first : nullptr;
     }
 

@@ -11,8 +11,10 @@
 
 namespace kzm::ModbusGateway {
 
-// The registers of one device as last received, frame by frame. One writer and many readers may work at once; a reader
-// gets a frame as one Update left it, never half of two.
+// The registers of one device as last received, frame by frame. Logs nothing.
+//
+// Any number of threads may read while others write: a reader takes no lock and gets a frame as one write left it,
+// never parts of two. Writers of the same frame wait for each other.
 class KZM_GATEWAY_EXPORT RegisterCache final : public ModbusDeviceModel::DeviceCache::CacheReadAccessInterface {
 public:
     using Quality = ModbusDeviceModel::DeviceCache::_Quality_t;
@@ -24,28 +26,30 @@ public:
         Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_UNINITIALISED;
     };
 
-    // Learns where each frame's registers stand on the device. Every frame starts as never received.
+    // Takes from each frame the addresses of its registers; a frame's index is its position in the list. Every frame
+    // starts as never received.
     explicit RegisterCache(const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames);
     ~RegisterCache() override;
 
-    // Replaces a frame whole. For coils and discrete inputs a register is one bit, 0 or 1. `timestamp`: milliseconds
-    // since 1970. Throws std::out_of_range for an unknown frame, std::invalid_argument for a wrong number of registers;
-    // the frame then stays as it was.
+    // Replaces the registers of a frame, in the order of its addresses, its timestamp (milliseconds since 1970) and its
+    // quality. A coil or discrete input is a register of 0 or 1. Throws std::out_of_range for an unknown frame and
+    // std::invalid_argument for a number of registers that is not the frame's; the frame then stays as it was.
     void Update(std::uint8_t frameIndex, std::span<const std::uint16_t> registers, std::uint64_t timestamp,
                 Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_GOOD);
 
-    // Marks what a frame holds, and keeps registers and timestamp. A frame that was never received stays so. Throws
-    // std::out_of_range for an unknown frame.
+    // Sets the quality of a frame and keeps its registers and timestamp; does nothing to a frame that was never
+    // received. Throws std::out_of_range for an unknown frame.
     void SetQuality(std::uint8_t frameIndex, Quality quality);
 
-    // A copy of what a frame holds. Throws std::out_of_range for an unknown frame.
+    // A copy of a frame. Throws std::out_of_range for an unknown frame.
     Frame GetFrame(std::uint8_t frameIndex) const;
 
-    // No data (0 bytes, quality Uninitialised) for an unknown frame, a frame never received, registers that are not all
-    // in the frame, and more bytes than the buffer holds.
+    // Copies `count` registers from `address` on, high byte first, sets the frame's quality, and returns the number of
+    // bytes. 0, with quality Uninitialised and the buffer untouched, for an unknown frame, a frame never received, a
+    // count of 0, registers that are not all in the frame, and more bytes than `capacity`.
     std::uint32_t ReadFrame(const std::uint8_t& frameIndex, const std::uint16_t& address, std::uint8_t count,
                             std::uint8_t* buffer, std::uint32_t capacity, Quality& quality) const override;
-    // 0 for an unknown frame and one never received.
+    // Milliseconds since 1970; 0 for an unknown frame and for one never received.
     std::uint64_t GetFrameTimestamp(std::uint8_t frameIndex) const override;
 
 private:

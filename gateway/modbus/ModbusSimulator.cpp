@@ -121,7 +121,7 @@ void ModbusSimulator::Impl::Accept() {
     }
 }
 
-// False when the client is gone, or does not speak Modbus.
+// False if the client has gone, or does not speak Modbus.
 bool ModbusSimulator::Impl::ServeClient(Client& client) const {
     std::array<std::uint8_t, 1024> bytes;
     const ssize_t size = recv(client.socket.Get(), bytes.data(), bytes.size(), 0);
@@ -183,7 +183,7 @@ Bytes ModbusSimulator::Impl::Answer(std::span<const std::uint8_t> request) const
     return isBits ? BitsAnswer(function, values) : RegistersAnswer(function, values);
 }
 
-// Registers that one frame holds all come from that frame, so that they are of one instant; others are put together.
+// All from one frame, if one has them all, so that they are of one instant; else put together from several.
 ModbusSimulator::Impl::Values ModbusSimulator::Impl::Find(ModbusFunctionCode functionCode, std::uint16_t first,
                                                           std::uint16_t count) const {
     Values together(count);
@@ -200,7 +200,7 @@ ModbusSimulator::Impl::Values ModbusSimulator::Impl::Find(ModbusFunctionCode fun
     return together;
 }
 
-// Whether the frame holds all.
+// Fills in the values that the frame has; true if those are all.
 bool ModbusSimulator::Impl::FindInFrame(std::size_t frameIndex, std::uint16_t first, Values& values) const {
     const auto& addresses = mFrames[frameIndex].addresses;
     const std::vector<std::uint16_t> registers = mCache.GetFrame(static_cast<std::uint8_t>(frameIndex)).registers;

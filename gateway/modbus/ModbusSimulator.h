@@ -12,26 +12,28 @@
 
 namespace kzm::ModbusGateway {
 
-// Serves the frames of a register cache as a Modbus TCP device, to several clients at once. Answers every unit number.
-// An address that is in no received frame of the asked function code is answered with the exception "illegal data
-// address", a function that reads nothing with "illegal function". Registers that one frame holds all are served from
-// that frame, so that they are of one instant. A client that sends no Modbus TCP, or does not take its answers, is
-// disconnected.
+// Serves the frames of a register cache as a Modbus TCP device, to several clients at once. Logs nothing.
+//
+// Every unit number is answered, and every request with what the cache holds when it comes. Registers that are all in
+// one frame are taken from that frame, so that they are of one instant. Exceptions: "illegal function" for a function
+// code that does not read, "illegal data value" for no registers or more than one request may read, "illegal data
+// address" for a register that is in no received frame of that function code. A client that sends anything but Modbus
+// TCP, or does not take its answers, is disconnected.
 class ModbusSimulator {
 public:
-    // Listens at once. `port` 0 takes a free one. The cache is one of these frames, and must outlive the simulator;
-    // what it holds when a request comes is what is served. Throws std::system_error when the address cannot be
-    // listened on.
+    // Listens at once; port 0 takes a free one. The cache is one of these frames, and must outlive the simulator; other
+    // threads may write to it. Throws std::system_error if it cannot listen on that address.
     KZM_GATEWAY_EXPORT ModbusSimulator(const std::vector<ModbusDeviceModel::DeviceProfile::FrameData>& frames,
                                        const RegisterCache& cache, const std::string& host, std::uint16_t port);
     KZM_GATEWAY_EXPORT ~ModbusSimulator();
     ModbusSimulator(const ModbusSimulator&) = delete;
     ModbusSimulator& operator=(const ModbusSimulator&) = delete;
 
-    // The port that is listened on.
+    // The port that it listens on. May be called by any thread.
     KZM_GATEWAY_EXPORT std::uint16_t GetPort() const;
 
-    // Serves until `stop` becomes true (looked at every 100 ms or sooner), on the calling thread.
+    // Serves on the calling thread until `stop` is true, which is checked at least every 100 ms, and then disconnects
+    // all clients. To be called by one thread at a time.
     KZM_GATEWAY_EXPORT void Serve(const std::atomic<bool>& stop);
 
 private:

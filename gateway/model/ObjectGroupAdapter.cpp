@@ -8,7 +8,7 @@ using kz::orba::StatusCode;
 
 namespace {
 
-// Calls every adapter; the first status that is not 0.
+// Calls every adapter; the first status other than SUCCESS.
 template <typename Adapters, typename Call>
 StatusCode FirstFailure(const Adapters& adapters, Call call) {
     StatusCode result{};

@@ -13,17 +13,17 @@ class KZM_GATEWAY_EXPORT ObjectGroupAdapter final : public ModbusDeviceModel::Da
 public:
     using Adapters = std::vector<std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter>>;
 
-    // Null adapters must not occur.
+    // None of them may be null.
     explicit ObjectGroupAdapter(Adapters adapters);
 
     const Adapters& GetAdapters() const { return mAdapters; }
 
-    // Asks every adapter, whatever the others give; returns the first status that is not 0.
+    // Asks every adapter, whatever the others return; returns the first status other than SUCCESS.
     kz::orba::StatusCode GetObject(
         const std::shared_ptr<ModbusDeviceModel::DeviceCache::CacheReadAccessInterface>& cache, bool deviceBigEndian,
         bool ignoreCacheAge, kz::orba::VortaORBAObject& object) override;
     std::set<std::uint8_t>& GetFrameIndexes() override;
-    // The union over the adapters; the first failure is returned, the others are still asked.
+    // The frames of all adapters; returns the first status other than SUCCESS, the others are still asked.
     kz::orba::StatusCode ComputeFrameIndexes() override;
     // The first adapter's.
     ModbusDeviceModel::Device::ModbusMeasurementInformation GetModbusMeasurementInformation() const override;

@@ -14,16 +14,16 @@ public:
     using Cache = std::shared_ptr<ModbusDeviceModel::DeviceCache::CacheReadAccessInterface>;
     using Quality = ModbusDeviceModel::DeviceCache::_Quality_t;
 
-    // Powers of ten up to this one are exact; larger exponents are marks or faults of a device.
+    // Powers of ten up to this one are exact as double; larger exponents are markers or faults of a device.
     static constexpr int MAX_EXPONENT = 22;
 
     // `element`: with a dependency, of any name. Neither may be null.
     ScaledPowerAdapter(std::shared_ptr<ModbusDeviceModel::DataModel::ExtendedElementData> element,
                        std::shared_ptr<AttributeAdapter> exponent);
 
-    // As AttributeConverter::GetValueFromElementData. Once the element has a value, also the status of the exponent
-    // where it has none, and 28 for one that is no whole number from -MAX_EXPONENT to MAX_EXPONENT. `quality` is the
-    // worse one of those that were read.
+    // As AttributeConverter::GetValueFromElementData. Once the element has a value, also the status of an exponent that
+    // could not be read, and OUT_OF_RANGE for one that is not a whole number from -MAX_EXPONENT to MAX_EXPONENT.
+    // `quality` is the worse of the two that were read.
     kz::orba::StatusCode GetIotValue(const std::string& urn, const Cache& cache, bool deviceBigEndian,
                                      bool ignoreCacheAge, Quality& quality, nlohmann::json& value) override;
     kz::orba::StatusCode GetEdmValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge, Quality& quality,
