@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 
+#include "Support/LogLevel.h"
 #include "kzm/Log/RootLogger.h"
 
 namespace kzm::ModbusGateway {
@@ -12,7 +13,7 @@ namespace kzm::ModbusGateway {
 // Prints a line of the gateway through the process's logger, marked as the library's lines are. `makeText` gives its
 // text, and is called only when the level is on. A line that cannot be made, for lack of memory, is lost.
 template <typename MakeText>
-void LogLine(Log::OrbaLogLevel level, const char* module, const MakeText& makeText) try {
+void LogLine(ModbusDeviceModel::Logging::Level level, const char* module, const MakeText& makeText) try {
     auto& logger = Log::RootLogger::GetInstance();
     if (logger.GetLevel() >= level) {
         const std::string text = makeText();

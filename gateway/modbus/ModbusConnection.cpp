@@ -14,9 +14,10 @@
 
 namespace kzm::ModbusGateway {
 
-using Log::OrbaLogLevel;
 using ModbusDeviceModel::ModbusFunctionCode;
 using std::chrono::milliseconds;
+
+namespace Logging = ModbusDeviceModel::Logging;
 
 namespace {
 
@@ -127,7 +128,7 @@ void ModbusConnection::NoteUnreachable(int error) {
     mNextAttempt = Clock::now() + mPause;
     mPause = mPause < mSettings.longestPause / 2 ? mPause * 2 : mSettings.longestPause;
     if (std::exchange(mUnreachable, error) == 0) {
-        LogLine(OrbaLogLevel::WARNING, LOG_MODULE,
+        LogLine(Logging::WARNING, LOG_MODULE,
                 [&] { return "[Read] " + GetName() + " cannot be reached: " + TextOf(error); });
     }
 }
@@ -135,7 +136,7 @@ void ModbusConnection::NoteUnreachable(int error) {
 void ModbusConnection::NoteAnswer() {
     mUsed = true;
     if (std::exchange(mUnreachable, 0) != 0) {
-        LogLine(OrbaLogLevel::INFORMATION, LOG_MODULE, [&] { return "[Read] " + GetName() + " answers again"; });
+        LogLine(Logging::INFORMATION, LOG_MODULE, [&] { return "[Read] " + GetName() + " answers again"; });
     }
 }
 
