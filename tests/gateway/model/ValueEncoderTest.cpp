@@ -38,7 +38,7 @@ std::string Write(const Traits& traits, const std::string& text, bool deviceBigE
 }
 
 const auto SPEEDS = std::make_shared<Pairs>(Pairs{{0U, "Stop"}, {2U, "Slow"}, {3U, "Fast"}, {9U, "Turbo"}});
-const auto FLOATS = std::make_shared<Pairs>(Pairs{{0.5F, "Half"}, {1.0F, "Whole"}});
+const auto FLOATS = std::make_shared<Pairs>(Pairs{{0.5F, "Half"}, {1.0F, "Whole"}, {1000.1F, "High"}});
 // Labels of several raw values, of which one may be another label's, too.
 const auto SHARED = std::make_shared<Pairs>(Pairs{{9U, "On"}, {4U, "Off"}, {5U, "Off"}, {4U, "Idle"}, {6U, "Idle"}});
 const auto TEXTS = std::make_shared<Pairs>(Pairs{{"ab", "First"}, {"c", "Second"}});
@@ -116,6 +116,7 @@ const Row ROWS[] = {
     {{.code = 23, .mask = "00FF", .pairs = SPEEDS}, "Turbo", "0009"}, {{.code = 23}, "256", "256 is out of range"},
     {{.code = 30, .pairs = FLOATS, .registers = 2}, "Half", "3F00 0000"},
     {{.code = 30, .pairs = FLOATS, .registers = 2}, "1", "3F80 0000"},
+    {{.code = 30, .pairs = FLOATS, .registers = 2}, "1000.1", "447A 0666"},
     {{.code = 10, .mask = "0100"}, "true", "0100"}, {{.code = 10}, "0", "0000"},
     {{.code = 10, .offset = 1.0F}, "false", "false would be read back as true"},
     {{.code = 10, .offset = -1.0F}, "false", "0001"}, {{.code = 10, .offset = -1.0F}, "true", "0000"},
