@@ -88,6 +88,7 @@ TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) 
                 {{{"a", -400}}, 1, "f0.0"},
                 {{}, -1, "null!"},
                 {{}, 1e18, "null!"},
+                {{}, 3e19, "null!"},
                 {{}, INFINITY, "null!"},
                 {{}, NAN, "null!"}};
     for (const auto& row : ROWS) {
