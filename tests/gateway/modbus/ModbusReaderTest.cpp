@@ -236,10 +236,9 @@ TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
     ModbusReader reader(To(port), SCRIPTED_FRAMES, cache);
     EXPECT_EQ(reader.ReadAllFrames().framesRead, 2U);
     device.reset();
-    Clock::time_point lastFailure;
+    const auto firstFailure = Clock::now();
     for (const auto pause : {0ms, 0ms, 25ms}) {  // an attempt, a round in its pause, the next attempt
         std::this_thread::sleep_for(pause);
-        lastFailure = Clock::now();
         const ModbusReader::Round round = reader.ReadAllFrames();
         EXPECT_EQ(round.connectionError, "127.0.0.1:" + std::to_string(port) + ": Connection refused");
         EXPECT_EQ(round.errors.size(), 2U);
@@ -247,10 +246,10 @@ TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
     }
     device = std::make_unique<ScriptedDevice>(port);
     while (reader.ReadAllFrames().framesRead == 0) {
-        ASSERT_LT(Clock::now() - lastFailure, 5s);
+        ASSERT_LT(Clock::now() - firstFailure, 5s);
         std::this_thread::sleep_for(1ms);
     }
-    EXPECT_GE(Clock::now() - lastFailure, 40ms);
+    EXPECT_GE(Clock::now() - firstFailure, 60ms) << "20 ms and 40 ms, however long a busy machine takes for a round";
     const std::string name = "127.0.0.1:" + std::to_string(port);
     EXPECT_EQ(log.Texts(OrbaLogLevel::WARNING),
               std::vector<std::string>{"[ModbusConnection] [Read] " + name + " cannot be reached: Connection refused"});
