@@ -76,8 +76,6 @@ bool RefuseMask(std::size_t size, unsigned int length) {
     return false;
 }
 
-}  // namespace
-
 bool HasPatternFor(const std::string* pattern, unsigned int length) {
     return pattern != nullptr && pattern->size() / 2 == std::size_t{length} + 1;
 }
@@ -89,24 +87,6 @@ bool MatchesPattern(const std::string& pattern, const unsigned char* buffer, uns
         }
     }
     return true;
-}
-
-bool HasMaskFor(const std::vector<std::uint8_t>* mask, unsigned int length) {
-    const std::size_t size = mask ? mask->size() : 0;
-    return size >= length || RefuseMask(size, length);
-}
-
-void ApplyMask(const std::uint8_t* mask, unsigned char* buffer, unsigned int length) {
-    switch (length) {
-        case 2:
-            return MaskWord<std::uint16_t>(buffer, mask);
-        case 4:
-            return MaskWord<std::uint32_t>(buffer, mask);
-        case 8:
-            return MaskWord<std::uint64_t>(buffer, mask);
-        default:
-            std::transform(buffer, buffer + length, mask, buffer, std::bit_and<unsigned char>());
-    }
 }
 
 void Gather(Gathering gathering, const std::uint8_t* mask, unsigned char* buffer, unsigned int length, myData& data) {
@@ -140,6 +120,26 @@ void Gather(Gathering gathering, const std::uint8_t* mask, unsigned char* buffer
             std::copy_n(buffer, length, bytes.begin());
             data.End(length);
             break;
+    }
+}
+
+}  // namespace
+
+bool HasMaskFor(const std::vector<std::uint8_t>* mask, unsigned int length) {
+    const std::size_t size = mask ? mask->size() : 0;
+    return size >= length || RefuseMask(size, length);
+}
+
+void ApplyMask(const std::uint8_t* mask, unsigned char* buffer, unsigned int length) {
+    switch (length) {
+        case 2:
+            return MaskWord<std::uint16_t>(buffer, mask);
+        case 4:
+            return MaskWord<std::uint32_t>(buffer, mask);
+        case 8:
+            return MaskWord<std::uint64_t>(buffer, mask);
+        default:
+            std::transform(buffer, buffer + length, mask, buffer, std::bit_and<unsigned char>());
     }
 }
 

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -40,18 +39,16 @@ double NumberIn(std::string_view text) {
     return error == std::errc() && rest == end ? number : NAN;
 }
 
-// The exponent that an answer gives; nothing for an answer that is not a number.
-std::optional<double> ExponentIn(const json& answer) {
-    if (!answer.is_number() && !answer.is_string()) {
-        return std::nullopt;
+// The number that an answer is or has as text, else NaN.
+double NumberIn(const json& answer) {
+    if (answer.is_number()) {
+        return answer.get<double>();
     }
-    const double number = answer.is_number() ? answer.get<double>() : NumberIn(answer.get_ref<const std::string&>());
-    if (!std::isfinite(number)) {
-        KZM_LOG(WARNING, "[%s] Exponent %s is not a finite number and is ignored", "Build",
-                Logging::Text(answer).c_str());
-        return std::nullopt;
-    }
-    return number;
+    return answer.is_string() ? NumberIn(std::string_view(answer.get_ref<const std::string&>())) : NAN;
+}
+
+void WarnOf(const json& answer) {
+    KZM_LOG(WARNING, "[%s] Exponent %s is not a finite number and is ignored", "Build", Logging::Text(answer).c_str());
 }
 
 // The last exponent that the dependencies give, else 0.
@@ -62,8 +59,14 @@ double AskForExponent(const std::vector<LogicCodeDependency>* dependencies, Serv
     }
     for (const LogicCodeDependency& dependency : *dependencies) {
         json answer = dependency.value;
-        if (processer->GetValue(dependency.name, answer)) {
-            exponent = ExponentIn(answer).value_or(exponent);
+        if (!processer->GetValue(dependency.name, answer)) {
+            continue;
+        }
+        const double number = NumberIn(answer);
+        if (std::isfinite(number)) {
+            exponent = number;
+        } else if (answer.is_number() || answer.is_string()) {
+            WarnOf(answer);
         }
     }
     return exponent;

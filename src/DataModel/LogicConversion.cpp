@@ -283,58 +283,86 @@ myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>
 }
 
 // Any other frequency leaves the value as it was.
-json FrequencyClass(std::uint32_t hertz, json& value) {
+void SetFrequencyClass(std::uint32_t hertz, json& value) {
     if (hertz == 50 || hertz == 60) {
-        return -2;
+        value = -2;
+    } else if (hertz == 400) {
+        value = -1;
     }
-    return hertz == 400 ? json(-1) : std::move(value);
 }
+
+// What conversions need of an element.
+struct Parts {
+    const LogicCodeRow& row;
+    LinearScale scale;
+    const Pairs* pairs;
+    const std::vector<std::uint8_t>& bitmask;
+    std::uint8_t registers;
+};
+
+// The value of most families, null where there is none. Plain numbers would pay for its stack frame if it were inlined.
+// clang-format off
+[[gnu::noinline]] json Convert(const Parts& element, const myData& data, bool& refused) {
+    const auto& [row, scale, pairs, bitmask, registers] = element;
+    switch (row.family) {
+        case Family::DOUBLE:               return EmitFinite(scale(data.Double()));
+        case Family::BOOLEAN:              return Boolean(data.Unsigned16(), scale);
+        case Family::DECIMAL_WORDS:        return DecimalWords(row, data, scale);
+        case Family::ENUMERATION:          return Enumeration(row, pairs, data, refused);
+        case Family::SHIFTED_ENUMERATION:
+            return Enumeration(row, pairs, Shifted(data, row.view, bitmask, registers), refused);
+        case Family::DECIMAL_TEXT:         return std::to_string(data.Unsigned32());
+        case Family::POWER_FACTOR:         return PowerFactor(data.Float(), scale);
+        case Family::QUADRANT:             return Quadrant(data.Float());
+        case Family::LAG_LEAD:             return LoadNature(data.Float(), LAG, LEAD);
+        case Family::INDUCTIVE_CAPACITIVE: return LoadNature(data.Float(), INDUCTIVE, CAPACITIVE);
+        case Family::TEXT:                 return Text(data);
+        case Family::DATE_IEC870:          return TextOfIec870(data.Text());
+        case Family::DATE_3_REGISTERS:     return TextOf3Registers(data.Text());
+        case Family::DATE_ULP:             return TextOfUlp(data.Text());
+        case Family::DATE_CM:              return TextOfCm(data.Text());
+        case Family::DATE_MSP:             return TextOfMsp(data.Text());
+        case Family::VERSION_2_3:          return Version(data.Unsigned16(), {6, 5, 4, 2, 1});
+        case Family::VERSION_1_1_2:        return Version(data.Unsigned16(), {10, 9, 6, 2});
+        case Family::VERSION_1_1_3:        return Version(data.Unsigned16(), {10, 9, 8, 6, 2});
+        case Family::NONE:  // these and the following have no value of their own or are converted by the callers
+        case Family::NUMBER:
+        case Family::TEXT_ENUMERATION:
+        case Family::FREQUENCY_CLASS:
+        case Family::SCALED_POWER:         break;
+    }
+    return nullptr;
+}
+// clang-format on
 
 }  // namespace
 
-// clang-format off
 bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
-    const LogicCodeRow& row = *mRow;
     const LinearScale scale{mNeedsScaling, mScaleFactor, mOffset};
     const Pairs* const pairs = mEnumerationPairs.get();
-    bool refused = false;
-    const auto give = [&](json&& result, bool nullIsValid = false) {
-        value = std::move(result);
-        invalid = refused || (value.is_null() && !nullIsValid);
-        return true;
-    };
-    switch (row.family) {
-        case Family::NUMBER:               return give(Emit(row.output, scale(NumberOf(row.view, data))));
-        case Family::DOUBLE:               return give(EmitFinite(scale(data.Double())));
-        case Family::BOOLEAN:              return give(Boolean(data.Unsigned16(), scale));
-        case Family::DECIMAL_WORDS:        return give(DecimalWords(row, data, scale));
-        case Family::ENUMERATION:          return give(Enumeration(row, pairs, data, refused));
-        case Family::SHIFTED_ENUMERATION:
-            return give(Enumeration(row, pairs, Shifted(data, row.view, *mBitmask, mNumberOfRegisters), refused));
-        case Family::TEXT_ENUMERATION:
-            return give(LabelOf<std::uint64_t>(pairs, data, refused), /*nullIsValid=*/true);
-        case Family::DECIMAL_TEXT:         return give(std::to_string(data.Unsigned32()));
-        case Family::POWER_FACTOR:         return give(PowerFactor(data.Float(), scale));
-        case Family::QUADRANT:             return give(Quadrant(data.Float()));
-        case Family::LAG_LEAD:             return give(LoadNature(data.Float(), LAG, LEAD));
-        case Family::INDUCTIVE_CAPACITIVE: return give(LoadNature(data.Float(), INDUCTIVE, CAPACITIVE));
-        case Family::FREQUENCY_CLASS:
-            return give(FrequencyClass(data.Unsigned32(), value), /*nullIsValid=*/true);
-        case Family::TEXT:                 return give(Text(data));
-        case Family::DATE_IEC870:          return give(TextOfIec870(data.Text()));
-        case Family::DATE_3_REGISTERS:     return give(TextOf3Registers(data.Text()));
-        case Family::DATE_ULP:             return give(TextOfUlp(data.Text()));
-        case Family::DATE_CM:              return give(TextOfCm(data.Text()));
-        case Family::DATE_MSP:             return give(TextOfMsp(data.Text()));
-        case Family::VERSION_2_3:          return give(Version(data.Unsigned16(), {6, 5, 4, 2, 1}));
-        case Family::VERSION_1_1_2:        return give(Version(data.Unsigned16(), {10, 9, 6, 2}));
-        case Family::VERSION_1_1_3:        return give(Version(data.Unsigned16(), {10, 9, 8, 6, 2}));
+    switch (mRow->family) {
+        case Family::NONE:
         case Family::SCALED_POWER:
-        case Family::NONE:                 break;
+            return false;
+        case Family::NUMBER:
+            value = Emit(mRow->output, scale(NumberOf(mRow->view, data)));
+            invalid = value.is_null();
+            return true;
+        case Family::FREQUENCY_CLASS:
+            invalid = false;
+            SetFrequencyClass(data.Unsigned32(), value);
+            return true;
+        case Family::TEXT_ENUMERATION:  // null is valid where there are no labels
+            invalid = false;
+            value = LabelOf<std::uint64_t>(pairs, data, invalid);
+            return true;
+        default:  // Convert lists the others
+            invalid = false;
+            value = Convert({*mRow, scale, pairs, *mBitmask, mNumberOfRegisters}, data, invalid);
+            invalid = invalid || value.is_null();
+            return true;
     }
-    return false;
 }
-// clang-format on
 
 template <typename T>
 json ElementData::GetEnumValue(const myData& data, bool& invalid) {
