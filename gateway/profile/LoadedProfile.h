@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -8,6 +9,7 @@
 #include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/VortaObjectAdapter.h"
 #include "Device/DeviceModel.h"
+#include "gateway/json/NumberText.h"
 
 namespace kzm::ModbusGateway {
 
@@ -21,6 +23,8 @@ struct LoadedProfile {
         // What it is before the device has filled it: of a key's structure, else empty.
         nlohmann::json structure;
         std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;
+        // How precise the number is that the device gives at an element path; "" is the top of the object.
+        std::map<std::string, NumberPrecision> precisions = {};
     };
 
     // A computed alarm of the model, under the name and alias of its object.

@@ -4,6 +4,7 @@
 
 #include "DataModel/AttributeConstant.h"
 #include "DataModel/AttributeProcessor.h"
+#include "gateway/model/ElementPrecision.h"
 #include "gateway/model/ScaledPowerAdapter.h"
 #include "gateway/profile/ProfileChains.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
@@ -147,6 +148,8 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadElement(const JsonCursor& p
     }
     auto element = std::make_shared<ProfileElement>();
     element->kind = KindOf(*registers->type);
+    element->precision =
+        PrecisionOf(ModbusDeviceModel::LogicCodeIdentifier{registers->type->code}, registers->scale, registers->offset);
     element->labels = registers->GetLabels();
     element->frames = {registers->frame};
     if (registers->type->family == Family::SCALED_POWER) {
@@ -188,6 +191,7 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCurso
     AttributeProcessor::Inputs adapters;
     ChainInputsByName inputs;
     Names names;
+    bool allFloats = true;
     place.At("inputs").ForEach([&](const std::string& name, const JsonCursor& role) {
         names.push_back(name);
         if (const Element input = Resolve(role)) {
@@ -195,6 +199,7 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCurso
             inputs.emplace(name, ChainInput{role, input->kind});
             element->frames.insert(input->frames.begin(), input->frames.end());
             element->cost += input->cost;
+            allFloats = allFloats && (input->constant || input->precision == NumberPrecision::FLOAT);
         }
     });
     if (names.empty() || !place.Has("chain")) {
@@ -207,6 +212,8 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCurso
     }
     CheckInputKinds(made, inputs);
     element->kind = KindOf(made.result);
+    // A computation is no more precise than its inputs.
+    element->precision = allFloats && !element->frames.empty() ? NumberPrecision::FLOAT : NumberPrecision::DIGITS_15;
     element->className = ClassNameOf(made.result);
     element->labels = std::move(made.labels);
     element->adapter = std::make_shared<AttributeProcessor>(adapters, std::move(made.chain));

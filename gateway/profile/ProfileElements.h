@@ -12,6 +12,7 @@
 #include "DataModel/AttributeAdapter.h"
 #include "gateway/chains/ChainRegistry.h"
 #include "gateway/json/JsonCursor.h"
+#include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
 #include "gateway/profile/ProfileEnumerations.h"
 #include "gateway/profile/ProfileFrames.h"
@@ -24,9 +25,10 @@ namespace kzm::ModbusGateway {
 struct ProfileElement {
     std::shared_ptr<ModbusDeviceModel::DataModel::AttributeAdapter> adapter;
     ValueKind kind = ValueKind::OTHER;
-    std::string className;                     // empty for a constant
-    const nlohmann::json* constant = nullptr;  // null for anything else
-    Names labels;                              // that it can give
+    NumberPrecision precision = NumberPrecision::DOUBLE;  // if it is a number
+    std::string className;                                // empty for a constant
+    const nlohmann::json* constant = nullptr;             // null for anything else
+    Names labels;                                         // that it can give
     std::set<std::uint8_t> frames;
     std::size_t cost = 1;  // elements and computations that one value takes
 };

@@ -115,6 +115,7 @@ void ProfileObjects::Keep(const Draft& draft) {
     const auto& [name, alias, key] = draft.identity;
     LoadedProfile::Object object{
         name, alias, draft.place.At("unit").Text(), "", nlohmann::json::object(), draft.adapters.front()};
+    object.precisions = draft.precisions;
     if (draft.adapters.size() > 1) {
         object.adapter = std::make_shared<ObjectGroupAdapter>(draft.adapters);
     }
@@ -215,6 +216,7 @@ void ProfileObjects::AddAdapter(const ProfileElement& value, const std::shared_p
         draft.className = value.className;
         draft.kind = value.kind;
     }
+    draft.precisions.emplace(path, value.precision);
     draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value.adapter))
                                          : Adapter(adapter));
 }

@@ -60,6 +60,7 @@ private:
         std::string className = {};
         ValueKind kind = ValueKind::OTHER;
         std::vector<Adapter> adapters = {};
+        std::map<std::string, NumberPrecision> precisions = {};
         std::set<std::string> labels = {};
         bool labelsKnown = true;  // no element is faulty
     };

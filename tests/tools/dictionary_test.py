@@ -65,7 +65,7 @@ class DictionaryTest(unittest.TestCase):
             (5, ["MinIA"], 'no key "MinIA"; did you mean "DTMinIA;MinIA"'),
             (5, ["--search", "no such text"], "nothing in the dictionary fits"),
             (2, ["--table", "alarms"], "alarm"),
-            (2, ["Hz", "--table", "alarm"], "excludes"),
+            (2, ["Hz", "--table", "alarm"], "cannot be combined with"),
         ]
         for status, arguments, text in rows:
             done = run("dictionary", *arguments)

@@ -28,9 +28,12 @@ class FilesTest(unittest.TestCase):
             (1, SHOW, [PROFILE], r"pump.jsonc has errors"),
             (1, ["check"], [file("junk", bytes(range(256)))], r"junk:1: error: .*"),
             (1, ["check"], [file("empty", "")], r"empty:1: error: .*"),
-            (2, [], [], r"A command is required"),
+            (2, [], [], r"a command is required \(see kzm-modbus --help\)"),
             (2, [], ["draw"], r"draw"),
-            (2, ["check"], [], r"PROFILE is required"),
+            (2, ["check"], [], r"check: PROFILE is required \(see kzm-modbus check --help\)"),
+            (2, ["check"], [PROFILE, "more"], r'check: unexpected argument "more"'),
+            (2, POLL, ["--tcp"], r"poll: --tcp needs a value"),
+            (2, POLL, ["--tcp", "a", "--json", "--table"], r"poll: --json cannot be combined with --table"),
             (2, POLL, [], r"--tcp"),
             (2, POLL, ["--tcp", "a", "--rtu", "/dev/null:9600:N"], r"--tcp"),
             *[(2, POLL, ["--tcp", text], r'--tcp: "' + re.escape(text) + '" is not HOST.*with a port from 1')
@@ -112,7 +115,7 @@ class FilesTest(unittest.TestCase):
             "Raw: a                                          -5",
             "Raw: a/b                                         0",
             "Raw               frame never was never received",
-            "Sum                                            0.3        Good          " + now,
+            "Sum                            0.30000000000000004        Good          " + now,
             "Spare             frame never was never received          Bad           " + now,
         ])
 
@@ -130,15 +133,45 @@ class FilesTest(unittest.TestCase):
 
     def test_the_examples_become_the_expected_objects_and_alarms(self):
         for command, profile, capture, expected in [
-                (["show"], "energy-meter", "energy-meter", "energy-meter"),
-                (["show"], "sunspec-inverter", "sunspec-inverter", "sunspec-inverter"),
-                (["show"], "circuit-breaker", "circuit-breaker", "circuit-breaker"),
+                (["show", "--exact"], "energy-meter", "energy-meter", "energy-meter"),
+                (["show", "--exact"], "sunspec-inverter", "sunspec-inverter", "sunspec-inverter"),
+                (["show", "--exact"], "circuit-breaker", "circuit-breaker", "circuit-breaker"),
                 (["alarms", "--all"], "energy-meter", "energy-meter.series", "energy-meter.alarms"),
                 (["alarms", "--all"], "circuit-breaker", "circuit-breaker", "circuit-breaker.alarms")]:
             done = run(*command, PROFILES / (profile + ".jsonc"), "--json", "--capture",
                        PROFILES / (capture + ".capture.json"))
             objects = json.loads((PROFILES / (expected + ".expected.json")).read_text(encoding="utf-8"))
             self.assertEqual([json.loads(line) for line in done.stdout.splitlines()], objects)
+
+    def test_numbers_have_the_digits_of_their_element_or_all_when_asked(self):
+        rows = [  # the value, its registers, the number shown, all digits
+            ('{"address": %d, "type": "float32"}', "3DCC CCCD", "0.1", "0.10000000149011612"),
+            ('{"address": %d, "type": "float32"}', "7F7F FFFF", "3.4028235e+38", "3.4028234663852886e+38"),
+            ('{"address": %d, "type": "float32", "scale": 0.1}', "4366 4CCD", "23.03", "23.030000305175783"),
+            ('{"address": %d, "type": "uint16-to-float", "scale": 0.1}', "001D", "2.9", "2.9000000000000004"),
+            ('{"address": %d, "type": "uint32-to-float", "scale": 0.1}', "075B CD15", "12345678.9", "12345678.9"),
+            ('{"address": %d, "type": "float64"}', "4007 3333 3333 3334", "2.9000000000000004", "2.9000000000000004"),
+            ('{"address": %d, "type": "float64", "scale": 0.1}', "403D 0000 0000 0000", "2.9", "2.9000000000000004"),
+            ('{"address": %d, "type": "uint64"}', "0020 0000 0000 0000", "9007199254740992", "9007199254740992"),
+            ('{"chain": "product", "inputs": {"a": {"address": %d, "type": "float32"}, "b": {"constant": 3}}}', "3DCC CCCD",
+             "0.3", "0.30000000447034836"),
+            ('{"chain": "sum", "inputs": {"a": {"address": %d, "type": "uint16-to-float", "scale": 0.1},'
+             ' "b": {"constant": 0.2}}}', "0001", "0.3", "0.30000000000000004"),
+        ]
+        objects, words = [], []
+        for number, (value, registers, _, _) in enumerate(rows):
+            objects.append('{"name": "%d", "value": %s}' % (number, value % len(words)))
+            words += registers.split()
+        profile = file("digits.jsonc", """{"frames": [{"name": "all", "function": "holding", "address": 0, "count": %d}],
+            "objects": [%s, {"name": "plain", "plain": true, "elements": {"a": {"value": {"address": 0, "type": "float32"}}}}]
+            }""" % (len(words), ", ".join(objects)))
+        show = ["show", profile, "--capture", file("digits.json", capture_of((1, [("all", " ".join(words), 0, {})])))]
+        for options, shown in [([], 2), (["--exact"], 3)]:
+            lines = [re.sub(r'.*"value":([^{}]*?)}.*', r"\1", line) for line in
+                     run(*show, "--json", *options).stdout.splitlines()]
+            self.assertEqual(lines, [row[shown] for row in [*rows, rows[0]]])
+            cells = [line.split() for line in run(*show, *options).stdout.splitlines()[1:]]
+            self.assertEqual([line[2 if line[0] == "plain:" else 1] for line in cells], lines)
 
     def test_a_custom_key_finds_its_object_and_comes_back_whole(self):
         for alias, shown in [(bytes(range(256)), None), ("盤内".encode(), "盤内"), (b"\xff(", "\ufffd(")]:

@@ -25,7 +25,7 @@ def sections(command=()):
     return found
 
 
-COMMANDS = sections()["Subcommands:"]
+COMMANDS = sections()["Commands:"]
 OPTIONS = {command: set(sections([command])["Options:"]) for command in COMMANDS}
 GLOBAL = set(sections()["Options:"])
 

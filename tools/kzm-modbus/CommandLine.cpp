@@ -5,13 +5,14 @@
 #include <limits>
 #include <stdexcept>
 
-#include "Text.h"
+#include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusTool {
 
 using ModbusGateway::Alternatives;
 using ModbusGateway::Quoted;
+using ModbusGateway::Suggestion;
 
 namespace {
 
@@ -49,25 +50,45 @@ std::vector<std::string> NamesOfCommands(const CLI::App& app) {
     return names;
 }
 
-// What is wrong with a command line that CLI11 refuses.
-std::string Describe(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = app.remaining(true);
-    const auto commands = app.get_subcommands();
-    if (commands.empty()) {
-        return unknown.empty()
-                   ? error.what()
-                   : "no command " + Quoted(unknown.front()) + Alternatives(unknown.front(), NamesOfCommands(app));
+// CLI11's own words, except for errors that it describes poorly.
+std::string Reword(const CLI::ParseError& error) {
+    const std::string text = error.what();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
+        return text.substr(0, text.find(':')) + " needs a value";
     }
+    const auto* excludes = dynamic_cast<const CLI::ExcludesError*>(&error);
+    return excludes ? CLI::detail::find_and_replace(text, " excludes ", " cannot be combined with ") : text;
+}
+
+// What is wrong with the options and arguments of a command that is named.
+std::string DescribeUsage(const CLI::App& app, const CLI::App& command, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = app.remaining(true);
     const auto option =
         std::find_if(unknown.begin(), unknown.end(), [](const std::string& text) { return text.starts_with('-'); });
-    if (option == unknown.end()) {
-        return error.what();
+    if (option != unknown.end()) {
+        std::vector<std::string> names;
+        CollectOptions(command, names);
+        CollectOptions(app, names);
+        const std::string name = option->substr(0, option->find('='));
+        return "no option " + Quoted(name) + Suggestion(name, names);
     }
-    std::vector<std::string> names;
-    CollectOptions(*commands.front(), names);
-    CollectOptions(app, names);
-    const std::string name = option->substr(0, option->find('='));
-    return commands.front()->get_name() + ": no option " + Quoted(name) + Alternatives(name, names);
+    const bool isExtra = dynamic_cast<const CLI::ExtrasError*>(&error) && !unknown.empty();
+    return isExtra ? "unexpected argument " + Quoted(unknown.front()) : Reword(error);
+}
+
+// What is wrong with a command line that CLI11 refuses, and where to read more.
+std::string Describe(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    if (!commands.empty()) {
+        const std::string& command = commands.front()->get_name();
+        return command + ": " + DescribeUsage(app, *commands.front(), error) + " (see kzm-modbus " + command +
+               " --help)";
+    }
+    const std::vector<std::string> unknown = app.remaining(true);
+    const std::string wrong =
+        unknown.empty() ? Reword(error)
+                        : "no command " + Quoted(unknown.front()) + Suggestion(unknown.front(), NamesOfCommands(app));
+    return wrong + " (see kzm-modbus --help)";
 }
 
 }  // namespace
@@ -122,7 +143,9 @@ void CommandSyntax::AddSeconds(const Text& option, Milliseconds& value) {
     const double usual = std::chrono::duration<double>(value).count();
     // NaN is in every range of CLI11, also in the one that is excluded.
     const auto range = CLI::Range(0.001, 86400.0) & !CLI::Range(LOWEST, 0.0);
-    mApp->add_option_function<double>(option.name, set, option.help + " (" + FormatNumber(usual) + ")")
+    mApp->add_option_function<double>(
+            option.name, set,
+            option.help + " (" + ModbusGateway::NumberText(usual, ModbusGateway::NumberPrecision::DIGITS_15) + ")")
         ->type_name(option.form)
         ->check(Reworded(range, " is not a number of seconds from 0.001 to 86400"));
 }
@@ -168,10 +191,11 @@ void CommandSyntax::SetExamples(std::initializer_list<const char*> examples) {
 CommandLine::CommandLine()
     : mApp(std::make_unique<CLI::App>("Reads Modbus devices as objects with value, unit, quality and date-time.",
                                       "kzm-modbus")) {
-    mApp->set_version_flag("--version", "kzm-modbus " KZM_VERSION);
+    mApp->set_version_flag("--version", "kzm-modbus " KZM_VERSION, "Show the version");
     mApp->set_help_flag("-h,--help", "Show this help");
     mApp->require_subcommand(0, 1);  // Parse says more about a missing one
     mApp->fallthrough();
+    mApp->get_formatter()->label("SUBCOMMAND", "COMMAND ...");
     mApp->footer(ExitStatusHelp());
 }
 
@@ -182,7 +206,7 @@ CommandSyntax CommandLine::GetOptionsOfAll() {
 }
 
 CommandSyntax CommandLine::AddCommand(const std::string& name, const std::string& help, Command command) {
-    CLI::App* const added = mApp->add_subcommand(name, help);
+    CLI::App* const added = mApp->add_subcommand(name, help)->group("Commands");
     mCommands.emplace(added, std::move(command));
     return CommandSyntax(*added);
 }
@@ -192,14 +216,14 @@ Command CommandLine::Parse(int argc, char** argv) {
         mApp->parse(argc, argv);
         const auto named = mApp->get_subcommands();
         if (named.empty()) {
-            throw CLI::RequiredError("A command");
+            throw CLI::RequiredError("a command");
         }
         return mCommands.at(named.front());
     } catch (const CLI::Success& asked) {
         mApp->exit(asked);
         return {};
     } catch (const CLI::ParseError& error) {
-        throw Failure(ExitStatus::WRONG_USAGE, Describe(*mApp, error) + "; --help tells more");
+        throw Failure(ExitStatus::WRONG_USAGE, Describe(*mApp, error));
     }
 }
 

@@ -148,10 +148,10 @@ void PrintElement(const Element& element) {
 ExitStatus ShowDictionary(const DictionaryOptions& options) {
     const std::vector<Element> elements = Select(options);
     if (elements.empty()) {
-        throw Failure(ExitStatus::NOT_FOUND,
-                      options.key.empty() ? "nothing in the dictionary fits"
-                                          : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
-                                                ModbusGateway::ElementKey::Suggestion(options.key));
+        throw Failure(ExitStatus::NOT_FOUND, options.key.empty()
+                                                 ? "nothing in the dictionary fits"
+                                                 : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
+                                                       ModbusGateway::ElementKey::Suggestion(options.key));
     }
     if (options.json) {
         std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';

@@ -93,11 +93,35 @@ bool LacksValue(const ObjectPart& part) {
     return !part.attributes.contains("value") || part.attributes["value"].is_null();
 }
 
-ObjectReading ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object, const Cache& cache) {
+void RoundNumbers(json& value, NumberPrecision precision) {
+    if (value.is_number_float()) {
+        value = RoundedTo(value.get<double>(), precision);
+    } else if (value.is_structured()) {
+        for (json& member : value) {
+            RoundNumbers(member, precision);
+        }
+    }
+}
+
+// In an object, the values that the device gives.
+void RoundValues(const LoadedProfile::Object& object, json& whole) {
+    for (const auto& [path, precision] : object.precisions) {
+        const json::json_pointer place((path.empty() ? "" : "/elements/" + path) + "/value");
+        if (whole.contains(place)) {
+            RoundNumbers(whole[place], precision);
+        }
+    }
+}
+
+ObjectReading ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object, const Cache& cache,
+                         bool exact) {
     VortaORBAObject target(object.key, object.name, object.alias, object.structure);
     ObjectReading reading{&object, ModbusDeviceModel::Status::INVALID_ARGUMENT, {}, {}};
     try {
         reading.status = profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
+        if (!exact) {
+            RoundValues(object, target.GetValue());
+        }
         reading.parts = PartsOf(target.GetValue(), object.structure);
         const bool failed = reading.status != ModbusDeviceModel::Status::SUCCESS;
         if (failed || std::any_of(reading.parts.begin(), reading.parts.end(), LacksValue)) {
@@ -113,10 +137,11 @@ ObjectReading ReadObject(const LoadedProfile& profile, const LoadedProfile::Obje
 
 }  // namespace
 
-std::vector<ObjectReading> ReadObjects(const LoadedProfile& profile, const Selection& selection, const Cache& cache) {
+std::vector<ObjectReading> ReadObjects(const LoadedProfile& profile, const Selection& selection, const Cache& cache,
+                                       bool exact) {
     std::vector<ObjectReading> readings;
     for (const LoadedProfile::Object* object : selection) {
-        readings.push_back(ReadObject(profile, *object, cache));
+        readings.push_back(ReadObject(profile, *object, cache, exact));
     }
     return readings;
 }

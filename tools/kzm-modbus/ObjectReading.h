@@ -19,7 +19,7 @@ struct ObjectPart {
     std::string why;            // in words, why there is no value; empty where there is one
 };
 
-// One object as it was asked of the model, from its structure on.
+// One object as the model filled it.
 struct ObjectReading {
     const ModbusGateway::LoadedProfile::Object* object;
     kz::orba::StatusCode status;
@@ -27,9 +27,10 @@ struct ObjectReading {
     std::vector<ObjectPart> parts;
 };
 
-// Asks the model for each object of a selection.
+// Asks the model for each object of a selection. Numbers from the device are rounded to the precision of their element,
+// so that each has its shortest form (0.1, not 0.10000000149011612), unless `exact`.
 std::vector<ObjectReading> ReadObjects(const ModbusGateway::LoadedProfile& profile, const Selection& selection,
-                                       const Cache& cache);
+                                       const Cache& cache, bool exact);
 
 // The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" where a value is
 // missing, and "time" unless that is empty.

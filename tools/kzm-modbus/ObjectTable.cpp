@@ -4,6 +4,7 @@
 
 #include "Text.h"
 #include "TextTable.h"
+#include "gateway/json/NumberText.h"
 
 namespace kzm::ModbusTool {
 
@@ -53,7 +54,7 @@ std::string TextOf(const json& value) {
     if (value.is_string()) {
         return Printable(value.get_ref<const std::string&>());
     }
-    return value.is_number_float() ? FormatNumber(value.get<double>())
+    return value.is_number_float() ? NumberText(value.get<double>(), ModbusGateway::NumberPrecision::DOUBLE)
                                    : Printable(value.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 

@@ -93,6 +93,11 @@ void AddObjectOption(CommandSyntax& command, std::vector<std::string>& objects) 
     command.AddTexts({"--object", "NAME[/ALIAS]", "Only this object; may be given more than once"}, objects);
 }
 
+void AddExactOption(CommandSyntax& command, bool& exact) {
+    command.AddFlag("--exact", "All digits of numbers, not only those that their element's precision gives a meaning",
+                    exact);
+}
+
 void AddRepetitionOptions(CommandSyntax& command, Repetition& repetition) {
     const std::string usual = repetition.count == 0 ? "until interrupted" : std::to_string(repetition.count);
     command.AddNumber({"--count", "N", "How many rounds to read (" + usual + ")"}, 1, 1'000'000'000,

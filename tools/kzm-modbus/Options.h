@@ -14,6 +14,9 @@ void AddProfileArgument(CommandSyntax& command, std::string& path);
 void AddCaptureOption(CommandSyntax& command, std::string& path);
 void AddObjectOption(CommandSyntax& command, std::vector<std::string>& objects);
 
+// "--exact".
+void AddExactOption(CommandSyntax& command, bool& exact);
+
 // How often something is done.
 struct Repetition {
     std::uint64_t count;  // 0: until a signal

@@ -25,6 +25,7 @@ struct PollOptions {
     Repetition repetition{0};
     std::vector<std::string> objects;
     bool json = false;
+    bool exact = false;
     bool table = false;
 };
 
@@ -81,7 +82,7 @@ ExitStatus Poll(const PollOptions& options) {
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     PollOutput output(options, *profile);
     ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
-        output.Show(ReadObjects(*profile, selection, cache), DescribeErrors(round, *profile));
+        output.Show(ReadObjects(*profile, selection, cache, options.exact), DescribeErrors(round, *profile));
     });
     return ExitStatus::OK;
 }
@@ -99,6 +100,7 @@ void AddPollCommand(CommandLine& line) {
     poll.AddFlag("--json", "One JSON object a line, as without a terminal", options->json);
     poll.AddFlag("--table", "A table, as on a terminal", options->table);
     poll.Exclude({"--table"}, "--json");
+    AddExactOption(poll, options->exact);
     poll.SetExamples({"poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1",
                       "poll profiles/energy-meter.jsonc --rtu /dev/ttyUSB0:19200:E --unit 3 --interval 5 --count 12"});
 }

@@ -19,6 +19,7 @@ struct ShowOptions {
     std::string capture;
     std::vector<std::string> objects;
     bool json = false;
+    bool exact = false;
 };
 
 void PrintJson(const std::vector<ObjectReading>& readings, const std::string& time) {
@@ -46,7 +47,7 @@ ExitStatus Show(const ShowOptions& options) {
     for (const Capture::Snapshot& snapshot : capture.snapshots) {
         const CaptureClock clock(snapshot.time);
         Capture::Restore(snapshot, *cache);
-        const std::vector<ObjectReading> readings = ReadObjects(*profile, selection, cache);
+        const std::vector<ObjectReading> readings = ReadObjects(*profile, selection, cache, options.exact);
         const std::string time = series ? DateTime::DateTime::GetCalendarTime() : "";
         options.json ? PrintJson(readings, time) : PrintTable(readings, time);
     }
@@ -63,6 +64,7 @@ void AddShowCommand(CommandLine& line) {
     AddCaptureOption(show, options->capture);
     AddObjectOption(show, options->objects);
     show.AddFlag("--json", "One JSON object a line", options->json);
+    AddExactOption(show, options->exact);
     show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"});
 }
 

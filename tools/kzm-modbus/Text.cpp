@@ -1,20 +1,11 @@
 #include "Text.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
-#include <cstdio>
-#include <limits>
 #include <nlohmann/json.hpp>
 
 namespace kzm::ModbusTool {
 
 namespace {
-
-bool IsFloat(double number) {
-    return std::abs(number) <= std::numeric_limits<float>::max() &&
-           static_cast<double>(static_cast<float>(number)) == number;
-}
 
 // The JSON library puts U+FFFD in the place of what is no UTF-8.
 std::string Utf8(std::string_view text) {
@@ -39,19 +30,6 @@ std::string Printable(std::string_view raw) {
 std::size_t WidthOf(std::string_view text) {
     return static_cast<std::size_t>(
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
-std::string FormatNumber(double number) {
-    char text[64];
-    if (!IsFloat(number)) {
-        std::snprintf(text, sizeof text, "%.12g", number);
-        return text;
-    }
-    const double magnitude = std::abs(number);
-    const bool plain = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e12);
-    const auto end = std::to_chars(text, text + sizeof text, static_cast<float>(number),
-                                   plain ? std::chars_format::fixed : std::chars_format::scientific);
-    return std::string(text, end.ptr);
 }
 
 std::string Counted(std::size_t count, const std::string& noun) {

@@ -2,7 +2,7 @@
 
 #include "DataModel/DataObjectAdapter.h"
 #include "Support/Status.h"
-#include "Text.h"
+#include "gateway/json/NumberText.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "kzm/DateTime/DateTime.h"
 
@@ -31,10 +31,10 @@ StatusCode StatusOfValue(VortaObjectAdapter& adapter, const Cache& cache, bool b
 std::string DescribeAge(std::uint64_t timestamp) {
     const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
     if (timestamp > now) {
-        return " bears a time in the future";
+        return " has a timestamp in the future";
     }
     const std::uint64_t tenths = (now - timestamp) / 100;
-    return " is out of date (" + FormatNumber(static_cast<double>(tenths) / 10) + " s)";
+    return " is out of date (" + NumberText(static_cast<double>(tenths) / 10, NumberPrecision::DIGITS_15) + " s)";
 }
 
 // `outOfDate`: whether the value would be there but for the age of a frame.

@@ -24,6 +24,7 @@ struct WriteOptions {
     std::vector<std::string> assignments;
     ModbusSettings connection;
     bool send = false;
+    bool exact = false;
 };
 
 ModbusConnection LineOf(const ModbusSettings& connection) try {
@@ -72,7 +73,7 @@ ExitStatus Write(const WriteOptions& options) {
     const Payload after = plan.Apply(before);
     PrintTable(plan.CompareRegisters(before, after));
     std::cout << '\n';
-    PrintTable(plan.CompareElements(before, after));
+    PrintTable(plan.CompareElements(before, after, options.exact));
     const Payload changes = WritePlan::ChangesOf(before, after);
     const std::string what =
         Counted(changes.mValues.size(), "register") + " from " + std::to_string(changes.mStartAddress) + " on";
@@ -99,6 +100,7 @@ void AddWriteCommand(CommandLine& line) {
     write.AddArguments("ELEMENT=VALUE", "Elements of the service and their new values", options->assignments);
     AddConnectionOptions(write, options->connection);
     write.AddFlag("--send", "Write the registers that change, and compare what the device then holds", options->send);
+    AddExactOption(write, options->exact);
     write.SetExamples(
         {"write profiles/energy-meter.jsonc Measurement.Settings demandInterval=20 --tcp 192.168.1.20"
          " --send"});

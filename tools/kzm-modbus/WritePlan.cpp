@@ -5,7 +5,9 @@
 #include "ExitStatus.h"
 #include "ObjectTable.h"
 #include "Text.h"
+#include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
+#include "gateway/model/ElementPrecision.h"
 
 namespace kzm::ModbusTool {
 
@@ -41,7 +43,10 @@ std::string Hexadecimal(std::uint16_t word) {
     return text;
 }
 
-std::string Shown(const nlohmann::json& value) {
+std::string Shown(const nlohmann::json& value, const ElementData& element, bool exact) {
+    if (value.is_number_float() && !exact) {
+        return NumberText(value.get<double>(), PrecisionOf(element));
+    }
     return value.is_null() ? "not available" : TextOf(value);
 }
 
@@ -133,12 +138,13 @@ std::vector<Row> WritePlan::CompareRegisters(const Payload& before, const Payloa
     return rows;
 }
 
-std::vector<Row> WritePlan::CompareElements(const Payload& before, const Payload& after) const {
+std::vector<Row> WritePlan::CompareElements(const Payload& before, const Payload& after, bool exact) const {
     std::vector<Row> rows{HeadingRow({"ELEMENT", "BEFORE", "AFTER"})};
     for (const Element& element : mMapping.elements) {
         if (element->GetFrameIndex() == mFrameIndex) {
-            rows.push_back(TextRow({Printable(element->GetAttributePath()), Shown(ValueIn(before, element)),
-                                    Shown(ValueIn(after, element))}));
+            rows.push_back(
+                TextRow({Printable(element->GetAttributePath()), Shown(ValueIn(before, element), *element, exact),
+                         Shown(ValueIn(after, element), *element, exact)}));
         }
     }
     return rows;

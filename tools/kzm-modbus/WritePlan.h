@@ -32,8 +32,9 @@ public:
     static Payload ChangesOf(const Payload& before, const Payload& after);
 
     // Headings and a row for each register of the named elements; for each element of the service in the frame.
+    // `exact`: all digits of numbers, not only those of the element's precision.
     std::vector<Row> CompareRegisters(const Payload& before, const Payload& after) const;
-    std::vector<Row> CompareElements(const Payload& before, const Payload& after) const;
+    std::vector<Row> CompareElements(const Payload& before, const Payload& after, bool exact) const;
 
 private:
     using Element = std::shared_ptr<ModbusDeviceModel::DataModel::ElementData>;

@@ -9,7 +9,7 @@ _kzm_modbus_form() {
 _kzm_modbus() {
     local word=$2 before=$3 help commands command='' said form=''
     help=$("$1" --help 2>/dev/null)
-    commands=$(sed -nE '/^Subcommands:/,/^$/s/^  ([a-z-]+) .*/\1/p' <<<"$help")
+    commands=$(sed -nE '/^Commands:/,/^$/s/^  ([a-z-]+) .*/\1/p' <<<"$help")
     for said in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         if [[ $'\n'$commands$'\n' == *$'\n'$said$'\n'* ]]; then command=$said && break; fi
     done
