@@ -50,6 +50,13 @@ class Manual(unittest.TestCase):
         self.assertEqual(set(re.findall(r"(?m)^\.LP\n([a-z]+)\b.*\n\.if", commands)), set(COMMANDS))
 
 
+    def test_exit_statuses_are_those_of_the_help(self):
+        told = re.findall(r"(?m)^  (\d)  (.*)$", program.run("--help").stdout)
+        page = MANUAL[MANUAL.index("Exit status\n"):MANUAL.index("Files\n")]
+        self.assertEqual(re.findall(r"(?m)^(\d)$", page), [status for status, _ in told])
+        self.assertEqual(len(told), 10)
+
+
 class Completion(unittest.TestCase):
     def test_offers_what_can_be_said(self):
         rows = [

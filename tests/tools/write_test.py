@@ -87,7 +87,7 @@ class WriteTest(unittest.TestCase):
                     (["limit=214748364.8"], "limit: 214748364.8 is out of range"),
                     (["mode=Onn"], 'mode: "Onn" is not a label; did you mean "On"? Allowed: "Off", "Test", "On"'),
                     (["limit=12.5", "low=7"], "limit: 12.5 would be read back as 0.7"),
-                    (["low=7", "day=1"], "the elements stand in more than one frame; write them one by one")]:
+                    (["low=7", "day=1"], "the elements are in different frames; write them one at a time")]:
                 with self.subTest(values=values):
                     self.assertEqual(self.write(address, "Breaker/q1", *values, "--send"), (8, "", reason))
             self.assertEqual(registers_at(address), "0C1D 0C3C 0C5B 0C7A 0C99 0CB8")
@@ -105,8 +105,8 @@ class WriteTest(unittest.TestCase):
     def test_a_device_that_does_not_write_is_told(self):
         capture = file("capture.json", capture_of((1, [("settings", "0000 " * 10, 0, {})])))
         with simulator(PROFILE, capture) as reading:
-            for address, reason in [(reading, "the device did not take the write: Illegal function"),
-                                    (deaf_device(), "register 104 was written 7 and reads 1")]:
+            for address, reason in [(reading, "the device did not accept the write: Illegal function"),
+                                    (deaf_device(), "register 104 was written as 7 and reads back as 1")]:
                 status, _, error = self.write(address, "Breaker/q1", "low=7", "--send")
                 self.assertEqual((status, error), (9, reason))
 

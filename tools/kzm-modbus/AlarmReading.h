@@ -13,12 +13,12 @@ struct AlarmReading {
     kz::orba::StatusCode status;
     nlohmann::json value;  // the whole custom alarm object
     bool momentary;        // it reports a change and holds no state
-    std::string why;       // in words, why there is no state; empty where there is one
+    std::string why;       // why there is no state; empty if there is one
 
-    // "state", "criticality" or "type" of the object, one of its attributes as text; empty where it is null.
+    // "state", "criticality" or "type" of the object, one of its attributes as text; empty if it is null.
     std::string TextOf(const char* element, const char* attribute) const;
 
-    // Whether an alarm that had the other reading has something new to tell; its date-time alone is nothing new.
+    // Whether there is news for someone who knows the other reading of the alarm; another date-time alone is not.
     bool DiffersFrom(const AlarmReading& other) const;
 };
 
@@ -26,7 +26,7 @@ struct AlarmReading {
 AlarmReading ReadAlarm(const ModbusGateway::LoadedProfile& profile, const ModbusGateway::LoadedProfile::Alarm& alarm,
                        const Cache& cache, const ModbusDeviceModel::DataModel::PreviousMeasurements& previous);
 
-// The alarm in one line: "name", "alias", "status", "momentary", "value" (the whole object), "time", and "why" where
+// The alarm in one line: "name", "alias", "status", "momentary", "value" (the whole object), "time", and "why" if
 // there is no state.
 std::string ToJsonLine(const AlarmReading& reading, const std::string& time);
 

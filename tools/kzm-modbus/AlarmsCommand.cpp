@@ -41,7 +41,7 @@ Row RowOf(const AlarmReading& reading, const std::string& time) {
     return row;
 }
 
-// Evaluates the alarms again and again and tells of the first evaluation all, of the later ones what is new.
+// Evaluates the alarms again and again; prints all of the first evaluation, and of later ones what is new.
 class AlarmWatch {
 public:
     AlarmWatch(const AlarmsOptions& options, const LoadedProfile& profile, Cache cache)
@@ -137,8 +137,8 @@ void AddAlarmsCommand(CommandLine& line) {
     AddSourceOptions(alarms, options->capture, options->connection);
     AddRepetitionOptions(alarms, options->repetition);
     alarms.Exclude({"--count", "--interval"}, "--capture");
-    alarms.AddFlag("--all", "Show every evaluation, not only what changes after the first", options->all);
-    alarms.AddFlag("--json", "One JSON object a line", options->json);
+    alarms.AddFlag("--all", "Show every evaluation of every alarm, not only the changes", options->all);
+    alarms.AddFlag("--json", "One JSON object per line", options->json);
     alarms.SetExamples({"alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json",
                         "alarms profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --interval 5 --json"});
 }

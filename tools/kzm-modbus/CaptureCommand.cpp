@@ -55,7 +55,7 @@ void AddCaptureCommand(CommandLine& line) {
     AddProfileArgument(capture, options->profile);
     AddConnectionOptions(capture, options->connection);
     AddRepetitionOptions(capture, options->repetition);
-    capture.AddText({"-o,--output", "FILE", "The capture to write; appears whole at the end"}, options->output);
+    capture.AddText({"-o,--output", "FILE", "The capture to write; it appears whole at the end"}, options->output);
     capture.Require("--output");
     capture.SetExamples(
         {"capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o meter.capture.json"});

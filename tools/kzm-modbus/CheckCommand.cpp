@@ -24,7 +24,10 @@ ExitStatus Check(const std::string& path) {
                   << Counted(result.profile->frameNames.size(), "frame") << "; ";
     }
     std::cout << Counted(errors, "error") << ", " << Counted(result.problems.size() - errors, "warning") << '\n';
-    return errors > 0 ? ExitStatus::FAULTY_INPUT : result.problems.empty() ? ExitStatus::OK : ExitStatus::ONLY_WARNINGS;
+    if (errors > 0) {
+        return ExitStatus::FAULTY_INPUT;
+    }
+    return result.problems.empty() ? ExitStatus::OK : ExitStatus::ONLY_WARNINGS;
 }
 
 }  // namespace
@@ -32,7 +35,7 @@ ExitStatus Check(const std::string& path) {
 void AddCheckCommand(CommandLine& line) {
     const auto path = std::make_shared<std::string>();
     CommandSyntax check =
-        line.AddCommand("check", "Tell everything that is wrong with a profile", [path] { return Check(*path); });
+        line.AddCommand("check", "Print every error and warning of a profile", [path] { return Check(*path); });
     AddProfileArgument(check, *path);
     check.SetExamples({"check profiles/energy-meter.jsonc"});
 }

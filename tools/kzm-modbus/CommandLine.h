@@ -44,20 +44,20 @@ public:
     void AddText(const Text& option, std::string& value);
     // May be given more than once.
     void AddTexts(const Text& option, std::vector<std::string>& values);
-    // One of a list, which --help shows in the place of the form.
+    // One of a list, which --help shows after the form.
     void AddChoice(const Text& option, const std::vector<std::string>& choices, std::string& value);
     // A whole number from `low` to `high`.
     void AddNumber(const Text& option, std::uint32_t low, std::uint32_t high,
                    const std::function<void(std::uint32_t)>& use);
     // 0.001 to 86400 seconds; --help shows the value that there is without the option.
     void AddSeconds(const Text& option, Milliseconds& value);
-    // A text that `read` understands, or else throws std::invalid_argument with what is wrong with it.
+    // A text that `read` parses; `read` throws std::invalid_argument with what is wrong with it.
     void AddParsed(const Text& option, const std::function<void(const std::string&)>& read);
 
     void Require(const std::string& option);
-    // Exactly one of these must be given. `heading` stands above them in --help.
+    // Exactly one of these must be given. `heading` is above them in --help.
     void RequireOneOf(const std::string& heading, std::initializer_list<const char*> options);
-    // None of `options` may be given together with `other`.
+    // None of `options` can be combined with `other`.
     void Exclude(std::initializer_list<const char*> options, const std::string& other);
 
     // Shown at the end of --help; each begins with the command.

@@ -149,7 +149,7 @@ ExitStatus ShowDictionary(const DictionaryOptions& options) {
     const std::vector<Element> elements = Select(options);
     if (elements.empty()) {
         throw Failure(ExitStatus::NOT_FOUND, options.key.empty()
-                                                 ? "nothing in the dictionary fits"
+                                                 ? "no element of the dictionary matches the options"
                                                  : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
                                                        ModbusGateway::ElementKey::Suggestion(options.key));
     }
@@ -165,17 +165,19 @@ ExitStatus ShowDictionary(const DictionaryOptions& options) {
 
 void AddDictionaryCommand(CommandLine& line) {
     const auto options = std::make_shared<DictionaryOptions>();
-    CommandSyntax dictionary = line.AddCommand("dictionary", "Tell what the element dictionary knows, by key or search",
-                                               [options] { return ShowDictionary(*options); });
+    CommandSyntax dictionary =
+        line.AddCommand("dictionary", "Show elements of the element dictionary, by key or by search",
+                        [options] { return ShowDictionary(*options); });
     std::vector<std::string> tables;
     for (const NamedTable& table : Tables()) {
         tables.emplace_back(table.name);
     }
     dictionary.AddOptionalArgument("KEY", "The whole key of one element, e.g. \"DTMinIA;MinIA\"", options->key);
-    dictionary.AddText({"--search", "TEXT", "Only elements with this text in key, name, unit or an id, in any case"},
-                       options->search);
+    dictionary.AddText(
+        {"--search", "TEXT", "Only elements with this text in their key, name, unit or ids, upper or lower case"},
+        options->search);
     dictionary.AddChoice({"--table", "TABLE", "Only elements of one table"}, tables, options->table);
-    dictionary.AddText({"--class", "CLASS", "Only elements of one class; its end after a dot will do"},
+    dictionary.AddText({"--class", "CLASS", "Only elements of one class; the part after one of its dots is enough"},
                        options->className);
     dictionary.Exclude({"--search", "--table", "--class"}, "KEY");
     dictionary.AddFlag("--json", "The element, or the dictionary, as one JSON object", options->json);

@@ -73,9 +73,9 @@ std::string ReadFile(const std::string& path) {
 
 void PrintProblems(std::ostream& stream, const std::string& path, const Problems& problems) {
     for (const Problem& problem : problems) {
-        const bool error = problem.severity == Problem::Severity::ERROR;
-        stream << path << ':' << problem.line << (error ? ": error: " : ": warning: ")
-               << Printable(problem.pointer + (problem.pointer.empty() ? "" : ": ") + problem.message) << '\n';
+        const char* const severity = problem.severity == Problem::Severity::ERROR ? ": error: " : ": warning: ";
+        const std::string place = problem.pointer.empty() ? "" : problem.pointer + ": ";
+        stream << path << ':' << problem.line << severity << Printable(place + problem.message) << '\n';
     }
 }
 

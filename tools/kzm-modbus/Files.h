@@ -13,7 +13,7 @@ namespace kzm::ModbusTool {
 // The content of a file of at most 64 MiB. Throws Failure when it cannot be read.
 std::string ReadFile(const std::string& path);
 
-// One line for each: "FILE:LINE: error: POINTER: message".
+// Prints a line for each: "FILE:LINE: error: POINTER: message".
 void PrintProblems(std::ostream& stream, const std::string& path, const ModbusGateway::Problems& problems);
 
 // A profile or a capture without errors; warnings are left to the command `check`. Errors are printed on standard

@@ -40,7 +40,7 @@ void AddElements(const std::string& path, const json& node, const json& start, s
     }
 }
 
-// The parts that were filled since the object was as at the start; the whole where none was.
+// The parts that were filled since the object was as at the start; the whole object if none was.
 std::vector<ObjectPart> PartsOf(const json& value, const json& start) {
     std::vector<ObjectPart> parts;
     if (value.contains("elements")) {
@@ -52,7 +52,7 @@ std::vector<ObjectPart> PartsOf(const json& value, const json& start) {
     return parts;
 }
 
-// Keeps the log free of the lines of a request that was made before.
+// Keeps the log free of a request that only repeats another.
 class Silence {
 public:
     Silence() : mLevel(Log::RootLogger::GetInstance().GetLevel()) {
@@ -66,7 +66,7 @@ private:
     Log::OrbaLogLevel mLevel;
 };
 
-// Asks each adapter alone, to learn which part it fills.
+// Asks each adapter alone to find the part that it fills.
 void Explain(const LoadedProfile& profile, const ObjectGroupAdapter::Adapters& adapters, const Cache& cache,
              std::vector<ObjectPart>& parts) {
     const Silence silence;
@@ -155,7 +155,8 @@ std::string ToJsonLine(const ObjectReading& reading, const std::string& time) {
     std::string why;
     for (const ObjectPart& part : reading.parts) {
         if (!part.why.empty()) {
-            why += (why.empty() ? "" : "; ") + part.path + (part.path.empty() ? "" : ": ") + part.why;
+            why += why.empty() ? "" : "; ";
+            why += part.path.empty() ? part.why : part.path + ": " + part.why;
         }
     }
     if (!why.empty()) {

@@ -12,11 +12,11 @@ namespace kzm::ModbusTool {
 
 using Cache = std::shared_ptr<ModbusGateway::RegisterCache>;
 
-// What the device fills of an object at its top, or in one of its elements.
+// What the device fills at the top of an object, or in one of its elements.
 struct ObjectPart {
     std::string path;           // of the element, e.g. "phase1"; empty at the top
-    nlohmann::json attributes;  // "value", "quality", "datetime", as far as they are there
-    std::string why;            // in words, why there is no value; empty where there is one
+    nlohmann::json attributes;  // "value", "quality" and "datetime", those that are there
+    std::string why;            // why there is no value; empty if there is one
 };
 
 // One object as the model filled it.
@@ -32,7 +32,7 @@ struct ObjectReading {
 std::vector<ObjectReading> ReadObjects(const ModbusGateway::LoadedProfile& profile, const Selection& selection,
                                        const Cache& cache, bool exact);
 
-// The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" where a value is
+// The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" if a value is
 // missing, and "time" unless that is empty.
 std::string ToJsonLine(const ObjectReading& reading, const std::string& time);
 

@@ -1,5 +1,6 @@
 #include "Options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <stdexcept>
@@ -19,37 +20,48 @@ std::optional<int> ParseNumber(std::string_view text, int low, int high) {
     return whole && number >= low && number <= high ? std::optional(number) : std::nullopt;
 }
 
-// Splits "HOST", "HOST:PORT", "[IPV6]" and "[IPV6]:PORT"; the port is empty where there is none.
-std::optional<std::pair<std::string_view, std::string_view>> SplitEndpoint(std::string_view text) {
-    const bool bracketed = text.starts_with('[');
-    const std::size_t hostEnd = text.find(bracketed ? ']' : ':');
-    if (bracketed && hostEnd == text.npos) {
+struct EndpointText {
+    std::string_view host;
+    std::string_view port;  // empty where there is none
+};
+
+// Splits "HOST", "HOST:PORT", "[IPV6]" and "[IPV6]:PORT".
+std::optional<EndpointText> SplitEndpoint(std::string_view text) {
+    std::string_view host = text.substr(0, text.find(':'));
+    std::string_view rest = text.substr(host.size());
+    if (text.starts_with('[')) {
+        const std::size_t end = text.find(']');
+        if (end == text.npos) {
+            return std::nullopt;
+        }
+        host = text.substr(1, end - 1);
+        rest = text.substr(end + 1);
+    }
+    if (host.empty() || rest == ":" || (!rest.empty() && rest[0] != ':')) {
         return std::nullopt;
     }
-    const std::string_view host = text.substr(bracketed ? 1 : 0, hostEnd - (bracketed ? 1 : 0));
-    const std::string_view rest = hostEnd == text.npos ? "" : text.substr(hostEnd + (bracketed ? 1 : 0));
-    if (host.empty() || (!rest.empty() && (rest[0] != ':' || rest.size() == 1))) {
-        return std::nullopt;
-    }
-    return std::pair(host, rest.substr(rest.empty() ? 0 : 1));
+    return EndpointText{host, rest.substr(std::min<std::size_t>(rest.size(), 1))};
 }
 
 TcpEndpoint ParseEndpoint(const std::string& text, bool listening) {
-    const auto parts = SplitEndpoint(text);
-    const auto port = parts && !(listening && parts->second.empty())
-                          ? ParseNumber(parts->second.empty() ? "502" : parts->second, listening ? 0 : 1, 65535)
-                          : std::nullopt;
+    const int lowestPort = listening ? 0 : 1;
+    auto parts = SplitEndpoint(text);
+    if (parts && parts->port.empty() && !listening) {
+        parts->port = "502";
+    }
+    const auto port = parts ? ParseNumber(parts->port, lowestPort, 65535) : std::nullopt;
     if (!port) {
-        throw std::invalid_argument(Quoted(text) + " is not " +
-                                    (listening ? "HOST:PORT with a port from 0" : "HOST[:PORT] with a port from 1") +
+        const std::string form = listening ? "HOST:PORT" : "HOST[:PORT]";
+        throw std::invalid_argument(Quoted(text) + " is not " + form + " with a port from " +
+                                    std::to_string(lowestPort) +
                                     " to 65535 (an IPv6 address is written in brackets: [::1]:502)");
     }
-    return {std::string(parts->first), static_cast<std::uint16_t>(*port)};
+    return {std::string(parts->host), static_cast<std::uint16_t>(*port)};
 }
 
 constexpr const char* RTU_FORM = " is not DEVICE:BAUD:PARITY with parity N, E or O, e.g. /dev/ttyUSB0:19200:E";
 
-// A device's name may hold colons, so that the last two count.
+// The last two colons separate, because the name of a device may contain colons.
 SerialPort ParseRtuLine(const std::string& text) {
     const std::size_t parityAt = text.rfind(':');
     const std::size_t baudAt = parityAt == text.npos || parityAt == 0 ? text.npos : text.rfind(':', parityAt - 1);

@@ -29,7 +29,7 @@ struct PollOptions {
     bool table = false;
 };
 
-// Where the objects of each round go: a table refreshed in place on a terminal, a table after the other, or JSON lines.
+// Where the objects of each round go: a table refreshed in place on a terminal, one table after another, or JSON lines.
 class PollOutput {
 public:
     PollOutput(const PollOptions& options, const LoadedProfile& profile)
@@ -97,8 +97,8 @@ void AddPollCommand(CommandLine& line) {
     AddConnectionOptions(poll, options->connection);
     AddRepetitionOptions(poll, options->repetition);
     AddObjectOption(poll, options->objects);
-    poll.AddFlag("--json", "One JSON object a line, as without a terminal", options->json);
-    poll.AddFlag("--table", "A table, as on a terminal", options->table);
+    poll.AddFlag("--json", "One JSON object per line; the default without a terminal", options->json);
+    poll.AddFlag("--table", "A table; the default on a terminal", options->table);
     poll.Exclude({"--table"}, "--json");
     AddExactOption(poll, options->exact);
     poll.SetExamples({"poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1",

@@ -8,10 +8,10 @@ namespace kzm::ModbusTool {
 // Whether standard output is a terminal.
 bool IsTerminal();
 
-// Whether standard output may be coloured: a terminal, and the environment does not say NO_COLOR.
+// Whether standard output may be coloured: a terminal, and the environment does not set NO_COLOR.
 bool UsesColour();
 
-// Shows lines at the same place of the terminal again and again; hides the cursor meanwhile.
+// Redraws lines in the same place of the terminal; hides the cursor meanwhile.
 class Screen {
 public:
     Screen();
@@ -19,7 +19,7 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    // `footer` is always seen; of `lines` as many as there is room for, and how many were left out.
+    // Shows all of `footer`, and as many of `lines` as there is room for, with the number of those left out.
     void Show(std::vector<std::string> lines, const std::vector<std::string>& footer);
 };
 

@@ -63,7 +63,7 @@ void AddShowCommand(CommandLine& line) {
     AddProfileArgument(show, options->profile);
     AddCaptureOption(show, options->capture);
     AddObjectOption(show, options->objects);
-    show.AddFlag("--json", "One JSON object a line", options->json);
+    show.AddFlag("--json", "One JSON object per line", options->json);
     AddExactOption(show, options->exact);
     show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"});
 }

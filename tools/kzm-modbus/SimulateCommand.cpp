@@ -21,9 +21,9 @@ struct SimulateOptions {
     TcpEndpoint endpoint;
 };
 
-// Puts the snapshots after the first into the cache, each at its distance from the first; the last one stays.
+// Puts the snapshots into the cache, each as long after the first as it was recorded; the last one stays.
 void PlaySeries(const Capture& capture, RegisterCache& cache, const StopSignal& stop) {
-    constexpr std::uint64_t LONGEST_MS = 1'000'000'000'000;  // what clock arithmetic carries with ease
+    constexpr std::uint64_t LONGEST_MS = 1'000'000'000'000;  // far from overflowing a time of the clock
     const auto start = std::chrono::steady_clock::now();
     for (const Capture::Snapshot& snapshot : capture.snapshots) {
         const std::uint64_t distance = std::min(snapshot.time - capture.snapshots.front().time, LONGEST_MS);

@@ -5,7 +5,7 @@
 
 namespace kzm::ModbusTool {
 
-// Lets SIGINT and SIGTERM end a command in good order. At most one at a time.
+// Turns SIGINT and SIGTERM into a flag, so that a command can end cleanly. At most one object at a time.
 class StopSignal {
 public:
     StopSignal();
@@ -16,7 +16,7 @@ public:
     // Becomes true with the first signal.
     const std::atomic<bool>& GetFlag() const;
 
-    // Whether the signal came before the deadline; returns at once when it did. Any number of threads.
+    // Waits for a signal; true as soon as one came, false at the deadline. Any number of threads.
     bool WaitUntil(std::chrono::steady_clock::time_point deadline) const;
 };
 

@@ -7,7 +7,7 @@ namespace kzm::ModbusTool {
 
 namespace {
 
-// The JSON library puts U+FFFD in the place of what is no UTF-8.
+// The JSON library puts U+FFFD in the place of bytes that are not UTF-8.
 std::string Utf8(std::string_view text) {
     using nlohmann::json;
     return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace)).get<std::string>();

@@ -5,8 +5,8 @@
 
 namespace kzm::ModbusTool {
 
-// The text with every control character, which could command the terminal, replaced by "?", and what is no UTF-8 by
-// U+FFFD.
+// The text with every control character, which could command the terminal, replaced by "?", and bytes that are not
+// UTF-8 by U+FFFD.
 std::string Printable(std::string_view text);
 
 // How many columns a UTF-8 text takes: its code points.

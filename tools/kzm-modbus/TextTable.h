@@ -6,7 +6,7 @@
 
 namespace kzm::ModbusTool {
 
-// How a text stands out on a terminal; elsewhere, and where the environment sets NO_COLOR, all are alike.
+// How a text looks on a terminal; without one, and if the environment sets NO_COLOR, all look alike.
 enum class Style { PLAIN, HEADING, FAINT, WARNING, FAULT };
 
 // One cell of a text table. Text that does not come from the program itself must be Printable.

@@ -28,8 +28,7 @@ StatusCode StatusOfValue(VortaObjectAdapter& adapter, const Cache& cache, bool b
     return adapter.GetObject(cache, bigEndian, ignoreCacheAge, object);
 }
 
-std::string DescribeAge(std::uint64_t timestamp) {
-    const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
+std::string DescribeAge(std::uint64_t timestamp, std::uint64_t now) {
     if (timestamp > now) {
         return " has a timestamp in the future";
     }
@@ -37,7 +36,7 @@ std::string DescribeAge(std::uint64_t timestamp) {
     return " is out of date (" + NumberText(static_cast<double>(tenths) / 10, NumberPrecision::DIGITS_15) + " s)";
 }
 
-// `outOfDate`: whether the value would be there but for the age of a frame.
+// `outOfDate`: whether only the age of a frame is in the way of the value.
 std::string WhyNotAvailable(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache,
                             bool outOfDate) {
     for (const std::uint8_t frameIndex : adapter.GetFrameIndexes()) {
@@ -58,7 +57,7 @@ std::string WhyFrameCannotBeUsed(const LoadedProfile& profile, std::uint8_t fram
         return frame + " was never received";
     }
     const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
-    return ModbusDeviceModel::DeviceCache::IsFresh(timestamp, now) ? "" : frame + DescribeAge(timestamp);
+    return ModbusDeviceModel::DeviceCache::IsFresh(timestamp, now) ? "" : frame + DescribeAge(timestamp, now);
 }
 
 std::string WhyNoValue(const LoadedProfile& profile, VortaObjectAdapter& adapter, const Cache& cache) {

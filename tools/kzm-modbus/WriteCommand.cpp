@@ -46,11 +46,11 @@ Payload Read(ModbusConnection& line, Payload payload, const ModbusSettings& conn
 void Send(ModbusConnection& line, const Payload& changes) {
     const auto result = line.Write(changes);
     if (result.outcome == Outcome::EXCEPTION || result.outcome == Outcome::UNREACHABLE) {
-        throw Failure(ExitStatus::NOT_WRITTEN, "the device did not take the write: " + result.reason);
+        throw Failure(ExitStatus::NOT_WRITTEN, "the device did not accept the write: " + result.reason);
     }
     if (result.outcome != Outcome::ANSWERED) {
         throw Failure(ExitStatus::NOT_WRITTEN,
-                      "no answer, so that it is not known whether the device wrote: " + result.reason);
+                      "no answer, so it is unknown whether the device wrote: " + result.reason);
     }
 }
 
@@ -59,8 +59,8 @@ void Compare(const Payload& written, const Payload& held) {
     for (std::size_t i = 0; i < written.mValues.size(); ++i) {
         if (held.mValues[i] != written.mValues[i]) {
             throw Failure(ExitStatus::NOT_WRITTEN, "register " + std::to_string(written.mStartAddress + i) +
-                                                       " was written " + std::to_string(written.mValues[i]) +
-                                                       " and reads " + std::to_string(held.mValues[i]));
+                                                       " was written as " + std::to_string(written.mValues[i]) +
+                                                       " and reads back as " + std::to_string(held.mValues[i]));
         }
     }
 }
@@ -93,13 +93,14 @@ ExitStatus Write(const WriteOptions& options) {
 
 void AddWriteCommand(CommandLine& line) {
     const auto options = std::make_shared<WriteOptions>();
-    CommandSyntax write = line.AddCommand("write", "Show what a write to an object would change, and with --send do it",
-                                          [options] { return Write(*options); });
+    CommandSyntax write =
+        line.AddCommand("write", "Show what a write to an object would change; with --send, make the change",
+                        [options] { return Write(*options); });
     AddProfileArgument(write, options->profile);
     write.AddArgument("OBJECT", "The object of a service, NAME[/ALIAS]", options->object);
     write.AddArguments("ELEMENT=VALUE", "Elements of the service and their new values", options->assignments);
     AddConnectionOptions(write, options->connection);
-    write.AddFlag("--send", "Write the registers that change, and compare what the device then holds", options->send);
+    write.AddFlag("--send", "Write the registers that change, then read them back and compare", options->send);
     AddExactOption(write, options->exact);
     write.SetExamples(
         {"write profiles/energy-meter.jsonc Measurement.Settings demandInterval=20 --tcp 192.168.1.20"

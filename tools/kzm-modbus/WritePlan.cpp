@@ -68,7 +68,7 @@ WritePlan::WritePlan(const LoadedProfile& profile, const std::string& object,
         }
         mFrameIndex = mWanted.front().first->GetFrameIndex();
         if (element->GetFrameIndex() != mFrameIndex) {
-            throw Failure(ExitStatus::REFUSED, "the elements stand in more than one frame; write them one by one");
+            throw Failure(ExitStatus::REFUSED, "the elements are in different frames; write them one at a time");
         }
     }
 }
