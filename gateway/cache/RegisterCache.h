@@ -17,13 +17,14 @@ namespace kzm::ModbusGateway {
 // never parts of two. Writers of the same frame wait for each other.
 class KZM_GATEWAY_EXPORT RegisterCache final : public ModbusDeviceModel::DeviceCache::CacheReadAccessInterface {
 public:
+    // The library's quality of a value, here that of a whole frame.
     using Quality = ModbusDeviceModel::DeviceCache::_Quality_t;
 
     // What one frame holds. Never received: no registers, timestamp 0, quality Uninitialised.
     struct Frame {
         std::vector<std::uint16_t> registers;  // in the order of the frame's addresses
         std::uint64_t timestamp = 0;           // milliseconds since 1970
-        Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_UNINITIALISED;
+        Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_UNINITIALISED;  // of the frame
     };
 
     // Takes from each frame the addresses of its registers; a frame's index is its position in the list. Every frame

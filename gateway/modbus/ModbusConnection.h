@@ -22,6 +22,7 @@ class Line;
 // thread.
 class ModbusConnection {
 public:
+    // How a request ended.
     enum class Outcome {
         ANSWERED,
         EXCEPTION,    // the device refused, or no request may ask for so many registers
@@ -30,8 +31,10 @@ public:
         UNREACHABLE,  // not connected: the attempt failed, or the pause before the next one lasts
         STOPPED,      // the caller's flag became true while this waited
     };
+
+    // How a request ended, and why.
     struct Result {
-        Outcome outcome;
+        Outcome outcome;     // of the last attempt
         std::string reason;  // for the user, e.g. "Connection timed out"; empty when answered
     };
 

@@ -15,15 +15,16 @@ namespace kzm::ModbusGateway {
 // Fills the register cache of one device over Modbus TCP or RTU. Used by one thread, which is the cache's one writer.
 class ModbusReader {
 public:
+    // A frame that was not read.
     struct FrameError {
-        std::uint8_t frameIndex;
-        std::string reason;  // for the user, e.g. "Illegal data address", "Connection timed out"
+        std::uint8_t frameIndex;  // among the frames of the reader
+        std::string reason;       // for the user, e.g. "Illegal data address", "Connection timed out"
     };
 
     // What one round over the frames brought. Every frame is either read or among the errors.
     struct Round {
-        std::size_t framesRead = 0;
-        std::vector<FrameError> errors;
+        std::size_t framesRead = 0;      // how many frames are in the cache anew
+        std::vector<FrameError> errors;  // the others, each once
         // Address and reason if the device could not be reached ("192.0.2.1:502: Connection timed out"), else empty.
         // While the pause before the next attempt lasts, those of the last attempt.
         std::string connectionError;

@@ -9,8 +9,8 @@ namespace kzm::ModbusGateway {
 
 // Where a Modbus TCP device, or a gateway to serial devices, listens.
 struct TcpEndpoint {
-    std::string host;  // a name or an address
-    std::uint16_t port = 502;
+    std::string host;          // a name or an address
+    std::uint16_t port = 502;  // of TCP
 };
 
 // The serial port of a Modbus RTU line: 8 data bits, 1 stop bit with parity and 2 without.
@@ -23,8 +23,8 @@ struct SerialPort {
 // How one device is reached, and how long to wait for it. Plain values; which of them are possible is checked by
 // whoever takes them (ModbusConnection, ModbusReader).
 struct ModbusSettings {
-    std::variant<TcpEndpoint, SerialPort> line;
-    std::uint8_t unit = 1;  // 0 to 247, on TCP also 255: a device without sub-devices
+    std::variant<TcpEndpoint, SerialPort> line;  // over TCP, or over a serial line
+    std::uint8_t unit = 1;                       // 0 to 247, on TCP also 255: a device without sub-devices
     // For a whole answer, and for connecting to each address of the host; at least 1 ms. Host names are looked up by
     // the system, in a time of its own.
     std::chrono::milliseconds timeout{1000};

@@ -11,11 +11,13 @@ namespace kzm::ModbusGateway {
 // Fills one object from several object adapters, each with its own element path. Threads as VortaObjectAdapter.
 class KZM_GATEWAY_EXPORT ObjectGroupAdapter final : public ModbusDeviceModel::DataModel::VortaObjectAdapter {
 public:
+    // Those that fill the parts of the object.
     using Adapters = std::vector<std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter>>;
 
     // None of them may be null.
     explicit ObjectGroupAdapter(Adapters adapters);
 
+    // What the constructor was given.
     const Adapters& GetAdapters() const { return mAdapters; }
 
     // Asks every adapter, whatever the others return; returns the first status other than SUCCESS.

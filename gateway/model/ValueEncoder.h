@@ -19,6 +19,7 @@ public:
 
 // A value as the registers of an element hold it. A plain record; for threads as any value.
 struct KZM_GATEWAY_EXPORT EncodedValue {
+    // The registers of one element.
     using Registers = std::vector<std::uint16_t>;
 
     Registers registers;    // in wire order, one per register of the element; bits outside the mask are 0

@@ -11,7 +11,7 @@ namespace kzm::ModbusDeviceModel::DataModel {
 // The raw bytes of one element between gathering and conversion, with the views in which they are read. Numbers are
 // kept least significant byte first on every host. Used by one thread.
 struct myData {
-    std::array<std::uint8_t, 256> mBytes;
+    std::array<std::uint8_t, 256> mBytes;  // as gathered; a NUL follows a text
 
     // Clears only the bytes that numeric views may read and a NUL behind them.
     myData() { std::fill_n(mBytes.begin(), 16, std::uint8_t{0}); }

@@ -66,16 +66,16 @@ enum class ValueClass : std::uint8_t { BOOLEAN, INTEGER, FLOAT, STRING, DATE_TIM
 
 // What is known of one logic code.
 struct LogicCodeRow {
-    std::uint8_t code;
+    std::uint8_t code;          // 0 to 62
     std::string_view name;      // as written in device profiles
-    std::uint8_t minRegisters;  // fewest and most registers that an element of this code spans, 1 to 127
-    std::uint8_t maxRegisters;
-    Gathering gathering;
-    bool wordsAlwaysSwapped;  // whatever order the element and the device have
-    RawView view;
-    Family family;
-    Output output;
-    ValueClass valueClass;
+    std::uint8_t minRegisters;  // fewest registers that an element of this code spans, 1 to 127
+    std::uint8_t maxRegisters;  // most registers, up to 127
+    Gathering gathering;        // how its bytes are gathered into the raw record
+    bool wordsAlwaysSwapped;    // whatever order the element and the device have
+    RawView view;               // what the raw record is read as
+    Family family;              // how the raw value becomes the value
+    Output output;              // the number type that the value must fit
+    ValueClass valueClass;      // the class of a measurement of this code
     EnumerationType labelType;  // how labels are looked up; NONE: the code has no labels
 };
 
