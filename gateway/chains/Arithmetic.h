@@ -7,6 +7,7 @@
 
 #include "Support/Status.h"
 #include "gateway/chains/ChainCall.h"
+#include "gateway/chains/ExponentLimit.h"
 #include "gateway/chains/NumberOrder.h"
 
 // What the arithmetic rows of the table of chains compute. 28: the result is too large for its type; 42: division by
@@ -130,11 +131,8 @@ inline StatusCode Linear(const ChainCall& call, json& result) {
     return status == Status::SUCCESS ? Apply<Plus>(result, call.settings.offset, result) : status;
 }
 
-// A scale factor that a device marks as not there (-32768) must not make a value of 0, so only the powers of ten that
-// are exact are taken.
 inline StatusCode Scale10(const ChainCall& call, json& result) {
-    constexpr int LARGEST_EXPONENT = 22;
-    if (OrderOf(call[1], 0, LARGEST_EXPONENT) != 0) {
+    if (OrderOf(call[1], 0, MAX_EXPONENT) != 0) {
         return Status::OUT_OF_RANGE;
     }
     const int exponent = call[1].get<int>();

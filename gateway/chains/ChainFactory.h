@@ -24,8 +24,9 @@ namespace kzm::ModbusGateway {
 //   are equal, so that exactly one of "less", "equal" and "greater" is true, and "less or equal" is the opposite of
 //   "greater". "inside band" is neither less than the low nor greater than the high end by more than the dead band,
 //   "outside band" anything else. Texts and booleans are equal or not, whatever the dead band.
-// - "scale10" is value * 10^exponent, the exponent -22 to 22. "unbalance" is the largest deviation from the average in
-//   percent of the average's magnitude, "hypotenuse" the root of the sum of the squares.
+// - "scale10" is value * 10^exponent, the exponent -MAX_EXPONENT to MAX_EXPONENT (ExponentLimit.h). "unbalance" is the
+//   largest deviation from the average in percent of the average's magnitude, "hypotenuse" the root of the sum of
+//   the squares.
 //
 // Chains hold no state and are used by many threads at once. The factory is thread-safe and never throws for what is
 // in a profile.

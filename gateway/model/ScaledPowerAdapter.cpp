@@ -11,6 +11,7 @@
 #include "DataModel/MeasurementInformationOf.h"
 #include "Device/CustomMeasureClassName.h"
 #include "Support/Status.h"
+#include "gateway/chains/ExponentLimit.h"
 
 namespace kzm::ModbusGateway {
 
@@ -27,7 +28,7 @@ namespace {
 
 bool IsExponent(const json& value) {
     const double number = value.is_number() ? value.get<double>() : NAN;
-    return std::trunc(number) == number && std::fabs(number) <= ScaledPowerAdapter::MAX_EXPONENT;
+    return std::trunc(number) == number && std::fabs(number) <= MAX_EXPONENT;
 }
 
 // Reads the exponent when the decoding of an element asks for it, with the cache and the flags of the request.

@@ -14,9 +14,6 @@ public:
     using Cache = std::shared_ptr<ModbusDeviceModel::DeviceCache::CacheReadAccessInterface>;
     using Quality = ModbusDeviceModel::DeviceCache::_Quality_t;
 
-    // Powers of ten up to this one are exact as double; larger exponents are markers or faults of a device.
-    static constexpr int MAX_EXPONENT = 22;
-
     // `element`: with a dependency, of any name. Neither may be null.
     ScaledPowerAdapter(std::shared_ptr<ModbusDeviceModel::DataModel::ExtendedElementData> element,
                        std::shared_ptr<AttributeAdapter> exponent);
