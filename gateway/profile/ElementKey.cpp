@@ -35,7 +35,7 @@ std::string ElementPathOf(const std::string& dictionaryPath) {
 // Whether the text is the element's name or the id of a device element that feeds it.
 bool IsOf(const DictionaryEntry& entry, std::string_view text) {
     return entry.name == text || std::any_of(entry.sources.begin(), entry.sources.end(),
-                                             [&](const auto& source) { return source.id == text; });
+                                             [&](const auto& source) { return source.second == text; });
 }
 
 }  // namespace
@@ -66,10 +66,7 @@ std::optional<ElementKey> ElementKey::Find(const std::string& text, std::string&
 std::string ElementKey::Suggestion(std::string_view text) {
     Names keys;
     Names meant;
-    for (const auto* table :
-         {&DeviceElementLookUp::mIotAlmFunctionElement, &DeviceElementLookUp::mIotMeasurementFunctionElement,
-          &DeviceElementLookUp::mIotProtectionFunctionElement,
-          &DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement}) {
+    for (const auto* table : DeviceElementLookUp::GetTables()) {
         for (const auto& row : *table) {
             keys.emplace_back(row.first);
             if (IsOf(row.second, text)) {

@@ -135,5 +135,7 @@ inline constexpr DictionaryRow ALARMS[] = {
     {"aa1", "Alarm.UnderVoltageProtectionAllPhasesAlarm",                  HIGH_PROTECTION,                  "elements.state.value=VMax_PTUV1_Op;elements.state.quality=VMax_PTUV1_Op_Qual"},
 };
 // clang-format on
+static_assert(AreInOrder(ALARMS), "the keys must be in byte order, each once");
+static_assert(std::size(ALARMS) == 124, "a new row is counted here");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Rows

@@ -1,48 +1,48 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
+#include <utility>
+
+#include "Export.h"
+#include "dictionary/DictionaryText.h"
+#include "dictionary/SortedConstants.h"
 
 namespace kz::orba::VortaExtensionModbus::Device {
 
-// One attribute of a data-model object and the device element that feeds it.
-struct AttributeSource {
-    std::string_view path;  // within the object, e.g. "value" or "elements.state.quality"
-    std::string_view id;    // of the device profile, e.g. "XCBR1_Pos"
-};
+// The path of an attribute in its data-model object, e.g. "value" or "elements.state.quality", and the id of the device
+// element that feeds it, e.g. "XCBR1_Pos".
+using AttributeSource = std::pair<DictionaryText, DictionaryText>;
 
-// The sources of one dictionary element, in the order of its row. The texts are constants of the library.
-class AttributeSources {
+// The sources of one dictionary element: a read-only map from attribute path to device element id. A copy has the same
+// elements, not copies of them.
+class KZM_MODBUS_EXPORT AttributeSources : public SortedConstants<AttributeSources, AttributeSource> {
 public:
-    // The most sources that one element has.
-    static constexpr std::size_t CAPACITY = 4;
+    // As of a standard map.
+    using mapped_type = DictionaryText;
 
-    // A source past CAPACITY is ignored; no row has so many.
-    constexpr void Add(AttributeSource source) {
-        if (mSize < CAPACITY) {
-            mSources[mSize++] = source;
-        }
-    }
+    // No sources.
+    constexpr AttributeSources() = default;
 
-    // The id that feeds the path; empty where none does.
-    constexpr std::string_view Find(std::string_view path) const {
-        for (const AttributeSource& source : *this) {
-            if (source.path == path) {
-                return source.id;
-            }
-        }
-        return {};
-    }
-
-    // The sources in order, and how many they are.
-    constexpr const AttributeSource* begin() const { return mSources.data(); }
-    constexpr const AttributeSource* end() const { return mSources.data() + mSize; }
+    // The sources in byte order of their paths, and how many they are.
+    const AttributeSource* data() const;
     constexpr std::size_t size() const { return mSize; }
 
+    // The id that feeds the path; empty if there is none.
+    std::string_view Find(std::string_view path) const {
+        const auto found = find(path);
+        return found == end() ? std::string_view() : found->second.View();
+    }
+
 private:
-    std::array<AttributeSource, CAPACITY> mSources{};
-    std::size_t mSize = 0;
+    friend class DictionaryPool;
+
+    constexpr AttributeSources(std::size_t begin, std::size_t size)
+        : mBegin(static_cast<std::uint16_t>(begin)), mSize(static_cast<std::uint16_t>(size)) {}
+
+    std::uint16_t mBegin = 0;  // among the sources of all elements
+    std::uint16_t mSize = 0;
 };
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

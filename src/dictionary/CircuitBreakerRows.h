@@ -53,5 +53,7 @@ inline constexpr DictionaryRow CIRCUIT_BREAKERS[] = {
     {"a09", "CircuitBreaker.TestPushButtonTripIndicator",         TIMESTAMPED_VALUE, "value=Pro_Test1_Op;quality=Pro_Test1_Op_Qual"},
 };
 // clang-format on
+static_assert(AreInOrder(CIRCUIT_BREAKERS), "the keys must be in byte order, each once");
+static_assert(std::size(CIRCUIT_BREAKERS) == 42, "a new row is counted here");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Rows

@@ -1,10 +1,19 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <iterator>
 #include <span>
 #include <string_view>
 
-// The data-model classes of the dictionary's elements, each list in byte order and without the prefix of its classes.
+// The data-model classes of the dictionary's elements: each list in byte order, without the prefix of its classes.
 namespace kz::orba::VortaExtensionModbus::Device::ClassNames {
+
+inline constexpr std::string_view ALARM_PREFIX = "$iot.alm.";
+inline constexpr std::string_view MEASUREMENT_PREFIX = "$iot.measurement.";
+inline constexpr std::string_view PROTECTION_PREFIX = "$iot.protection.";
+inline constexpr std::string_view CIRCUIT_BREAKER_PREFIX = "$iot.switchgear.circuit_breaker.";
 
 // clang-format off
 inline constexpr std::string_view ALARMS[] = {
@@ -293,13 +302,24 @@ struct List {
     std::span<const std::string_view> names;
 };
 
-// All classes, the dynamic ones first. A class is known by its place in here.
+// All classes, the dynamic ones first. They are stored in this order.
 inline constexpr List LISTS[] = {
-    {"$iot.alm.", ALARMS},
-    {"$iot.measurement.", MEASUREMENTS},
-    {"$iot.protection.", PROTECTIONS},
-    {"$iot.switchgear.circuit_breaker.", CIRCUIT_BREAKERS},
-    {"$iot.switchgear.circuit_breaker.", NOT_DYNAMIC},
+    {ALARM_PREFIX, ALARMS},
+    {MEASUREMENT_PREFIX, MEASUREMENTS},
+    {PROTECTION_PREFIX, PROTECTIONS},
+    {CIRCUIT_BREAKER_PREFIX, CIRCUIT_BREAKERS},
+    {CIRCUIT_BREAKER_PREFIX, NOT_DYNAMIC},
 };
+
+inline constexpr std::size_t DYNAMIC_COUNT =
+    std::size(ALARMS) + std::size(MEASUREMENTS) + std::size(PROTECTIONS) + std::size(CIRCUIT_BREAKERS);
+inline constexpr std::size_t COUNT = DYNAMIC_COUNT + std::size(NOT_DYNAMIC);
+static_assert(DYNAMIC_COUNT == 263, "a new dynamic class is counted here");
+
+constexpr bool AreInOrder(std::span<const std::string_view> names) {
+    return std::adjacent_find(names.begin(), names.end(), std::greater_equal<>()) == names.end();
+}
+static_assert(AreInOrder(ALARMS) && AreInOrder(MEASUREMENTS) && AreInOrder(PROTECTIONS) && AreInOrder(CIRCUIT_BREAKERS),
+              "the classes of a list must be in byte order, each once");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::ClassNames

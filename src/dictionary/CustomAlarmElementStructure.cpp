@@ -25,15 +25,19 @@ json UserText(const char* name, int maxLength) {
 }  // namespace
 
 json CustomAlarmElementStructure::GetStructure() {
-    json elements{{"state", Reported("Alarm.ActiveState")},
-                  {"criticality", Reported("Alarm.Criticality")},
-                  {"type", Reported("Alarm.Type")},
-                  {"customer_alarm_name", UserText("Alarm.CustomerAlarmName", 50)},
-                  {"customer_alarm_description", UserText("Alarm.CustomerAlarmDescription", 500)}};
-    elements["state"].update({{"datetime", nullptr}, {"quality", nullptr}});
     json structure;
-    structure[std::string(Structures::OUTER_MEMBER)] = {
-        {"_id", nullptr}, {"name", nullptr}, {"alias", nullptr}, {"elements", std::move(elements)}};
+    json& skeleton = structure[std::string(Structures::OUTER_MEMBER)];
+    for (const char* member : {"_id", "name", "alias"}) {
+        skeleton[member] = nullptr;
+    }
+    json& elements = skeleton["elements"];
+    elements["state"] = Reported("Alarm.ActiveState");
+    elements["state"]["datetime"] = nullptr;
+    elements["state"]["quality"] = nullptr;
+    elements["criticality"] = Reported("Alarm.Criticality");
+    elements["type"] = Reported("Alarm.Type");
+    elements["customer_alarm_name"] = UserText("Alarm.CustomerAlarmName", 50);
+    elements["customer_alarm_description"] = UserText("Alarm.CustomerAlarmDescription", 500);
     return structure;
 }
 

@@ -1,7 +1,6 @@
 #include "dictionary/DeviceElementLookUp.h"
 
 #include <nlohmann/json.hpp>
-#include <optional>
 
 #include "kzm/pdm/Device/PdmElement.h"
 
@@ -11,93 +10,94 @@ namespace {
 
 using kzm::pdm::Device::PdmElement;
 
-std::optional<DictionaryEntry> FindEntry(std::string_view key) {
-    for (const DictionaryTable* table :
-         {&DeviceElementLookUp::mIotAlmFunctionElement, &DeviceElementLookUp::mIotMeasurementFunctionElement,
-          &DeviceElementLookUp::mIotProtectionFunctionElement,
-          &DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement}) {
+// Null for an unknown key.
+const DictionaryEntry* FindEntry(std::string_view key) {
+    for (const DictionaryTable* table : DeviceElementLookUp::GetTables()) {
         if (const auto row = table->find(key); row != table->end()) {
-            return row->second;
+            return &row->second;
         }
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 }  // namespace
 
-bool DeviceElementLookUp::CheckAlmElement(std::string key) {
+const std::array<const DictionaryTable*, 4>& DeviceElementLookUp::GetTables() {
+    static constexpr std::array<const DictionaryTable*, 4> TABLES{
+        &mIotAlmFunctionElement, &mIotMeasurementFunctionElement, &mIotProtectionFunctionElement,
+        &mIotSwitchgearCircuitBreakerFunctionElement};
+    return TABLES;
+}
+
+bool DeviceElementLookUp::CheckAlmElement(std::string_view key) {
     return mIotAlmFunctionElement.contains(key);
 }
 
-bool DeviceElementLookUp::CheckMeasurementElement(std::string key) {
+bool DeviceElementLookUp::CheckMeasurementElement(std::string_view key) {
     return mIotMeasurementFunctionElement.contains(key);
 }
 
-bool DeviceElementLookUp::CheckProtectionElement(std::string key) {
+bool DeviceElementLookUp::CheckProtectionElement(std::string_view key) {
     return mIotProtectionFunctionElement.contains(key);
 }
 
-bool DeviceElementLookUp::CheckSwitchgearCircuitBreakerElement(std::string key) {
+bool DeviceElementLookUp::CheckSwitchgearCircuitBreakerElement(std::string_view key) {
     return mIotSwitchgearCircuitBreakerFunctionElement.contains(key);
 }
 
-std::string DeviceElementLookUp::GetName(std::string key) {
-    const auto entry = FindEntry(key);
-    return std::string(entry ? entry->name : "");
+std::string DeviceElementLookUp::GetName(std::string_view key) {
+    const DictionaryEntry* entry = FindEntry(key);
+    return entry == nullptr ? "" : std::string(entry->name);
 }
 
-std::string DeviceElementLookUp::GetUnit(std::string key) {
-    const auto entry = FindEntry(key);
-    return std::string(entry ? entry->unit : "");
+std::string DeviceElementLookUp::GetUnit(std::string_view key) {
+    const DictionaryEntry* entry = FindEntry(key);
+    return entry == nullptr ? "" : std::string(entry->unit);
 }
 
-std::string DeviceElementLookUp::GetClass(std::string key) {
-    const auto entry = FindEntry(key);
-    return std::string(entry ? entry->className : "$iot.measurement.NumericalMeasurementValue");
+std::string DeviceElementLookUp::GetClass(std::string_view key) {
+    const DictionaryEntry* entry = FindEntry(key);
+    return entry == nullptr ? "$iot.measurement.NumericalMeasurementValue" : std::string(entry->className);
 }
 
-nlohmann::json DeviceElementLookUp::GetStructure(std::string key) {
-    const auto entry = FindEntry(key);
-    return BuildStructure(entry ? entry->structure : StructureTemplate::MEASUREMENT);
+nlohmann::json DeviceElementLookUp::GetStructure(std::string_view key) {
+    const DictionaryEntry* entry = FindEntry(key);
+    return BuildStructure(entry == nullptr ? StructureTemplate::MEASUREMENT : entry->structure);
 }
 
-std::unordered_multimap<std::string, std::string> DeviceElementLookUp::GetPdmId(std::string key) {
-    std::unordered_multimap<std::string, std::string> ids;
-    if (const auto entry = FindEntry(key)) {
-        for (const AttributeSource& source : entry->sources) {
-            ids.emplace(source.path, source.id);
-        }
-    }
-    return ids;
+std::unordered_multimap<std::string, std::string> DeviceElementLookUp::GetPdmId(std::string_view key) {
+    const DictionaryEntry* entry = FindEntry(key);
+    const AttributeSources sources = entry == nullptr ? AttributeSources() : entry->sources;
+    return {sources.begin(), sources.end()};
 }
 
-std::string DeviceElementLookUp::GetMappedAttributePath(const std::string& key, const std::string& attributePath) {
-    const auto entry = FindEntry(key);
-    return std::string(entry ? entry->sources.Find(attributePath) : "");
+std::string DeviceElementLookUp::GetMappedAttributePath(std::string_view key, std::string_view attributePath) {
+    const DictionaryEntry* entry = FindEntry(key);
+    return entry == nullptr ? "" : std::string(entry->sources.Find(attributePath));
 }
 
-bool DeviceElementLookUp::IsPdmElement(const std::string& id) {
-    return PdmElement::IsPdmElement(id);
+bool DeviceElementLookUp::IsPdmElement(std::string_view id) {
+    return PdmElement::IsPdmElement(std::string(id));
 }
 
-bool DeviceElementLookUp::CheckIdElement(const std::string& id) {
-    return PdmElement::CheckIdElement(id);
+bool DeviceElementLookUp::CheckIdElement(std::string_view id) {
+    return PdmElement::CheckIdElement(std::string(id));
 }
 
-bool DeviceElementLookUp::CheckIdVortaElement(const std::string& id) {
-    return PdmElement::CheckIdVortaElement(id);
+bool DeviceElementLookUp::CheckIdVortaElement(std::string_view id) {
+    return PdmElement::CheckIdVortaElement(std::string(id));
 }
 
-std::string DeviceElementLookUp::GetVortaIdentificationElement(const std::string& id) {
-    return PdmElement::GetVortaIdentificationElement(id);
+std::string DeviceElementLookUp::GetVortaIdentificationElement(std::string_view id) {
+    return PdmElement::GetVortaIdentificationElement(std::string(id));
 }
 
-std::string DeviceElementLookUp::GetVortaIdForPdmId(const std::string& pdmId) {
-    return PdmElement::GetVortaIdForPdmId(pdmId);
+std::string DeviceElementLookUp::GetVortaIdForPdmId(std::string_view pdmId) {
+    return PdmElement::GetVortaIdForPdmId(std::string(pdmId));
 }
 
-std::string DeviceElementLookUp::GetPdmIdentificationName(const std::string& id) {
-    return PdmElement::GetPdmIdentificationName(id);
+std::string DeviceElementLookUp::GetPdmIdentificationName(std::string_view id) {
+    return PdmElement::GetPdmIdentificationName(std::string(id));
 }
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

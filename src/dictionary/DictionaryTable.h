@@ -1,62 +1,47 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
 #include <utility>
 
-#include "Export.h"
 #include "dictionary/AttributeSources.h"
-#include "dictionary/IndexIterator.h"
-#include "dictionary/StructureTemplate.h"
+#include "dictionary/DictionaryText.h"
+#include "dictionary/SortedConstants.h"
+#include "dictionary/StructureReference.h"
 
 namespace kz::orba::VortaExtensionModbus::Device {
 
-// What the dictionary knows of one element. The texts are constants of the library.
+// What the dictionary knows about one element.
 struct DictionaryEntry {
-    AttributeSources sources;     // which device elements feed it
-    std::string_view name;        // of the data-model object, e.g. "ElectricalMeasurement.RmsMinCurrentPhsA"
-    std::string_view unit;        // of the value, e.g. "A"; empty where it has none
-    std::string_view className;   // e.g. "$iot.measurement.NumericalMeasurementValue<Float>"
-    StructureTemplate structure;  // of the data-model object
+    AttributeSources sources;      // which device elements feed it
+    DictionaryText name;           // of the data-model object, e.g. "ElectricalMeasurement.RmsMinCurrentPhsA"
+    DictionaryText unit;           // of the value, e.g. "A"; empty if it has none
+    DictionaryText className;      // e.g. "$iot.measurement.NumericalMeasurementValue<Float>"
+    StructureReference structure;  // of the data-model object
 };
 
-struct PackedRow;
-
-// One table of the dictionary: a read-only map from element key to entry, ordered by key byte by byte. Entries are made
-// from constant memory when they are asked for. Thread-safe.
-class KZM_MODBUS_EXPORT DictionaryTable {
+// One table of the dictionary: a read-only map from element key to entry, in byte order of the keys. Entries are
+// constants of the library. Thread-safe.
+class DictionaryTable : public SortedConstants<DictionaryTable, std::pair<DictionaryText, DictionaryEntry>> {
 public:
-    // As a standard map calls them.
-    using key_type = std::string_view;
+    // As of a standard map.
     using mapped_type = DictionaryEntry;
-    using value_type = std::pair<const key_type, mapped_type>;
-    using const_iterator = IndexIterator<DictionaryTable>;
-    using iterator = const_iterator;
 
-    // Over rows and texts that outlive the table: `size` rows, sorted by key. The library makes its own four.
-    constexpr DictionaryTable(const PackedRow* rows, std::size_t size, const char* text)
-        : mRows(rows), mSize(size), mText(text) {}
+    // `name`: the kind of the elements. `rows`: `size` of them in byte order of the keys, each key once; they must
+    // outlive the table and what is read from it.
+    constexpr DictionaryTable(DictionaryText name, const value_type* rows, std::size_t size)
+        : mRows(rows), mSize(size), mName(name) {}
+
+    // "alarm", "measurement", "protection" or "circuit-breaker".
+    constexpr DictionaryText GetName() const { return mName; }
 
     // All rows in the order of their keys, and how many they are.
-    const_iterator begin() const { return {*this, 0}; }
-    const_iterator end() const { return {*this, mSize}; }
-    std::size_t size() const { return mSize; }
-    bool empty() const { return mSize == 0; }
-
-    // The whole key, exactly; end() for one that the table does not hold.
-    const_iterator find(std::string_view key) const;
-    bool contains(std::string_view key) const { return find(key) != end(); }
-    std::size_t count(std::string_view key) const { return contains(key) ? 1 : 0; }
-
-    // The row at that place, which must be less than size().
-    value_type ValueAt(std::size_t index) const;
+    constexpr const value_type* data() const { return mRows; }
+    constexpr std::size_t size() const { return mSize; }
 
 private:
-    std::string_view KeyAt(std::size_t index) const;
-
-    const PackedRow* mRows;
+    const value_type* mRows;
     std::size_t mSize;
-    const char* mText;
+    DictionaryText mName;
 };
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

@@ -1,37 +1,52 @@
-#include "dictionary/AlarmRows.h"
-#include "dictionary/CircuitBreakerRows.h"
+#include <ostream>
+
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DictionaryPool.h"
-#include "dictionary/MeasurementRows.h"
-#include "dictionary/ProtectionRows.h"
+#include "dictionary/DynamicDeviceClasses.h"
 
-// The tables in memory, made of their rows by the compiler.
+// The dictionary in memory, and what reads it there.
 namespace kz::orba::VortaExtensionModbus::Device {
 
 namespace {
 
-static_assert(KeysAscend(Rows::ALARMS) && KeysAscend(Rows::MEASUREMENTS) && KeysAscend(Rows::PROTECTIONS) &&
-                  KeysAscend(Rows::CIRCUIT_BREAKERS),
-              "the keys of a table must be in byte order, each once");
-static_assert(std::size(Rows::ALARMS) == 124 && std::size(Rows::MEASUREMENTS) == 928 &&
-              std::size(Rows::PROTECTIONS) == 46 && std::size(Rows::CIRCUIT_BREAKERS) == 42);
+constexpr DictionaryPool POOL;
 
-constexpr auto ALARM_POOL = Pack<Rows::ALARMS>("$iot.alm.");
-constexpr auto MEASUREMENT_POOL = Pack<Rows::MEASUREMENTS>("$iot.measurement.");
-constexpr auto PROTECTION_POOL = Pack<Rows::PROTECTIONS>("$iot.protection.");
-constexpr auto CIRCUIT_BREAKER_POOL = Pack<Rows::CIRCUIT_BREAKERS>("$iot.switchgear.circuit_breaker.");
+// The parts of the pool that the library keeps.
+constexpr auto TEXT = POOL.GetTexts().Copy<POOL.GetTexts().Size()>();
+constexpr auto CLASSES = POOL.GetClasses();
+constexpr auto SOURCES = POOL.GetSources();
+constexpr auto ROWS = POOL.GetRows();
 
-template <typename Pool>
-constexpr DictionaryTable TableOf(const Pool& pool) {
-    return {pool.rows.data(), pool.rows.size(), pool.text.data()};
+constexpr DictionaryTable TableOf(std::string_view name) {
+    return POOL.GetTable(name, ROWS.data());
 }
 
 }  // namespace
 
-constinit const DictionaryTable DeviceElementLookUp::mIotAlmFunctionElement = TableOf(ALARM_POOL);
-constinit const DictionaryTable DeviceElementLookUp::mIotMeasurementFunctionElement = TableOf(MEASUREMENT_POOL);
-constinit const DictionaryTable DeviceElementLookUp::mIotProtectionFunctionElement = TableOf(PROTECTION_POOL);
+std::string_view DictionaryText::View() const {
+    return {TEXT.data() + mBegin, mSize};
+}
+
+std::ostream& operator<<(std::ostream& stream, DictionaryText text) {
+    return stream << text.View();
+}
+
+const AttributeSource* AttributeSources::data() const {
+    return SOURCES.data() + mBegin;
+}
+
+const DictionaryText* DynamicDeviceClasses::data() const {
+    return CLASSES.data();
+}
+
+std::size_t DynamicDeviceClasses::size() const {
+    return ClassNames::DYNAMIC_COUNT;
+}
+
+constinit const DictionaryTable DeviceElementLookUp::mIotAlmFunctionElement = TableOf("alarm");
+constinit const DictionaryTable DeviceElementLookUp::mIotMeasurementFunctionElement = TableOf("measurement");
+constinit const DictionaryTable DeviceElementLookUp::mIotProtectionFunctionElement = TableOf("protection");
 constinit const DictionaryTable DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement =
-    TableOf(CIRCUIT_BREAKER_POOL);
+    TableOf("circuit-breaker");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

@@ -948,5 +948,7 @@ inline constexpr DictionaryRow MEASUREMENTS[] = {
     {"thd_VLN",                        "ElectricalMeasurement.RmsThdVoltageLineToNeutral",                           MEASUREMENT,       "value",                                 "",     FLOAT},
 };
 // clang-format on
+static_assert(AreInOrder(MEASUREMENTS), "the keys must be in byte order, each once");
+static_assert(std::size(MEASUREMENTS) == 928, "a new row is counted here");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Rows

@@ -57,5 +57,7 @@ inline constexpr DictionaryRow PROTECTIONS[] = {
     {"a07", "SellimPioc.OperateStatus",                TIMESTAMPED_VALUE, "value=SELLIM_PIOC1_Op;quality=SELLIM_PIOC1_Op_Qual", "", "sellim_pioc."},
 };
 // clang-format on
+static_assert(AreInOrder(PROTECTIONS), "the keys must be in byte order, each once");
+static_assert(std::size(PROTECTIONS) == 46, "a new row is counted here");
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Rows

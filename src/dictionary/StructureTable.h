@@ -7,8 +7,8 @@
 
 #include "dictionary/StructureTemplate.h"
 
-// What the structure templates consist of. The templates are built from these rows, and the dictionary's rows are held
-// against them at compile time.
+// What the structure templates consist of. The templates are built from these rows, and the dictionary's rows are
+// checked against them at compile time.
 namespace kz::orba::VortaExtensionModbus::Device::Structures {
 
 inline constexpr std::string_view OUTER_MEMBER = "IoTElementDynamicClassForDevice";
@@ -18,14 +18,14 @@ inline constexpr std::string_view READ_WRITE = "Rw";
 struct ValueTemplate {
     StructureTemplate structure;
     std::string_view mode;
-    std::string_view members;  // beside "_id", "name", "value" and "mode"
+    std::string_view members;  // besides "_id", "name", "value" and "mode"
 };
 
 struct AlarmTemplate {
     StructureTemplate structure;
     std::string_view criticality;
     std::string_view type;
-    unsigned groups;  // of sub-elements, beside those of EVERY alarm
+    unsigned groups;  // of sub-elements, besides those of EVERY alarm
 };
 
 // Which alarms a sub-element belongs to.
@@ -35,9 +35,10 @@ struct SubElement {
     Group group;
     std::string_view key;
     std::string_view name;
-    std::string_view members;  // beside "name", "value" and "mode"
+    std::string_view members;  // besides "name", "value" and "mode"
 };
 
+// One row per template, in the order of StructureTemplate: first those of values, then those of alarms.
 // clang-format off
 inline constexpr ValueTemplate VALUES[] = {
     {StructureTemplate::MEASUREMENT,       READ_ONLY,  "datetime quality unit"},
@@ -79,7 +80,8 @@ inline constexpr SubElement SUB_ELEMENTS[] = {
 };
 // clang-format on
 
-// Takes the text up to the separator off the front; all of it where there is no separator.
+// Removes the text up to the first separator, and the separator, from the front and returns it; all of the text if it
+// has no separator.
 constexpr std::string_view TakePart(std::string_view& text, char separator) {
     const std::size_t end = text.find(separator);
     const std::string_view part = text.substr(0, end);
@@ -87,12 +89,23 @@ constexpr std::string_view TakePart(std::string_view& text, char separator) {
     return part;
 }
 
-template <typename Template, std::size_t N>
-constexpr const Template* Find(const Template (&templates)[N], StructureTemplate structure) {
-    const auto* found = std::find_if(std::begin(templates), std::end(templates),
-                                     [&](const Template& row) { return row.structure == structure; });
-    return found == std::end(templates) ? nullptr : found;
+// The row of a template among all rows; COUNT and above for a number that is not a template.
+constexpr std::size_t RowOf(StructureTemplate structure) {
+    return static_cast<std::size_t>(structure);
 }
+
+inline constexpr std::size_t COUNT = std::size(VALUES) + std::size(ALARMS);
+
+constexpr bool RowsAreInOrder() {
+    for (std::size_t row = 0; row < COUNT; ++row) {
+        const bool isValue = row < std::size(VALUES);
+        if (RowOf(isValue ? VALUES[row].structure : ALARMS[row - std::size(VALUES)].structure) != row) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(RowsAreInOrder(), "row n must be enumerator n of StructureTemplate");
 
 constexpr bool BelongsTo(const SubElement& element, const AlarmTemplate& alarm) {
     return element.group == EVERY || (alarm.groups & element.group) != 0;
@@ -107,21 +120,24 @@ constexpr bool HoldsMember(std::string_view members, std::string_view name) {
     return name == "value";
 }
 
-// Whether objects of the structure have that attribute, e.g. "value" or "elements.state.quality".
-constexpr bool Holds(StructureTemplate structure, std::string_view path) {
-    if (const auto* value = Find(VALUES, structure)) {
-        return HoldsMember(value->members, path);
-    }
+// For a path such as "elements.state.quality".
+constexpr bool HoldsInElements(const AlarmTemplate& alarm, std::string_view path) {
     constexpr std::string_view ELEMENTS = "elements.";
-    const auto* alarm = Find(ALARMS, structure);
-    const std::size_t dot = path.rfind('.');
-    if (alarm == nullptr || !path.starts_with(ELEMENTS) || dot < ELEMENTS.size()) {
+    if (!path.starts_with(ELEMENTS)) {
         return false;
     }
-    const std::string_view key = path.substr(ELEMENTS.size(), dot - ELEMENTS.size());
+    path.remove_prefix(ELEMENTS.size());
+    const std::string_view key = TakePart(path, '.');
     return std::any_of(std::begin(SUB_ELEMENTS), std::end(SUB_ELEMENTS), [&](const SubElement& element) {
-        return element.key == key && BelongsTo(element, *alarm) && HoldsMember(element.members, path.substr(dot + 1));
+        return element.key == key && BelongsTo(element, alarm) && HoldsMember(element.members, path);
     });
+}
+
+// Whether objects of the structure have that attribute, e.g. "value" or "elements.state.quality".
+constexpr bool Holds(StructureTemplate structure, std::string_view path) {
+    const std::size_t row = RowOf(structure);
+    return row < std::size(VALUES) ? HoldsMember(VALUES[row].members, path)
+                                   : HoldsInElements(ALARMS[row - std::size(VALUES)], path);
 }
 
 }  // namespace kz::orba::VortaExtensionModbus::Device::Structures

@@ -10,7 +10,7 @@ namespace {
 
 using nlohmann::json;
 
-// What stands in a member until the device fills it. Snapshots are currents and fix their unit.
+// What a member holds until the device fills it. Snapshots are currents, so their unit is fixed.
 json InitialValue(std::string_view member, std::string_view unit) {
     if (member == "unit") {
         return unit;
@@ -69,13 +69,13 @@ json Wrapped(json skeleton) {
 }  // namespace
 
 json BuildStructure(StructureTemplate structure) {
-    if (const auto* value = Structures::Find(Structures::VALUES, structure)) {
-        return Wrapped(ValueSkeleton(*value));
+    const std::size_t row = Structures::RowOf(structure);
+    if (row >= Structures::COUNT) {
+        return nullptr;
     }
-    if (const auto* alarm = Structures::Find(Structures::ALARMS, structure)) {
-        return Wrapped(AlarmSkeleton(*alarm));
-    }
-    return nullptr;
+    const std::size_t values = std::size(Structures::VALUES);
+    return Wrapped(row < values ? ValueSkeleton(Structures::VALUES[row])
+                                : AlarmSkeleton(Structures::ALARMS[row - values]));
 }
 
 }  // namespace kz::orba::VortaExtensionModbus::Device

@@ -53,9 +53,10 @@ class DictionaryTest(unittest.TestCase):
 
     def test_the_whole_dictionary_comes_as_json_and_a_selection_in_the_same_form(self):
         whole = json.loads(dictionary("--json"))
-        self.assertEqual({table: len(rows) for table, rows in whole["tables"].items()},
-                         {"alarm": 124, "measurement": 928, "protection": 46, "circuit-breaker": 42})
-        self.assertEqual(len(whole["dynamic_classes"]), 263)
+        self.assertEqual(set(whole["tables"]), {"alarm", "measurement", "protection", "circuit-breaker"})
+        for table, key in [("alarm", "15"), ("measurement", "Hz"), ("protection", "78b"), ("circuit-breaker", "59")]:
+            self.assertIn(json.loads(dictionary(key, "--json")), whole["tables"][table])
+            self.assertIn(whole["tables"][table][-1]["class"], whole["dynamic_classes"])
         some = json.loads(dictionary("--json", "--table", "protection"))
         self.assertEqual(some["tables"], {table: rows if table == "protection" else []
                                           for table, rows in whole["tables"].items()})

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <iostream>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -26,22 +25,8 @@ struct DictionaryOptions {
     bool json = false;
 };
 
-struct NamedTable {
-    const char* name;
-    const DictionaryTable& rows;
-};
-
-const std::array<NamedTable, 4>& Tables() {
-    static const std::array<NamedTable, 4> TABLES{
-        {{"alarm", DeviceElementLookUp::mIotAlmFunctionElement},
-         {"measurement", DeviceElementLookUp::mIotMeasurementFunctionElement},
-         {"protection", DeviceElementLookUp::mIotProtectionFunctionElement},
-         {"circuit-breaker", DeviceElementLookUp::mIotSwitchgearCircuitBreakerFunctionElement}}};
-    return TABLES;
-}
-
 struct Element {
-    const char* table;
+    std::string_view table;
     std::string_view key;
     DictionaryEntry entry;
 };
@@ -60,7 +45,7 @@ bool IsSearchedFor(const Element& element, std::string_view wanted) {
     const AttributeSources& sources = element.entry.sources;
     return Holds(element.key, wanted) || Holds(element.entry.name, wanted) || Holds(element.entry.unit, wanted) ||
            std::any_of(sources.begin(), sources.end(),
-                       [&](const AttributeSource& source) { return Holds(source.id, wanted); });
+                       [&](const AttributeSource& source) { return Holds(source.second, wanted); });
 }
 
 // The whole class, or the end of it after a dot.
@@ -70,10 +55,11 @@ bool IsOfClass(std::string_view name, std::string_view wanted) {
 
 std::vector<Element> Select(const DictionaryOptions& options) {
     std::vector<Element> selected;
-    for (const NamedTable& table : Tables()) {
-        for (const auto& [key, entry] : table.rows) {
-            const Element element{table.name, key, entry};
-            if ((options.key.empty() || options.key == key) && (options.table.empty() || options.table == table.name) &&
+    for (const DictionaryTable* table : DeviceElementLookUp::GetTables()) {
+        for (const auto& [key, entry] : *table) {
+            const Element element{table->GetName(), key, entry};
+            if ((options.key.empty() || options.key == key) &&
+                (options.table.empty() || options.table == element.table) &&
                 (options.className.empty() || IsOfClass(entry.className, options.className)) &&
                 IsSearchedFor(element, options.search)) {
                 selected.push_back(element);
@@ -85,15 +71,12 @@ std::vector<Element> Select(const DictionaryOptions& options) {
 
 json ToJson(const Element& element) {
     json sources = json::object();
-    for (const AttributeSource& source : element.entry.sources) {
-        sources[std::string(source.path)] = source.id;
+    for (const auto& [path, id] : element.entry.sources) {
+        sources[std::string(path)] = id;
     }
-    return {{"key", element.key},
-            {"sources", std::move(sources)},
-            {"name", element.entry.name},
-            {"unit", element.entry.unit},
-            {"class", element.entry.className},
-            {"structure", BuildStructure(element.entry.structure)}};
+    return {
+        {"key", element.key},         {"sources", std::move(sources)},    {"name", element.entry.name},
+        {"unit", element.entry.unit}, {"class", element.entry.className}, {"structure", element.entry.structure.get()}};
 }
 
 // The dictionary, of its rows those selected.
@@ -102,11 +85,11 @@ json ToJson(const std::vector<Element>& elements) {
               {"default_class", DeviceElementLookUp::GetClass("")},
               {"default_structure", DeviceElementLookUp::GetStructure("")},
               {"custom_alarm_structure", CustomAlarmElementStructure::GetStructure()}};
-    for (const NamedTable& table : Tables()) {
-        dump["tables"][table.name] = json::array();
+    for (const DictionaryTable* table : DeviceElementLookUp::GetTables()) {
+        dump["tables"][std::string(table->GetName())] = json::array();
     }
     for (const Element& element : elements) {
-        dump["tables"][element.table].push_back(ToJson(element));
+        dump["tables"][std::string(element.table)].push_back(ToJson(element));
     }
     for (const std::string_view name : DYNAMIC_DEVICE_CLASS_NAMES) {
         dump["dynamic_classes"].push_back(name);
@@ -117,7 +100,7 @@ json ToJson(const std::vector<Element>& elements) {
 void PrintElements(const std::vector<Element>& elements) {
     std::vector<Row> rows{HeadingRow({"KEY", "TABLE", "NAME", "UNIT", "CLASS"})};
     for (const Element& element : elements) {
-        rows.push_back(TextRow({std::string(element.key), element.table, std::string(element.entry.name),
+        rows.push_back(TextRow({std::string(element.key), std::string(element.table), std::string(element.entry.name),
                                 std::string(element.entry.unit), std::string(element.entry.className)}));
     }
     PrintTable(rows);
@@ -138,10 +121,10 @@ void AddAttributes(std::vector<Row>& rows, const json& skeleton, const std::stri
 
 void PrintElement(const Element& element) {
     std::cout << "key    " << element.key << "\ntable  " << element.table << "\nname   " << element.entry.name
-              << "\nunit   " << (element.entry.unit.empty() ? "none" : element.entry.unit) << "\nclass  "
+              << "\nunit   " << (element.entry.unit.empty() ? "none" : element.entry.unit.View()) << "\nclass  "
               << element.entry.className << "\n\n";
     std::vector<Row> rows{HeadingRow({"ATTRIBUTE", "FED BY", "INITIAL VALUE"})};
-    AddAttributes(rows, BuildStructure(element.entry.structure).front(), "", element);
+    AddAttributes(rows, element.entry.structure.get().front(), "", element);
     PrintTable(rows);
 }
 
@@ -169,8 +152,8 @@ void AddDictionaryCommand(CommandLine& line) {
         line.AddCommand("dictionary", "Show elements of the element dictionary, by key or by search",
                         [options] { return ShowDictionary(*options); });
     std::vector<std::string> tables;
-    for (const NamedTable& table : Tables()) {
-        tables.emplace_back(table.name);
+    for (const DictionaryTable* table : DeviceElementLookUp::GetTables()) {
+        tables.push_back(table->GetName());
     }
     dictionary.AddOptionalArgument("KEY", "The whole key of one element, e.g. \"DTMinIA;MinIA\"", options->key);
     dictionary.AddText(

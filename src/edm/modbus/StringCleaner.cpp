@@ -6,7 +6,7 @@ namespace kzm::edm::modbus {
 
 using kzm::Vorta::VortaId;
 
-StringCleaner::StringCleaner(const std::string& prefix) : mPrefix(prefix) {}
+StringCleaner::StringCleaner(std::string_view prefix) : mPrefix(prefix) {}
 
 void StringCleaner::Encode(std::string& text) const {
     text = mPrefix + VortaId::EncodeCustomAlias(text);

@@ -34,23 +34,23 @@ constexpr Identification IDENTIFICATIONS[] = {
 };
 // clang-format on
 
-// The name of an element that is no custom one.
-std::string NameOf(const std::string& id) {
+// The name of an element that is not a custom one.
+std::string NameOf(std::string_view id) {
     std::string name = DeviceElementLookUp::GetName(id);
     if (!name.empty()) {
         return name;
     }
     const auto* found = std::find_if(std::begin(IDENTIFICATIONS), std::end(IDENTIFICATIONS),
                                      [&](const Identification& element) { return element.shortId == id; });
-    return found == std::end(IDENTIFICATIONS) ? id : std::string(found->iotName);
+    return std::string(found == std::end(IDENTIFICATIONS) ? id : found->iotName);
 }
 
-kz::orba::StatusCode DecodeCustomId(const std::string& id, const StringCleaner& codec, std::string_view name,
+kz::orba::StatusCode DecodeCustomId(std::string_view id, const StringCleaner& codec, std::string_view name,
                                     std::string& iotName, std::string& alias) {
     if (id.size() < 4) {
         return Status::OUT_OF_RANGE;
     }
-    std::string decoded = id;
+    std::string decoded(id);
     codec.Decode(decoded);
     iotName = name;
     alias = std::move(decoded);
@@ -59,27 +59,27 @@ kz::orba::StatusCode DecodeCustomId(const std::string& id, const StringCleaner& 
 
 }  // namespace
 
-bool IsCustomMeasurementIoTName(const std::string& name) {
+bool IsCustomMeasurementIoTName(std::string_view name) {
     return name == CUSTOM_MEASUREMENT_IOT_NAME;
 }
 
-bool IsCustomMeasurementVortaSuffix(const std::string& id) {
+bool IsCustomMeasurementVortaSuffix(std::string_view id) {
     return id.starts_with(CUSTOM_MEASUREMENT_VORTA_SHORT_ID);
 }
 
 StringCleaner GetCustomMeasurementNameCodec() {
-    return StringCleaner(std::string(CUSTOM_MEASUREMENT_VORTA_SHORT_ID));
+    return StringCleaner(CUSTOM_MEASUREMENT_VORTA_SHORT_ID);
 }
 
 StringCleaner GetCustomAlarmNameCodec() {
-    return StringCleaner(std::string(CUSTOM_ALARM_VORTA_SHORT_ID));
+    return StringCleaner(CUSTOM_ALARM_VORTA_SHORT_ID);
 }
 
 std::string GetCustomAlarmIotName() {
     return std::string(CUSTOM_ALARM_IOT_NAME);
 }
 
-kz::orba::StatusCode GetIoTNameAndAlias(const std::string& id, std::string& iotName, std::string& alias) {
+kz::orba::StatusCode GetIoTNameAndAlias(std::string_view id, std::string& iotName, std::string& alias) {
     if (IsCustomMeasurementVortaSuffix(id)) {
         return DecodeCustomId(id, GetCustomMeasurementNameCodec(), CUSTOM_MEASUREMENT_IOT_NAME, iotName, alias);
     }

@@ -3,6 +3,8 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
+#include <stdexcept>
 
 #include "dictionary/CustomAlarmElementStructure.h"
 #include "dictionary/DeviceElementLookUp.h"
@@ -17,25 +19,68 @@ using nlohmann::json;
 using Sources = std::unordered_multimap<std::string, std::string>;
 using enum StructureTemplate;
 
-const std::map<std::string, const DictionaryTable*> TABLES{
-    {"alarm", &LookUp::mIotAlmFunctionElement},
-    {"measurement", &LookUp::mIotMeasurementFunctionElement},
-    {"protection", &LookUp::mIotProtectionFunctionElement},
-    {"circuit breaker", &LookUp::mIotSwitchgearCircuitBreakerFunctionElement}};
-
 // The tables that the Check operations find a key in.
 std::set<std::string> TablesOf(const std::string& key) {
     std::set<std::string> tables;
     const std::map<std::string, bool> checks{{"alarm", LookUp::CheckAlmElement(key)},
                                              {"measurement", LookUp::CheckMeasurementElement(key)},
                                              {"protection", LookUp::CheckProtectionElement(key)},
-                                             {"circuit breaker", LookUp::CheckSwitchgearCircuitBreakerElement(key)}};
+                                             {"circuit-breaker", LookUp::CheckSwitchgearCircuitBreakerElement(key)}};
     for (const auto& [table, found] : checks) {
         if (found) {
             tables.insert(table);
         }
     }
     return tables;
+}
+
+// The table whose name is given.
+const DictionaryTable& TableOf(const std::string& name) {
+    for (const DictionaryTable* table : LookUp::GetTables()) {
+        if (table->GetName() == name) {
+            return *table;
+        }
+    }
+    throw std::out_of_range(name);
+}
+
+std::string_view KeyOf(std::string_view key) {
+    return key;
+}
+
+template <typename Mapped>
+std::string_view KeyOf(const std::pair<DictionaryText, Mapped>& value) {
+    return value.first;
+}
+
+// Holds a container of the dictionary against a standard set of its keys, for keys that it has and that it has not.
+template <typename Container>
+void ExpectOrdered(const Container& container) {
+    std::set<std::string> keys;
+    for (const auto& value : container) {
+        EXPECT_TRUE(keys.emplace(KeyOf(value)).second) << KeyOf(value);
+    }
+    EXPECT_EQ(container.size(), keys.size());
+    EXPECT_EQ(container.empty(), keys.empty());
+    const auto isSame = [](const auto& value, const std::string& key) { return KeyOf(value) == key; };
+    EXPECT_TRUE(std::equal(container.cbegin(), container.cend(), keys.begin(), keys.end(), isSame));
+    EXPECT_TRUE(std::equal(container.rbegin(), container.rend(), keys.rbegin(), keys.rend(), isSame));
+    EXPECT_TRUE(std::equal(container.crbegin(), container.crend(), keys.rbegin(), keys.rend(), isSame));
+    std::set<std::string> wanted{"", "~", "\xff"};
+    for (const std::string& key : keys) {
+        wanted.merge(std::set{key, key + ' ', key.substr(0, key.size() - 1)});
+    }
+    const auto placeOf = [&](auto found) { return std::distance(container.begin(), found); };
+    const auto expectedPlaceOf = [&](auto found) { return std::distance(keys.begin(), found); };
+    for (const std::string& key : wanted) {
+        SCOPED_TRACE(key);
+        EXPECT_EQ(placeOf(container.lower_bound(key)), expectedPlaceOf(keys.lower_bound(key)));
+        EXPECT_EQ(placeOf(container.upper_bound(key)), expectedPlaceOf(keys.upper_bound(key)));
+        EXPECT_EQ(container.equal_range(key), std::pair(container.lower_bound(key), container.upper_bound(key)));
+        EXPECT_EQ(placeOf(container.find(key)), expectedPlaceOf(keys.find(key)));
+        EXPECT_EQ(container.count(key), keys.count(key));
+        EXPECT_EQ(container.contains(key), keys.contains(key));
+    }
 }
 
 json SkeletonOf(const json& structure) {
@@ -88,11 +133,11 @@ TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
          "ElPtoc.OperateStatus", "", "$iot.protection.el_ptoc.OperateStatus", TIMESTAMPED_VALUE},
         {"protection", "8bf", {{"value", "GGIO1_ThmFault"}},
          "Protection.TripThermalFaultStatus", "", "$iot.protection.TripThermalFaultStatus", TIMESTAMPED_VALUE},
-        {"circuit breaker", "59", {{"value", "XCBR1_Pos"}, {"quality", "XCBR1_Pos_Qual"}},
+        {"circuit-breaker", "59", {{"value", "XCBR1_Pos"}, {"quality", "XCBR1_Pos_Qual"}},
          "CircuitBreaker.PositionInformation", "", "$iot.switchgear.circuit_breaker.PositionInformation", TIMESTAMPED_VALUE},
-        {"circuit breaker", "76e", {{"value", "SCBR1_TtlCumA2"}}, "CircuitBreaker.TotalCumulativeBreakingCurrent",
+        {"circuit-breaker", "76e", {{"value", "SCBR1_TtlCumA2"}}, "CircuitBreaker.TotalCumulativeBreakingCurrent",
          "A²", "$iot.switchgear.circuit_breaker.TotalCumulativeBreakingCurrent", UNIT_VALUE},
-        {"circuit breaker", "76f", {{"value", "SCBR1_AccAbr_DT"}}, "CircuitBreaker.WorstAbrasionPhs",
+        {"circuit-breaker", "76f", {{"value", "SCBR1_AccAbr_DT"}}, "CircuitBreaker.WorstAbrasionPhs",
          "", "$iot.switchgear.circuit_breaker.WorstAbrasionPhs", PLAIN_VALUE},
         {"measurement", "625", {{"value", "LPHD1_BatV"}},
          "Measurement.BatteryVoltage", "V", numerical + "<Float>", MEASUREMENT},
@@ -150,6 +195,9 @@ TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
         EXPECT_EQ(LookUp::GetUnit(row.key), row.unit);
         EXPECT_EQ(LookUp::GetClass(row.key), row.className);
         EXPECT_EQ(LookUp::GetStructure(row.key), BuildStructure(row.structure));
+        if (!row.table.empty()) {
+            EXPECT_EQ(static_cast<StructureTemplate>(TableOf(row.table).at(row.key).structure), row.structure);
+        }
         for (const char* path : {"value", "datetime", "quality", "elements.state.value"}) {
             const auto source = row.sources.find(path);
             EXPECT_EQ(LookUp::GetMappedAttributePath(row.key, path), source == row.sources.end() ? "" : source->second);
@@ -157,20 +205,71 @@ TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
     }
 }
 
-TEST(Dictionary, TablesAreOrderedMapsOverAllTheirRows) {
+TEST(Dictionary, ContainersAreOrderedMapsAndASet) {
     std::set<std::string_view> names, keys;
-    for (const auto& [table, rows] : TABLES) {
-        std::string_view last;
-        for (const auto& [key, entry] : *rows) {
-            EXPECT_LT(last, key) << table;
-            EXPECT_EQ(rows->find(key)->second.name, entry.name) << key;
+    for (const DictionaryTable* table : LookUp::GetTables()) {
+        SCOPED_TRACE(table->GetName());
+        EXPECT_FALSE(table->empty());
+        ExpectOrdered(*table);
+        for (const auto& [key, entry] : *table) {
             EXPECT_TRUE(keys.insert(key).second && names.insert(entry.name).second) << key << " " << entry.name;
-            last = key;
+            EXPECT_EQ(&table->at(key), &entry);
+            EXPECT_EQ(LookUp::GetName(key) + LookUp::GetUnit(key), std::string(entry.name) + std::string(entry.unit));
+            ExpectOrdered(entry.sources);
         }
-        EXPECT_EQ(rows->find("~"), rows->end());
-        EXPECT_EQ(rows->count("") + rows->count(last), 1U);
     }
-    EXPECT_EQ(keys.size(), 1140U);
+    ExpectOrdered(DYNAMIC_DEVICE_CLASS_NAMES);
+    ExpectOrdered(AttributeSources());
+    const AttributeSources& sources = TableOf("protection").at("78b").sources;
+    EXPECT_EQ(sources.at("quality"), "EF_PTOC1_Op_Qual");
+    EXPECT_EQ(sources.find("value")->second, "EF_PTOC1_Op");
+    EXPECT_EQ(sources.Find("datetime"), "");
+    EXPECT_THROW(sources.at("datetime"), std::out_of_range);
+    EXPECT_THROW(TableOf("alarm").at("Hz"), std::out_of_range);
+}
+
+TEST(Dictionary, EntriesSourcesAndTemplatesOutliveWhatTheyWereReachedBy) {
+    std::string sources;
+    for (const auto& source : LookUp::mIotAlmFunctionElement.find("25")->second.sources) {
+        sources += std::string(source.first) + '=' + std::string(source.second) + '\n';
+    }
+    EXPECT_EQ(sources, R"(elements.snapshot_rms_current_phs_a.value=IA _VLoss
+elements.snapshot_rms_current_phs_b.value=IB _VLoss
+elements.snapshot_rms_current_phs_c.value=IC _VLoss
+elements.state.value=CALH1_VLoss3PhsAlm
+)");
+    const auto& entry = LookUp::mIotAlmFunctionElement.find("1d")->second;
+    const auto& [key, copied] = *std::next(DictionaryTable(LookUp::mIotAlmFunctionElement).begin());
+    EXPECT_EQ(&copied, &entry);
+    EXPECT_EQ(key, "1d");
+    EXPECT_EQ(DictionaryEntry(entry).sources.begin()->second, "G_PTOC1_Op");
+    const json& structure = LookUp::mIotAlmFunctionElement.find("15")->second.structure;
+    EXPECT_EQ(structure, BuildStructure(MEDIUM_PROTECTION));
+    EXPECT_EQ(&structure, &LookUp::mIotAlmFunctionElement.find("5dd")->second.structure.get());
+    const json copy = entry.structure;
+    EXPECT_EQ(copy, BuildStructure(entry.structure));
+    EXPECT_EQ(StructureReference(static_cast<StructureTemplate>(200)).get(), nullptr);
+    static_assert(!std::is_convertible_v<StructureReference, int>);
+}
+
+TEST(Dictionary, TextsAreStringViewsThatBecomeStringsAndJson) {
+    const auto& [key, entry] = *LookUp::mIotMeasurementFunctionElement.find("DTMinIA;MinIA");
+    const std::string_view view = key;
+    const std::string text = key;
+    EXPECT_EQ(view.data(), key.data());
+    EXPECT_EQ(text + '|' + std::string(key.begin(), key.end()), "DTMinIA;MinIA|DTMinIA;MinIA");
+    EXPECT_EQ(key.size(), key.length());
+    EXPECT_TRUE(key == text && view == key && key == "DTMinIA;MinIA" && key != entry.name && "DTMinIA" < key);
+    EXPECT_TRUE(key > entry.unit && key.starts_with("DT") && !key.starts_with("T") && key.ends_with("MinIA"));
+    EXPECT_EQ(key[7], ';');
+    EXPECT_EQ(key.find("Min") * 100 + key.find("Min", 3) * 10 + key.find("x") - key.npos, 280U);
+    EXPECT_EQ(key.rfind("Min") * 10 + key.rfind("Min", 7), 82U);
+    EXPECT_EQ(key.substr(key.find(";") + 1), "MinIA");
+    EXPECT_EQ(key.substr(2, 3), "Min");
+    EXPECT_TRUE(DictionaryText().empty() && DictionaryText() == "" && !key.empty());
+    std::ostringstream stream;
+    stream << entry.unit << json{{"name", entry.name}};
+    EXPECT_EQ(stream.str(), R"(A{"name":"ElectricalMeasurement.RmsMinCurrentPhsA"})");
 }
 
 TEST(Dictionary, ValueStructuresHaveTheMembersThatSuitTheirUse) {
@@ -239,8 +338,8 @@ TEST(Dictionary, CustomAlarmsGetACopyOfTheirStructure) {
 
 TEST(Dictionary, DynamicClassesAreThoseOfItsRowsButOneAndOneMore) {
     std::set<std::string_view> classes{"$iot.alm.TripCircuitSupervisionTrippedAlarm"};
-    for (const auto& [table, rows] : TABLES) {
-        for (const auto& [key, entry] : *rows) {
+    for (const DictionaryTable* table : LookUp::GetTables()) {
+        for (const auto& [key, entry] : *table) {
             classes.insert(entry.className);
         }
     }

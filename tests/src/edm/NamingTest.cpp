@@ -56,7 +56,7 @@ TEST(Naming, OnlyWhatTheEncoderMakesIsDecoded) {
 
 TEST(Naming, DecodingDropsThePrefixWhateverItIs) {
     std::string text = "xyza_20b";
-    StringCleaner("7b8").Decode(text);
+    StringCleaner(Vorta::CUSTOM_MEASUREMENT_VORTA_SHORT_ID).Decode(text);
     EXPECT_EQ(text, "a b");
     for (std::string shorter : {"", "7b"}) {
         EXPECT_THROW(StringCleaner("7b8").Decode(shorter), std::out_of_range);
@@ -92,7 +92,13 @@ TEST(Naming, AnIdHasANameAndACustomOneAnAlias) {
     std::string id = "7b8a_20b", alias;
     EXPECT_EQ(static_cast<int>(Vorta::GetIoTNameAndAlias(id, id, alias)), 0);
     EXPECT_EQ(id + alias, "Measurement.CustomMeasurementa b");
-    EXPECT_TRUE(Vorta::IsCustomMeasurementIoTName("Measurement.CustomMeasurement"));
+    EXPECT_TRUE(Vorta::IsCustomMeasurementIoTName(Vorta::CUSTOM_MEASUREMENT_IOT_NAME));
+    EXPECT_TRUE(Vorta::IsCustomMeasurementVortaSuffix(Vorta::CUSTOM_MEASUREMENT_VORTA_SHORT_ID));
+    EXPECT_EQ(static_cast<int>(Vorta::GetIoTNameAndAlias(Vorta::FIRMWARE_MODULE_VORTA_SHORT_ID, id, alias)), 0);
+    EXPECT_EQ(id + alias, "250");
+    std::string ofPart = "x86ba_20b";
+    EXPECT_EQ(static_cast<int>(Vorta::GetIoTNameAndAlias(std::string_view(ofPart).substr(1), alias, ofPart)), 0);
+    EXPECT_EQ(alias + ofPart, "Alarm.CustomAlarma b");
     EXPECT_FALSE(Vorta::IsCustomMeasurementIoTName(Vorta::GetCustomAlarmIotName()));
 }
 
