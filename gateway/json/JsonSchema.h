@@ -8,17 +8,18 @@
 
 namespace kzm::ModbusGateway {
 
-// What a kind of document may hold, by a JSON Schema (draft 7). Where the schema has a "description", it says what is
-// allowed there and becomes part of the messages. Understood are types, ranges, patterns, enumerations, members, items,
-// dependencies, if-then-else and references; a "true" or "false" in a schema's place is not. Read by many threads.
+// Checks documents against a JSON Schema (draft 7). Where the schema has a "description", it says what is allowed there
+// and becomes part of the messages. Supported: the keywords that JsonSchema.cpp lists, with an "if" that asks for types
+// or members only, and "$ref" within the schema. Used by many threads.
 class JsonSchema {
 public:
+    // Throws for a text that is not JSON, and std::invalid_argument for a schema with another keyword: none is ignored.
     explicit JsonSchema(std::string_view schema);
     ~JsonSchema();
 
-    // Puts every difference of a document from the schema into `problems`, and returns the document with null for each
-    // value that differs. What is left has the types and ranges of the schema, but required members may be missing, and
-    // unknown ones there.
+    // Appends every difference of a document from the schema to `problems`, and returns the document with null in place
+    // of each value that differs. What is left has the types and ranges of the schema, but required members may be
+    // missing, and unknown ones are still there.
     nlohmann::json Check(const LocatedJson& document, Problems& problems) const;
 
 private:
