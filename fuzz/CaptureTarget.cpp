@@ -33,16 +33,16 @@ void RequireGoodSnapshot(const Capture::Snapshot& snapshot, std::uint64_t& last)
     }
     RegisterCache cache(frames);
     Capture::Restore(snapshot, cache);
-    const auto taken = Capture::Take(cache, Profile(), snapshot.time);
+    const auto taken = Capture::Take(cache, Profile().GetDeviceFrames(), snapshot.time);
     Require(taken.frames.size() == snapshot.frames.size(), "a cache holds what was put into it");
 }
 
 void WriteAndRead(const Capture& capture) {
-    const std::string text = capture.Write(Profile());
+    const std::string text = capture.Write(Profile().GetDeviceFrames());
     Problems problems;
-    const Capture again = Capture::Parse(text, Profile(), problems);
+    const Capture again = Capture::Parse(text, Profile().GetDeviceFrames(), problems);
     Require(problems.empty() && again.snapshots.size() == capture.snapshots.size(), "what was written can be read");
-    Require(again.Write(Profile()) == text, "what was read is written the same");
+    Require(again.Write(Profile().GetDeviceFrames()) == text, "what was read is written the same");
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Input catchesLog(nullptr, 0);
     Problems problems;
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    const Capture capture = Capture::Parse(text, Profile(), problems);
+    const Capture capture = Capture::Parse(text, Profile().GetDeviceFrames(), problems);
     Require(HasError(problems) == capture.snapshots.empty(), "there are snapshots, or an error");
     std::uint64_t last = 0;
     for (const auto& snapshot : capture.snapshots) {

@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::size_t REGISTERS_PER_LINE = 8;
 
-// What `text` holds from `position` on: exactly `count` digits. -1 for anything else.
+// The number in the `count` characters of `text` from `position`; -1 if one of them is not a digit.
 int Digits(std::string_view text, std::size_t position, std::size_t count, int base = 10) {
     int number = -1;
     const char* begin = text.data() + position;
@@ -51,17 +51,17 @@ std::optional<std::uint64_t> ParseTime(const std::string& text) {
     return static_cast<std::uint64_t>(instant.time_since_epoch().count());
 }
 
-std::uint64_t ReadTime(const JsonCursor& place, std::uint64_t usual) {
+std::uint64_t ReadTime(const JsonCursor& place, std::uint64_t fallback) {
     if (place->is_null()) {
-        return usual;
+        return fallback;
     }
     const auto time = ParseTime(place.Text());
     if (!time) {
         place.Error(Cited(*place) +
-                    " is no time; allowed: date and time in UTC from 1970 on, with milliseconds, as in "
+                    " is not a time; allowed: date and time in UTC from 1970 on, with milliseconds, as in "
                     "\"2026-03-14T09:26:53.589Z\"");
     }
-    return time.value_or(usual);
+    return time.value_or(fallback);
 }
 
 bool IsBits(const FrameData& frame) {
@@ -76,7 +76,7 @@ void ReadLine(const JsonCursor& line, const FrameData& frame, std::vector<std::u
         const int number = end - begin == 4 ? Digits(text, begin, 4, 16) : -1;
         if (number < 0 || (IsBits(frame) && number > 1)) {
             line.Error(Cited(nlohmann::json(text.substr(begin, end - begin))) +
-                       " is no register; allowed: " + (IsBits(frame) ? "0000 and 0001" : "four hexadecimal digits"));
+                       " is not a register; allowed: " + (IsBits(frame) ? "0000 and 0001" : "four hexadecimal digits"));
         }
         registers.push_back(static_cast<std::uint16_t>(number));
         begin = text.find_first_not_of(' ', end);
@@ -87,52 +87,64 @@ std::vector<std::uint16_t> ReadRegisters(const JsonCursor& list, const FrameData
     std::vector<std::uint16_t> registers;
     list.ForEach([&](const std::string&, const JsonCursor& line) { ReadLine(line, frame, registers); });
     if (registers.size() != frame.mLength && !list->is_null()) {
-        list.Error("there are " + std::to_string(registers.size()) + " registers; the frame has " +
+        list.Error("there are " + std::to_string(registers.size()) + " registers here, but the frame has " +
                    std::to_string(frame.mLength));
     }
     return registers;
 }
 
-RegisterCache::Quality ReadQuality(const JsonCursor& quality) {
-    return quality.Text() == "Bad"            ? QUALITY_BAD
-           : quality.Text() == "Questionable" ? QUALITY_QUESTIONABLE
-                                              : QUALITY_GOOD;
+// The schema allows the texts of these three.
+RegisterCache::Quality ReadQuality(const JsonCursor& place) {
+    for (const auto quality : {QUALITY_BAD, QUALITY_QUESTIONABLE}) {
+        if (place.Text() == ConvertToString(quality)) {
+            return quality;
+        }
+    }
+    return QUALITY_GOOD;
 }
 
-Capture::Snapshot ReadSnapshot(const JsonCursor& place, const LoadedProfile& profile) {
+// The index of the frame that a snapshot names. Nothing for an unknown one, which is reported.
+std::optional<std::uint8_t> ReadFrameName(const JsonCursor& name, const DeviceFrames& device) {
+    const auto known = std::find(device.names.begin(), device.names.end(), name.Text());
+    if (known != device.names.end()) {
+        return static_cast<std::uint8_t>(known - device.names.begin());
+    }
+    if (!name->is_null()) {
+        name.Error("the device has no frame " + Quoted(name.Text()) + Alternatives(name.Text(), device.names));
+    }
+    return std::nullopt;
+}
+
+Capture::Snapshot ReadSnapshot(const JsonCursor& place, const DeviceFrames& device) {
     Capture::Snapshot snapshot{ReadTime(place.At("time"), 0), {}};
     place.At("frames").ForEach([&](const std::string&, const JsonCursor& frame) {
         const JsonCursor name = frame.At("frame");
-        const auto known = std::find(profile.frameNames.begin(), profile.frameNames.end(), name.Text());
-        if (known == profile.frameNames.end()) {
-            if (!name->is_null()) {
-                name.Error("the profile has no such frame" + Alternatives(name.Text(), profile.frameNames));
-            }
+        const auto index = ReadFrameName(name, device);
+        if (!index) {
             return;
         }
-        const auto index = static_cast<std::uint8_t>(known - profile.frameNames.begin());
         if (std::any_of(snapshot.frames.begin(), snapshot.frames.end(),
-                        [index](const Capture::Frame& other) { return other.frameIndex == index; })) {
-            name.Error("the frame " + Quoted(*known) + " stands in the snapshot already");
+                        [index](const Capture::Frame& other) { return other.frameIndex == *index; })) {
+            name.Error("the frame " + Quoted(name.Text()) + " is already in this snapshot");
         }
-        snapshot.frames.push_back({index,
-                                   {ReadRegisters(frame.At("registers"), profile.model->GetFrames()[index]),
+        snapshot.frames.push_back({*index,
+                                   {ReadRegisters(frame.At("registers"), device.frames.at(*index)),
                                     ReadTime(frame.At("time"), snapshot.time), ReadQuality(frame.At("quality"))}});
     });
     return snapshot;
 }
 
-Capture ReadCapture(const JsonCursor& root, const LoadedProfile& profile) {
+Capture ReadCapture(const JsonCursor& root, const DeviceFrames& device) {
     Capture capture;
     const JsonCursor model = root.At("model");
-    if (!model->is_null() && model.Text() != profile.model->GetModelName()) {
-        model.Warning("the profile is of the model " + Quoted(profile.model->GetModelName()));
+    if (!model->is_null() && model.Text() != device.modelName) {
+        model.Warning("the capture is of another device model; expected: " + Quoted(device.modelName));
     }
     root.At("snapshots").ForEach([&](const std::string&, const JsonCursor& place) {
-        capture.snapshots.push_back(ReadSnapshot(place, profile));
+        capture.snapshots.push_back(ReadSnapshot(place, device));
         const std::size_t count = capture.snapshots.size();
         if (count > 1 && capture.snapshots[count - 1].time < capture.snapshots[count - 2].time && place.Has("time")) {
-            place.At("time").Error("the snapshot before this one is later; allowed: snapshots in the order of time");
+            place.At("time").Error("this snapshot is earlier than the one before it; sort snapshots by time");
         }
     });
     return capture;
@@ -152,8 +164,8 @@ std::vector<std::string> LinesOf(const std::vector<std::uint16_t>& registers) {
     return lines;
 }
 
-nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const LoadedProfile& profile) {
-    nlohmann::ordered_json text{{"frame", profile.frameNames.at(frame.frameIndex)}};
+nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const DeviceFrames& device) {
+    nlohmann::ordered_json text{{"frame", device.names.at(frame.frameIndex)}};
     if (frame.content.timestamp != snapshotTime) {
         text["time"] = kzm::DateTime::DateTime::ConvertToCalendarTime(frame.content.timestamp);
     }
@@ -166,23 +178,23 @@ nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapsh
 
 }  // namespace
 
-Capture Capture::Parse(std::string_view text, const LoadedProfile& profile, Problems& problems) {
-    static const JsonSchema STRUCTURE(GetSchema());
+Capture Capture::Parse(std::string_view text, const DeviceFrames& device, Problems& problems) {
+    static const JsonSchema SCHEMA(GetSchema());
     Problems found;
     Capture capture;
     const LocatedJson document = LocatedJson::Parse(text, found);
     if (document.IsRead()) {
-        const nlohmann::json content = STRUCTURE.Check(document, found);
-        capture = ReadCapture(JsonCursor(document, content, found), profile);
+        const nlohmann::json content = SCHEMA.Check(document, found);
+        capture = ReadCapture(JsonCursor(document, content, found), device);
     }
     SortByLine(found);
     problems.insert(problems.end(), found.begin(), found.end());
     return HasError(found) ? Capture{} : capture;
 }
 
-Capture::Snapshot Capture::Take(const RegisterCache& cache, const LoadedProfile& profile, std::uint64_t time) {
+Capture::Snapshot Capture::Take(const RegisterCache& cache, const DeviceFrames& device, std::uint64_t time) {
     Snapshot snapshot{time, {}};
-    for (std::size_t i = 0; i < profile.frameNames.size(); ++i) {
+    for (std::size_t i = 0; i < device.names.size(); ++i) {
         const auto index = static_cast<std::uint8_t>(i);
         RegisterCache::Frame frame = cache.GetFrame(index);
         if (!frame.registers.empty()) {
@@ -193,13 +205,12 @@ Capture::Snapshot Capture::Take(const RegisterCache& cache, const LoadedProfile&
     return snapshot;
 }
 
-std::string Capture::Write(const LoadedProfile& profile) const {
-    nlohmann::ordered_json text{{"model", profile.model->GetModelName()},
-                                {"snapshots", nlohmann::ordered_json::array()}};
+std::string Capture::Write(const DeviceFrames& device) const {
+    nlohmann::ordered_json text{{"model", device.modelName}, {"snapshots", nlohmann::ordered_json::array()}};
     for (const auto& snapshot : snapshots) {
         auto frames = nlohmann::ordered_json::array();
         for (const auto& frame : snapshot.frames) {
-            frames.push_back(Written(frame, snapshot.time, profile));
+            frames.push_back(Written(frame, snapshot.time, device));
         }
         text["snapshots"].push_back(
             {{"time", kzm::DateTime::DateTime::ConvertToCalendarTime(snapshot.time)}, {"frames", std::move(frames)}});

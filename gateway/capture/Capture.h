@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "gateway/Export.h"
+#include "gateway/cache/DeviceFrames.h"
 #include "gateway/cache/RegisterCache.h"
 #include "gateway/json/Problem.h"
-#include "gateway/profile/LoadedProfile.h"
 
 namespace kzm::ModbusGateway {
 
-// The frames of a device at one or more instants, as text that can be kept, replayed and sent with a bug report.
+// The frames of a device at one or more instants, as text that can be kept, replayed and sent with a bug report. A
+// value type: different captures may be used by different threads. Nothing of it logs.
 struct KZM_GATEWAY_EXPORT Capture {
     struct Frame {
         std::uint8_t frameIndex;
@@ -23,22 +24,26 @@ struct KZM_GATEWAY_EXPORT Capture {
         std::vector<Frame> frames;  // those that had been received
     };
 
-    std::vector<Snapshot> snapshots;  // in the order of time; at least one
+    std::vector<Snapshot> snapshots;  // sorted by time; Parse gives at least one, or none after an error
 
-    // Reads a capture made with a profile. Any error (no JSON, an unknown frame, a wrong number of registers, times
-    // that run backwards, ...) is put into `problems`; the capture is then empty. Never throws for the text.
-    static Capture Parse(std::string_view text, const LoadedProfile& profile, Problems& problems);
+    // Reads a capture of a device. Errors (no JSON, an unknown frame, a wrong number of registers, times that run
+    // backwards, ...) and warnings (another model) are appended to `problems`; after an error the result is empty. Only
+    // std::bad_alloc leaves this function, whatever the text. Thread-safe.
+    static Capture Parse(std::string_view text, const DeviceFrames& device, Problems& problems);
 
-    // The frames of a cache as they are now. The snapshot's time is `time`, or that of the newest frame if it is later.
-    static Snapshot Take(const RegisterCache& cache, const LoadedProfile& profile, std::uint64_t time);
+    // The frames that a cache holds now. The snapshot's time is `time` (milliseconds since 1970), or that of the newest
+    // frame if it is later. std::out_of_range if the cache has fewer frames than the device. Safe beside a writer of
+    // the cache.
+    static Snapshot Take(const RegisterCache& cache, const DeviceFrames& device, std::uint64_t time);
 
-    // The text form that Parse reads.
-    std::string Write(const LoadedProfile& profile) const;
+    // The text form that Parse reads. std::out_of_range if a frame is none of the device's.
+    std::string Write(const DeviceFrames& device) const;
 
-    // Puts the frames of a snapshot into a cache. Frames that the snapshot does not hold stay as they are.
+    // Puts the frames of a snapshot into a cache; what the cache holds of other frames stays. Throws what
+    // RegisterCache::Update throws if the cache is of another device; the frames before that one are then in.
     static void Restore(const Snapshot& snapshot, RegisterCache& cache);
 
-    // The JSON Schema (draft 7) of captures.
+    // The JSON Schema (draft 7) of captures, for editors.
     static std::string_view GetSchema();
 };
 

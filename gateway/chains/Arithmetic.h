@@ -10,8 +10,8 @@
 #include "gateway/chains/ExponentLimit.h"
 #include "gateway/chains/NumberOrder.h"
 
-// What the arithmetic rows of the table of chains compute. 28: the result is too large for its type; 42: division by
-// zero.
+// What the chains that calculate compute. OUT_OF_RANGE: the result is too large for its type; NOT_AVAILABLE: division
+// by zero.
 namespace kzm::ModbusGateway::Arithmetic {
 
 namespace Status = ModbusDeviceModel::Status;

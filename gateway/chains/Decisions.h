@@ -6,7 +6,7 @@
 #include "gateway/chains/ChainCall.h"
 #include "gateway/chains/NumberOrder.h"
 
-// What the rows of the table of chains compute that compare, combine or choose. 42: no label suits the value.
+// What the chains that compare, combine or choose compute. NOT_AVAILABLE: no label matches the value.
 namespace kzm::ModbusGateway::Decisions {
 
 namespace Status = ModbusDeviceModel::Status;
@@ -27,8 +27,10 @@ StatusCode Decide(const ChainCall& call, json& result) {
 template <unsigned ORDERS>
 bool Compare(const ChainCall& call) {
     const json& left = call[0];
-    const int order = left.is_number() ? OrderOf(left, call[1], call.settings.deadBand) : left == call[1] ? 0 : 1;
-    return (ORDERS >> (order + 1) & 1) != 0;
+    if (!left.is_number()) {
+        return (ORDERS & (left == call[1] ? EQUAL : GREATER)) != 0;
+    }
+    return (ORDERS >> (OrderOf(left, call[1], call.settings.deadBand) + 1) & 1) != 0;
 }
 
 template <bool INSIDE>
@@ -59,9 +61,10 @@ inline bool Bit(const ChainCall& call) {
 }
 
 inline bool Matches(const ChainSettings::Choice& choice, const json& value) {
-    return value.is_string()   ? value.get_ref<const std::string&>() == choice.text
-           : value.is_number() ? choice.value.is_number() && OrderOf(value, choice.value, 0) == 0
-                               : value == choice.value;
+    if (value.is_string()) {
+        return value.get_ref<const std::string&>() == choice.text;
+    }
+    return value.is_number() && choice.value.is_number() ? OrderOf(value, choice.value, 0) == 0 : value == choice.value;
 }
 
 // The label of the first choice that suits, or the default one.

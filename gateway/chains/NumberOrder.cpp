@@ -42,7 +42,9 @@ int SignOfSum(Terms terms) {
         parts[count] = carry;
     }
     for (const double part : parts) {
-        sign = part == 0 ? sign : part < 0 ? -1 : 1;
+        if (part != 0) {
+            sign = part < 0 ? -1 : 1;
+        }
     }
     return sign;
 }

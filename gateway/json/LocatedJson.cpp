@@ -43,15 +43,15 @@ private:
     TextPosition* mPosition;
 };
 
-// What the JSON library says about a text, without its own words around it and without citations.
+// The JSON library's message without its prefix and without quotations of the text.
 std::string WithoutJargon(std::string text) {
     const auto detail = text.find(" - ");
     text.erase(0, detail != std::string::npos ? detail + 3 : text.find("] ") + 2);
-    // Where a list or object could end, its end is only unexpected behind a comma.
+    // The end of a list or object is only unexpected after a comma.
     const bool isEnd =
         text.starts_with("unexpected ']'; expected '['") || text.starts_with("unexpected '}'; expected string");
     text.resize(std::min({text.find("; last read: "), text.find(" parsing '"), text.size()}));
-    return text + (isEnd ? "; is the comma before it one too many?" : "");
+    return text + (isEnd ? "; is there a comma too many before it?" : "");
 }
 
 }  // namespace
@@ -84,8 +84,8 @@ public:
         mDocument.mLines.push_back(mPosition.line);
         if (level.value->contains(name)) {
             const std::string pointer = Extend(PointerTo(mLevels.size() - 1), name);
-            Report(pointer, "this member stands in the object already, on line " +
-                                std::to_string(mDocument.GetLine(pointer)) + "; the first one counts");
+            Report(pointer, "this member is already defined on line " + std::to_string(mDocument.GetLine(pointer)) +
+                                "; the first one is used");
             level.slot = &mUnused.emplace_back();
         } else {
             level.slot = &(*level.value)[name];
@@ -96,7 +96,7 @@ public:
     }
 
     bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception& error) override {
-        Report("", "this is no JSON: " + WithoutJargon(error.what()));
+        Report("", "this is not JSON: " + WithoutJargon(error.what()));
         return false;
     }
 
@@ -135,7 +135,7 @@ private:
     bool Open(json empty) {
         if (mLevels.size() == MAX_DEPTH) {
             Report(PointerTo(MAX_DEPTH - 1),
-                   "lists and objects stand more than " + std::to_string(MAX_DEPTH) + " deep one in another");
+                   "lists and objects are nested more than " + std::to_string(MAX_DEPTH) + " deep");
             return false;
         }
         Put(std::move(empty));
@@ -200,7 +200,11 @@ std::size_t LocatedJson::GetLine(const std::string& pointer) const {
 std::string LocatedJson::Extend(const std::string& pointer, const std::string& token) {
     std::string result = pointer + '/';
     for (const char c : token) {
-        result += c == '~' ? "~0" : c == '/' ? "~1" : std::string(1, c);
+        if (c == '~' || c == '/') {
+            result += c == '~' ? "~0" : "~1";
+        } else {
+            result += c;
+        }
     }
     return result;
 }

@@ -11,25 +11,24 @@
 
 namespace kzm::ModbusGateway {
 
-// A JSON document that remembers on which line each value stands. Comments are allowed.
+// A JSON document that knows the line of each of its values. Comments are allowed.
 class LocatedJson {
 public:
-    // The most lists and objects that may stand one in another.
+    // How deep lists and objects may be nested.
     static constexpr std::size_t MAX_DEPTH = 64;
-    // The most bytes of a member's name, so that pointers stay short.
+    // The most bytes of a member's name; keeps pointers short.
     static constexpr std::size_t MAX_NAME_LENGTH = 256;
 
-    // Never throws for the text. A text that is no JSON, or passes these limits, gives one problem with its line; a
-    // member that stands twice in one object gives one, and the first counts. The root is null when the text could not
-    // be read.
+    // Never throws for the text. A text that is not JSON or exceeds these limits gives one problem with its line, and a
+    // null root; a member that occurs twice in an object gives one, and the first is used.
     static LocatedJson Parse(std::string_view text, Problems& problems);
 
-    // Whether the text could be read.
+    // Whether the text was JSON within the limits.
     bool IsRead() const { return mRead; }
     const nlohmann::json& GetRoot() const { return mRoot; }
 
-    // The line of the value at a JSON pointer, of a member its key's; that of its nearest parent for an unknown
-    // pointer.
+    // The line of the value at a JSON pointer (of a member, the line of its key); for an unknown pointer that of the
+    // nearest parent.
     std::size_t GetLine(const std::string& pointer) const;
 
     // The JSON pointer to a member or, by its number, an item of the value at `pointer`.

@@ -48,8 +48,8 @@ std::string Cited(const nlohmann::json& value) {
 
 std::string Alternatives(std::string_view unknown, const Names& known, const std::string& allowed) {
     const std::string suggestion = Suggestion(unknown, known);
-    return suggestion + (suggestion.empty() ? "; allowed: " : " Allowed: ") +
-           (allowed.empty() ? ListOf(known) : allowed);
+    const std::string list = allowed.empty() ? ListOf(known) : allowed;
+    return suggestion.empty() ? "; allowed: " + list : suggestion + " Allowed: " + list;
 }
 
 }  // namespace kzm::ModbusGateway

@@ -20,8 +20,9 @@ namespace {
 
 constexpr std::size_t MOST_MEANT = 3;
 constexpr const char* ELEMENTS = "elements.";
+constexpr const char* MAIN_PATH = "state";  // of an alarm or a protection, beside its snapshots
 
-// Where an attribute stands in an object: "elements.state.value" is "value" at the element path "state".
+// The path of an attribute within an object: "elements.state.value" is "value" at the element path "state".
 std::string DictionaryPath(const std::string& path, const std::string& attribute) {
     return path.empty() ? attribute : ELEMENTS + path + '.' + attribute;
 }
@@ -43,22 +44,20 @@ bool IsOf(const DictionaryEntry& entry, std::string_view text) {
 ElementKey::ElementKey(std::string text, std::string name, std::string alias)
     : mText(std::move(text)), mName(std::move(name)), mAlias(std::move(alias)) {}
 
-std::optional<ElementKey> ElementKey::Find(const std::string& text, std::string& fault) {
+ElementKey ElementKey::Find(const std::string& text) {
     std::string name;
     std::string alias;
     try {
         if (Vorta::GetIoTNameAndAlias(text, name, alias) != kz::orba::StatusCode{}) {
-            fault = "a custom key is " + Quoted(text) + " and an encoded alias";
-            return std::nullopt;
+            throw std::invalid_argument("an encoded alias is missing; a custom key is " + Quoted(text) +
+                                        " followed by one");
         }
     } catch (const std::invalid_argument& error) {
-        fault = Quoted(text) + " holds no encoded alias: " + error.what();
-        return std::nullopt;
+        throw std::invalid_argument(Quoted(text) + " is not a key: " + error.what());
     }
     ElementKey key(text, std::move(name), std::move(alias));
     if (key.mAlias.empty() && !key.IsInDictionary() && !DeviceElementLookUp::CheckIdVortaElement(text)) {
-        fault = "the dictionary has no key " + Quoted(text) + Suggestion(text);
-        return std::nullopt;
+        throw std::invalid_argument("the dictionary has no key " + Quoted(text) + Suggestion(text));
     }
     return key;
 }
@@ -102,9 +101,9 @@ Names ElementKey::GetPaths() const {
     if (paths.empty()) {
         return {""};
     }
-    // "state" stands after the snapshots in the alphabet, and nothing else has more than one path.
-    std::sort(paths.rbegin(), paths.rend());
+    std::sort(paths.begin(), paths.end());
     paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
+    std::stable_partition(paths.begin(), paths.end(), [](const std::string& path) { return path == MAIN_PATH; });
     return paths;
 }
 

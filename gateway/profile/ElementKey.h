@@ -1,7 +1,6 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,13 +9,13 @@
 
 namespace kzm::ModbusGateway {
 
-// A key of the data model under which a profile publishes an object, and what is known by it: an element of the
-// dictionary ("DTMinIA;MinIA"), an identification element ("394"), or a custom measurement or alarm with its encoded
-// alias ("7b8Cage_203").
+// A key of the data model under which a profile publishes an object, and what the dictionary knows of it: an element of
+// the dictionary ("DTMinIA;MinIA"), an identification element ("394"), or a custom measurement or alarm with its
+// encoded alias ("7b8Cage_203").
 class ElementKey {
 public:
-    // Nothing for a text that is no key; `fault` then says why, and what is near.
-    KZM_GATEWAY_EXPORT static std::optional<ElementKey> Find(const std::string& text, std::string& fault);
+    // Throws std::invalid_argument, with what is wrong and what is near, for a text that is not a key.
+    KZM_GATEWAY_EXPORT static ElementKey Find(const std::string& text);
 
     // `; did you mean "..."?` with up to three keys of the dictionary: those whose element has the text as its name or
     // is fed by the device element of that id, otherwise those that are spelt like the text. Empty if nothing is near.
@@ -29,7 +28,7 @@ public:
     KZM_GATEWAY_EXPORT std::string GetClassName() const;    // empty where only the type of the value can tell
     KZM_GATEWAY_EXPORT bool IsCustomAlarm() const;
 
-    // The element paths of the object that device elements feed, that of its value first.
+    // The element paths of the object that device elements feed, the one of its main value first.
     KZM_GATEWAY_EXPORT Names GetPaths() const;
     // The id of the device element that feeds an attribute ("value", "quality", "datetime") at an element path; empty
     // where none does.

@@ -9,20 +9,23 @@
 #include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/VortaObjectAdapter.h"
 #include "Device/DeviceModel.h"
+#include "gateway/cache/DeviceFrames.h"
 #include "gateway/json/NumberText.h"
 
 namespace kzm::ModbusGateway {
 
-// A device model made from a profile, and what the profile says beyond it. Read by many threads.
+// A device model made from a profile, and what the profile says beyond it. Built by ProfileLoader::Load. Reading it,
+// and requests to its models, may happen on many threads at once.
 struct LoadedProfile {
+    // An object that the profile publishes.
     struct Object {
         std::string name;
-        std::string alias;
-        std::string unit;  // may be empty
-        std::string key;   // its id in the data model; empty for an object without
-        // What it is before the device has filled it: of a key's structure, else empty.
+        std::string alias;  // may be empty
+        std::string unit;   // may be empty
+        std::string key;    // its id in the data model; empty for an object without
+        // The object before the device has filled it: the structure that belongs to its key, otherwise empty.
         nlohmann::json structure;
-        std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;
+        std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter> adapter;  // never null
         // How precise the number is that the device gives at an element path; "" is the top of the object.
         std::map<std::string, NumberPrecision> precisions = {};
     };
@@ -31,8 +34,8 @@ struct LoadedProfile {
     struct Alarm {
         std::string name;
         std::string alias;
-        nlohmann::json structure;  // of custom alarms
-        std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;
+        nlohmann::json structure;  // the object before its first evaluation
+        std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;  // never null
     };
 
     // An object that a service writes.
@@ -41,14 +44,16 @@ struct LoadedProfile {
         std::string alias;
     };
 
-    // The model's frames bear these names, in the order of their indexes.
-    std::vector<std::string> frameNames;
+    // The frames of the model with their names, e.g. for a Capture.
+    DeviceFrames GetDeviceFrames() const { return {model->GetModelName(), frameNames, model->GetFrames()}; }
+
+    std::vector<std::string> frameNames;  // of the model's frames, by their indexes
     // In the order of the profile.
     std::vector<Object> objects;
     std::vector<Alarm> alarms;
     std::vector<Service> services;
-    std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> model;
-    // Has the same frames, and finds the service mappings; never null.
+    std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> model;  // never null
+    // Has the same frames and finds the service mappings; never null.
     std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> serviceModel;
 };
 

@@ -1,5 +1,7 @@
 #include "gateway/profile/ObjectIdentity.h"
 
+#include <stdexcept>
+
 #include "edm/modbus/Vorta.h"
 
 namespace kzm::ModbusGateway {
@@ -8,18 +10,19 @@ namespace Vorta = edm::modbus::Vorta;
 
 namespace {
 
+// Nothing for a faulty key, which is reported.
 std::optional<ElementKey> ReadKey(const JsonCursor& place, bool ofAlarm) {
-    std::string fault;
-    auto key = ElementKey::Find(place.Text(), fault);
-    if (key && key->IsCustomAlarm() != ofAlarm) {
-        fault =
-            ofAlarm ? "the key of an alarm is \"86b\" and its encoded alias" : "custom alarms stand under \"alarms\"";
-        key.reset();
+    try {
+        ElementKey key = ElementKey::Find(place.Text());
+        if (key.IsCustomAlarm() == ofAlarm) {
+            return key;
+        }
+        place.Error(ofAlarm ? "the key of an alarm must be \"86b\" followed by its encoded alias"
+                            : "this is the key of a custom alarm; move it to \"alarms\"");
+    } catch (const std::invalid_argument& fault) {
+        place.Error(fault.what());
     }
-    if (!key) {
-        place.Error(fault);
-    }
-    return key;
+    return std::nullopt;
 }
 
 ObjectIdentity Read(const JsonCursor& place, const char* nameMember, bool ofAlarm) {
@@ -41,15 +44,16 @@ ObjectIdentity Read(const JsonCursor& place, const char* nameMember, bool ofAlar
 }
 
 void EncodeKey(const edm::modbus::StringCleaner& codec, ObjectIdentity& identity) {
-    std::string key = identity.alias;
-    codec.Encode(key);
-    std::string fault;
-    identity.key = identity.alias.empty() ? std::nullopt : ElementKey::Find(key, fault);
+    if (!identity.alias.empty()) {
+        std::string key = identity.alias;
+        codec.Encode(key);
+        identity.key = ElementKey::Find(key);
+    }
 }
 
 }  // namespace
 
-ObjectIdentity ObjectIdentity::OfObject(const JsonCursor& object) {
+ObjectIdentity ObjectIdentity::ReadObject(const JsonCursor& object) {
     ObjectIdentity identity = Read(object, "name", /*ofAlarm=*/false);
     if (!identity.key && Vorta::IsCustomMeasurementIoTName(identity.name)) {
         EncodeKey(Vorta::GetCustomMeasurementNameCodec(), identity);
@@ -57,7 +61,7 @@ ObjectIdentity ObjectIdentity::OfObject(const JsonCursor& object) {
     return identity;
 }
 
-ObjectIdentity ObjectIdentity::OfAlarm(const JsonCursor& alarm) {
+ObjectIdentity ObjectIdentity::ReadAlarm(const JsonCursor& alarm) {
     ObjectIdentity identity = Read(alarm, "object", /*ofAlarm=*/true);
     if (identity.name.empty() && !alarm.Has("key")) {
         identity.name = Vorta::GetCustomAlarmIotName();
@@ -66,6 +70,10 @@ ObjectIdentity ObjectIdentity::OfAlarm(const JsonCursor& alarm) {
         EncodeKey(Vorta::GetCustomAlarmNameCodec(), identity);
     }
     return identity;
+}
+
+std::string DescribeObject(const std::string& name, const std::string& alias) {
+    return "object " + Quoted(name) + (alias.empty() ? "" : " with the alias " + Quoted(alias));
 }
 
 }  // namespace kzm::ModbusGateway

@@ -71,13 +71,15 @@ ProfileAlarms::ProfileAlarms(const JsonCursor& section, ProfileElements& element
 }
 
 void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
+    const ObjectIdentity identity = ObjectIdentity::ReadAlarm(place);
+    mNames.push_back(identity.name);
     Operand left = ReadOperand(place, LEFT);
     Operand right = ReadOperand(place, RIGHT);
     CheckPrevious(place, left, right);
     CheckPrevious(place, right, left);
     const bool changes = ReadChanges(place, left, right);
     if (!place.Has("chain")) {
-        return;  // reported already
+        return;  // already reported
     }
     auto made = ChainFactory::MakeForAlarm(place.At("chain").Text(), LEFT, RIGHT, *place.At("settings"), mChains);
     ReportFaults(place, made);
@@ -92,7 +94,6 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
         inputs.insert({RIGHT, {right.place, right.Is(PREVIOUS) ? left.kind : right.kind}});
     }
     CheckInputKinds(made, inputs);
-    const ObjectIdentity identity = ObjectIdentity::OfAlarm(place);
     Keep(place,
          {identity.name, identity.alias, ObjectOf(identity),
           std::make_shared<ComputedAlarmElement>(
@@ -103,12 +104,13 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
 bool ProfileAlarms::ReadChanges(const JsonCursor& alarm, const Operand& left, const Operand& right) {
     const bool changes = alarm.Has("changes") && alarm.At("changes")->get<bool>();
     if (changes && left.operand && right.operand && !left.Is(PREVIOUS) && !right.Is(PREVIOUS)) {
-        alarm.At("changes").Error("an alarm that reports changes compares a measurement with its \"previous\" value");
+        alarm.At("changes").Error(
+            "an alarm that reports changes must compare a measurement with its \"previous\" value");
     }
     return changes;
 }
 
-// Where there is none, a chain that looks at the other one alone gets a null.
+// A missing operand is null; only chains that use just the left one may lack the right one.
 ProfileAlarms::Operand ProfileAlarms::ReadOperand(const JsonCursor& alarm, const char* side) {
     Operand operand{alarm.At(side)};
     if (!alarm->contains(side)) {
@@ -141,12 +143,14 @@ void ProfileAlarms::ReadElement(const std::string& name, Operand& operand) {
 
 void ProfileAlarms::ReadObject(const std::string& name, Operand& operand) const {
     const std::string object = operand.place.At("object").Text();
-    const auto* const known = mObjects.Find(object, operand.place.At("alias").Text());
+    const std::string alias = operand.place.At("alias").Text();
+    const auto* const known = mObjects.Find(object, alias);
     if (!known) {
-        operand.place.At("object").Error("there is no such object with this alias" +
+        operand.place.At("object").Error("there is no " + DescribeObject(object, alias) +
                                          Alternatives(object, mObjects.GetNames()));
     } else if (!known->adapter && !known->faulty) {
-        operand.place.At("object").Error("the object is no operand; allowed: objects with one value and its quality");
+        operand.place.At("object").Error(
+            "this object cannot be an operand; allowed: objects with one value and its quality");
     } else if (known->adapter) {
         operand.kind = known->kind;
         operand.operand = std::make_shared<MeasurementComputedAlarmOperand>(name, known->adapter);
@@ -158,22 +162,22 @@ void ProfileAlarms::CheckPrevious(const JsonCursor& alarm, const Operand& operan
         return;
     }
     if (opposite.operand && !opposite.Is(ComputedAlarmOperandType::MEASUREMENT)) {
-        operand.place.Error("a \"previous\" value is what the opposite operand was, which must be a measurement");
+        operand.place.Error("the opposite operand of a \"previous\" value must be a measurement");
     }
     const std::string record = alarm.At("name").Text() + *operand.operand->GetPreviousValueName();
     const auto [earlier, isNew] = mRecords.try_emplace(record, alarm);
     if (!isNew) {
-        operand.place.Error("the previous value would be kept as " + Quoted(record) +
-                            ", as that of the alarm on line " + std::to_string(earlier->second.GetLine()) +
-                            "; the alarm's name and the previous value's together must differ");
+        operand.place.Error("the previous value would be kept under the name " + Quoted(record) +
+                            ", like that of the alarm on line " + std::to_string(earlier->second.GetLine()) +
+                            "; rename one of the alarms or \"previous\" values");
     }
 }
 
 void ProfileAlarms::Keep(const JsonCursor& place, LoadedProfile::Alarm alarm) {
     const bool isNew = mComputed.emplace(DeviceModel::Key(alarm.name, alarm.alias), alarm.element).second;
     if (!isNew || mObjects.Find(alarm.name, alarm.alias)) {
-        place.Error("the object " + Quoted(alarm.name) + " with the alias " + Quoted(alarm.alias) +
-                    " stands in the profile already; give each alarm an \"alias\" of its own");
+        place.Error("the " + DescribeObject(alarm.name, alarm.alias) +
+                    " is already defined; give each alarm its own \"alias\"");
     }
     mAlarms.push_back(std::move(alarm));
 }

@@ -27,6 +27,9 @@ public:
     const std::vector<LoadedProfile::Alarm>& GetAlarms() const { return mAlarms; }
     const ModbusDeviceModel::Device::DeviceModel::ComputedAlarms& GetComputedAlarms() const { return mComputed; }
 
+    // Of the alarms' objects, including faulty ones.
+    const Names& GetNames() const { return mNames; }
+
 private:
     struct Operand {
         JsonCursor place;
@@ -48,6 +51,7 @@ private:
     const ProfileObjects& mObjects;
     const ChainRegistry& mChains;
     std::vector<LoadedProfile::Alarm> mAlarms;
+    Names mNames;
     ModbusDeviceModel::Device::DeviceModel::ComputedAlarms mComputed;
     std::map<std::string, JsonCursor> mRecords;  // the alarms, by the names of their previous values
 };

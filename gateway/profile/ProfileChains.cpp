@@ -1,6 +1,7 @@
 #include "gateway/profile/ProfileChains.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "Device/CustomMeasureClassName.h"
@@ -63,21 +64,18 @@ void CheckInputKinds(const ChainFactory::Result& made, const ChainInputsByName& 
     const auto best = std::min_element(alternatives.begin(), alternatives.end(),
                                        [](const auto& left, const auto& right) { return left.size() < right.size(); });
     for (const auto& [place, type] : *best) {
-        place.Error("the element does not suit the chain " + Quoted(made.chain->GetName()) +
-                    "; needed: " + Describe(type) + (made.signatures.size() > 1 ? ", as its other inputs are" : ""));
+        place.Error("this element cannot be an input of the chain " + Quoted(made.chain->GetName()) +
+                    "; needed: " + Describe(type) + (made.signatures.size() > 1 ? ", like its other inputs" : ""));
     }
 }
 
 std::string ClassNameOf(ChainResult result) {
-    constexpr LogicCodeIdentifier FLOAT{31};
-    constexpr LogicCodeIdentifier BOOLEAN{10};
-    constexpr LogicCodeIdentifier TEXT{62};
+    constexpr std::array<LogicCodeIdentifier, 3> CODES{LogicCodeIdentifier{31},   // NUMBER: float32
+                                                       LogicCodeIdentifier{10},   // BOOLEAN: boolean
+                                                       LogicCodeIdentifier{62}};  // LABEL: text
     std::string name;
-    ModbusDeviceModel::Device::CustomMeasureClassName::GetClassNameForLogicCode(result == ChainResult::NUMBER ? FLOAT
-                                                                                : result == ChainResult::BOOLEAN
-                                                                                    ? BOOLEAN
-                                                                                    : TEXT,
-                                                                                name);
+    ModbusDeviceModel::Device::CustomMeasureClassName::GetClassNameForLogicCode(
+        CODES.at(static_cast<std::size_t>(result)), name);
     return name;
 }
 

@@ -48,21 +48,16 @@ ProfileElements::Element ProfileElements::Resolve(const JsonCursor& role) {
     return role->is_string() ? GetNamed(role) : Read(role);
 }
 
-std::optional<ProfileRegisters> ProfileElements::GetRegisters(const JsonCursor& role) {
-    const auto found = role->is_string() ? Find(role) : mNamed.end();
-    if (role->is_string() && found == mNamed.end()) {
-        return std::nullopt;
+std::shared_ptr<const ProfileRegisters> ProfileElements::GetRegisters(const JsonCursor& role) {
+    const Element element = Get(role);
+    if (!element) {
+        return nullptr;
     }
-    const JsonCursor& place = role->is_string() ? found->second.place : role;
-    if (place->contains("constant") || place->contains("chain")) {
+    if (!element->registers) {
         role.Error("registers are needed here; allowed: an element with \"address\" and \"type\", or the name of one");
-        return std::nullopt;
+        return nullptr;
     }
-    auto registers = ProfileRegisters::Read(place, mFrames, mEnumerations);
-    if (registers) {
-        mFrames.MarkUsed(registers->frame);
-    }
-    return registers;
+    return {element, &*element->registers};
 }
 
 // The named element, marked as used; an unknown one is reported.
@@ -76,7 +71,7 @@ std::map<std::string, ProfileElements::Named>::iterator ProfileElements::Find(co
     for (const auto& known : mNamed) {
         names.push_back(known.first);
     }
-    role.Error("there is no such element under \"elements\"" + Alternatives(role.Text(), names));
+    role.Error("there is no element " + Quoted(role.Text()) + " under \"elements\"" + Alternatives(role.Text(), names));
     return found;
 }
 
@@ -117,20 +112,24 @@ ProfileElements::Element ProfileElements::Read(const JsonCursor& place) {
     const bool tooDeep = mDepth == MAX_COST;
     if (!tooDeep) {
         ++mDepth;
-        element = place->contains("constant") ? ReadConstant(place)
-                  : place->contains("chain")  ? ReadComputation(place)
-                                              : ReadElement(place);
+        element = ReadAny(place);
         --mDepth;
     }
     if (tooDeep || (element && element->cost > MAX_COST)) {
-        place.Error("one value of this element takes more than " + std::to_string(MAX_COST) +
-                    " elements and computations");
+        place.Error("reading this element takes more than " + std::to_string(MAX_COST) + " elements and computations");
         return nullptr;
     }
     if (element) {
         mLabels.insert(element->labels.begin(), element->labels.end());
     }
     return element;
+}
+
+std::shared_ptr<ProfileElement> ProfileElements::ReadAny(const JsonCursor& place) {
+    if (place->contains("constant")) {
+        return ReadConstant(place);
+    }
+    return place->contains("chain") ? ReadComputation(place) : ReadElement(place);
 }
 
 std::shared_ptr<ProfileElement> ProfileElements::ReadConstant(const JsonCursor& place) const {
@@ -142,11 +141,12 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadConstant(const JsonCursor& 
 }
 
 std::shared_ptr<ProfileElement> ProfileElements::ReadElement(const JsonCursor& place) {
-    const auto registers = ProfileRegisters::Read(place, mFrames, mEnumerations);
+    auto element = std::make_shared<ProfileElement>();
+    element->registers = ProfileRegisters::Read(place, mFrames, mEnumerations);
+    const auto& registers = element->registers;
     if (!registers) {
         return nullptr;
     }
-    auto element = std::make_shared<ProfileElement>();
     element->kind = KindOf(*registers->type);
     element->precision =
         PrecisionOf(ModbusDeviceModel::LogicCodeIdentifier{registers->type->code}, registers->scale, registers->offset);
@@ -178,7 +178,7 @@ bool ProfileElements::ReadScaledPower(const JsonCursor& place, const ProfileRegi
         return false;
     }
     if (!MayBe(exponent->kind, ProcessingChainOperandType::NUMBER)) {
-        role.Error("the element does not suit the role \"exponent\"; needed: a whole number");
+        role.Error("this element cannot be the \"exponent\"; needed: a whole number");
     }
     element.frames.insert(exponent->frames.begin(), exponent->frames.end());
     element.cost += exponent->cost;
@@ -203,7 +203,7 @@ std::shared_ptr<ProfileElement> ProfileElements::ReadComputation(const JsonCurso
         }
     });
     if (names.empty() || !place.Has("chain")) {
-        return nullptr;  // reported already
+        return nullptr;  // already reported
     }
     auto made = ChainFactory::Make(place.At("chain").Text(), names, *place.At("settings"), mChains);
     ReportFaults(place, made);

@@ -28,12 +28,13 @@ struct ProfileElement {
     NumberPrecision precision = NumberPrecision::DOUBLE;  // if it is a number
     std::string className;                                // empty for a constant
     const nlohmann::json* constant = nullptr;             // null for anything else
+    std::optional<ProfileRegisters> registers;            // only of an element of the device
     Names labels;                                         // that it can give
     std::set<std::uint8_t> frames;
     std::size_t cost = 1;  // elements and computations that one value takes
 };
 
-// The section "elements" of a device profile, and the elements that stand at an attribute's role itself.
+// The section "elements" of a device profile, and the elements that are defined where they are used.
 class ProfileElements {
 public:
     using Element = std::shared_ptr<const ProfileElement>;
@@ -45,8 +46,8 @@ public:
     ProfileElements(const JsonCursor& section, ProfileFrames& frames, ProfileEnumerations& enumerations,
                     const ChainRegistry& chains);
 
-    // What fills a role: the element that it names or is. Null for a role that is not there, and for a faulty one,
-    // which is reported.
+    // What fills a role: the element that it names, or the one defined there. Null if there is no such role, and for a
+    // faulty one, which is reported.
     Element Get(const JsonCursor& role);
 
     // Whether the section has an element of that name.
@@ -55,9 +56,9 @@ public:
     // An element that the section has; null for a faulty one.
     Element Get(const std::string& name);
 
-    // The registers that a role names or is. Nothing for anything else than an element of the device, and for a faulty
-    // one, which is reported.
-    std::optional<ProfileRegisters> GetRegisters(const JsonCursor& role);
+    // The registers behind a role, named or inline. Null, and reported, for constants, computations and faulty
+    // elements.
+    std::shared_ptr<const ProfileRegisters> GetRegisters(const JsonCursor& role);
 
     // Warns of named elements that were not asked for.
     void ReportUnused() const;
@@ -79,6 +80,7 @@ private:
     std::map<std::string, Named>::iterator Find(const JsonCursor& role);
     void ReadNamed(const std::string& name, Named& named);
     Element Read(const JsonCursor& place);
+    std::shared_ptr<ProfileElement> ReadAny(const JsonCursor& place);
     std::shared_ptr<ProfileElement> ReadConstant(const JsonCursor& place) const;
     std::shared_ptr<ProfileElement> ReadElement(const JsonCursor& place);
     std::shared_ptr<ProfileElement> ReadComputation(const JsonCursor& place);

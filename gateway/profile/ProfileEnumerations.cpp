@@ -17,9 +17,11 @@ using ModbusDeviceModel::DeviceProfile::RawView;
 namespace {
 
 std::uint32_t LargestRawValue(const LogicCodeRow& type) {
-    return type.view == RawView::U8    ? std::numeric_limits<std::uint8_t>::max()
-           : type.view == RawView::U16 ? std::numeric_limits<std::uint16_t>::max()
-                                       : std::numeric_limits<std::uint32_t>::max();
+    if (type.view == RawView::U8) {
+        return std::numeric_limits<std::uint8_t>::max();
+    }
+    return type.view == RawView::U16 ? std::numeric_limits<std::uint16_t>::max()
+                                     : std::numeric_limits<std::uint32_t>::max();
 }
 
 std::optional<float> ParseFloat(const std::string& text) {
@@ -64,10 +66,10 @@ std::optional<ProfileEnumerations::Pairs> ReadPairs(const JsonCursor& enumeratio
     enumeration.ForEach([&](const std::string& raw, const JsonCursor& label) {
         const auto pair = ParsePair(raw, label.Text(), type);
         if (!pair) {
-            label.Error(Quoted(raw) + " is no raw value of the type " + Quoted(type.name) +
+            label.Error(Quoted(raw) + " is not a raw value of the type " + Quoted(type.name) +
                         "; allowed: " + AllowedRawValues(type));
         } else if (!IsNew(*pair, seen)) {
-            label.Error("the raw value " + Quoted(raw) + " stands in the enumeration already, written differently");
+            label.Error("the raw value " + Quoted(raw) + " is already in the enumeration, written differently");
         } else if (!label->is_null()) {
             pairs->push_back(*pair);
         }
@@ -97,7 +99,7 @@ std::optional<ProfileEnumerations::Pairs> ProfileEnumerations::Get(const JsonCur
         for (const auto& known : mEnumerations) {
             names.push_back(known.first);
         }
-        use.Error("there is no such enumeration" + Alternatives(use.Text(), names));
+        use.Error("there is no enumeration " + Quoted(use.Text()) + Alternatives(use.Text(), names));
         return std::nullopt;
     }
     found->second.used = true;

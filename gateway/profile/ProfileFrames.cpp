@@ -40,7 +40,7 @@ ProfileFrames::ProfileFrames(const JsonCursor& section) {
         Frame frame{place, place.At("name").Text(), FunctionCodeOf(place.At("function")), !place.Has("addresses"), {}};
         const auto same = [&frame](const Frame& other) { return other.name == frame.name; };
         if (!frame.name.empty() && std::any_of(mFrames.begin(), mFrames.end(), same)) {
-            place.At("name").Error("there are two frames with the name " + Quoted(frame.name));
+            place.At("name").Error("another frame already has the name " + Quoted(frame.name));
         }
         if (frame.contiguous) {
             ReadRange(frame);
@@ -86,7 +86,7 @@ void ProfileFrames::ReadList(Frame& frame) {
             return;
         }
         if (std::count(frame.addresses.begin(), frame.addresses.end(), *address) != 0) {
-            item.Error("register " + std::to_string(*address) + " stands in the list already");
+            item.Error("register " + std::to_string(*address) + " is already in this list");
         }
         frame.addresses.push_back(static_cast<std::uint16_t>(*address));
     });
@@ -99,7 +99,8 @@ bool ProfileFrames::Frame::Holds(std::uint32_t address, std::uint32_t count) con
 }
 
 std::uint32_t ProfileFrames::Frame::DistanceTo(std::uint32_t address) const {
-    return address < sorted.front() ? sorted.front() - address : address > sorted.back() ? address - sorted.back() : 0;
+    const std::uint32_t nearest = std::clamp<std::uint32_t>(address, sorted.front(), sorted.back());
+    return std::max(address, nearest) - std::min(address, nearest);
 }
 
 std::string ProfileFrames::Frame::Describe() const {
@@ -125,8 +126,8 @@ std::optional<std::uint8_t> ProfileFrames::Find(const JsonCursor& element, std::
         return static_cast<std::uint8_t>(holder);
     }
     if (!holders.empty()) {
-        element.Error("more than one frame holds " + Registers(address, count) +
-                      "; say which one by \"frame\": " + ListOf(holders));
+        element.Error("several frames hold " + Registers(address, count) +
+                      "; choose one with \"frame\": " + ListOf(holders));
     } else if (mComplete) {
         element.At("address").Error("no frame holds " + Registers(address, count) + "; nearest: " + NearestTo(address));
     }
@@ -140,7 +141,7 @@ std::optional<std::uint8_t> ProfileFrames::FindNamed(const JsonCursor& element, 
         std::find_if(mFrames.begin(), mFrames.end(), [&name](const Frame& known) { return known.name == name; });
     if (frame == mFrames.end()) {
         if (mComplete) {
-            element.At("frame").Error("there is no such frame" + Alternatives(name, GetNames()));
+            element.At("frame").Error("there is no frame " + Quoted(name) + Alternatives(name, GetNames()));
         }
         return std::nullopt;
     }
@@ -162,15 +163,18 @@ std::string ProfileFrames::NearestTo(std::uint32_t address) const {
     return frames.front()->Describe() + (frames.size() > 1 ? ", " + frames[1]->Describe() : "");
 }
 
-std::string ProfileFrames::WhyNotWritable(std::uint8_t index) const {
+void ProfileFrames::RequireWritable(std::uint8_t index, const JsonCursor& element) const {
     const Frame& frame = mFrames[index];
-    const std::string obstacle =
-        frame.functionCode != ModbusFunctionCode::READ_HOLDING_REGISTERS ? "only holding registers can be"
-        : !frame.contiguous ? "a list of registers takes more than one request"
-        : frame.addresses.size() > MAX_WRITE_COUNT
-            ? "one request of function code 16 writes at most " + std::to_string(MAX_WRITE_COUNT) + " registers"
-            : "";
-    return obstacle.empty() ? "" : "the frame " + frame.Describe() + " cannot be written; " + obstacle;
+    const auto refuse = [&](const std::string& reason) {
+        element.Error("the frame " + frame.Describe() + " cannot be written: " + reason);
+    };
+    if (frame.functionCode != ModbusFunctionCode::READ_HOLDING_REGISTERS) {
+        refuse("only holding registers can be");
+    } else if (!frame.contiguous) {
+        refuse("a list of registers takes more than one request");
+    } else if (frame.addresses.size() > MAX_WRITE_COUNT) {
+        refuse("one request of function code 16 writes at most " + std::to_string(MAX_WRITE_COUNT) + " registers");
+    }
 }
 
 void ProfileFrames::ReportUnused() const {

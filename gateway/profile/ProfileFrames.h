@@ -21,8 +21,8 @@ public:
     // Nothing, with the error reported at the element, where there is none or more than one.
     std::optional<std::uint8_t> Find(const JsonCursor& element, std::uint32_t address, std::uint32_t count) const;
 
-    // Why function 16 cannot write a frame; empty when it can.
-    std::string WhyNotWritable(std::uint8_t index) const;
+    // Reports an error at the element unless function code 16 can write the frame.
+    void RequireWritable(std::uint8_t index, const JsonCursor& element) const;
 
     void MarkUsed(std::uint8_t index) { mFrames[index].used = true; }
     // Warns of frames that were not marked.

@@ -36,7 +36,15 @@ struct Sections {
           objects(root.At("objects"), elements),
           alarms(root.At("alarms"), elements, objects, chains),
           services(root.At("services"), elements, frames),
-          subgraphs(root) {}
+          subgraphs(root.At("subgraphs"), GetNames()) {}
+
+    // Whatever a sub-graph may contain, including faulty ones.
+    Names GetNames() const {
+        Names names = objects.GetNames();
+        names.insert(names.end(), alarms.GetNames().begin(), alarms.GetNames().end());
+        names.insert(names.end(), services.GetNames().begin(), services.GetNames().end());
+        return names;
+    }
 
     ProfileFrames frames;
     ProfileEnumerations enumerations;
@@ -82,11 +90,11 @@ std::unique_ptr<LoadedProfile> ReadProfile(const JsonCursor& root, const ChainRe
 }  // namespace
 
 ProfileLoader::Result ProfileLoader::Load(std::string_view text, const ChainRegistry& chains) {
-    static const JsonSchema STRUCTURE(GetSchema());
+    static const JsonSchema SCHEMA(GetSchema());
     Result result;
     const LocatedJson document = LocatedJson::Parse(text, result.problems);
     if (document.IsRead()) {
-        const nlohmann::json content = STRUCTURE.Check(document, result.problems);
+        const nlohmann::json content = SCHEMA.Check(document, result.problems);
         result.profile = ReadProfile(JsonCursor(document, content, result.problems), chains, result.problems);
     }
     SortByLine(result.problems);

@@ -56,7 +56,7 @@ bool IsEscapedRight(const std::string& path) {
     return true;
 }
 
-// The path among `paths` of which an attribute stands where `path` leads through; empty for none.
+// The path among `paths` one of whose attributes `path` leads through; empty for none.
 std::string PathInTheWay(const std::string& path, const nlohmann::json& paths) {
     for (auto end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1)) {
         const auto next = path.find('/', end + 1);
@@ -69,16 +69,18 @@ std::string PathInTheWay(const std::string& path, const nlohmann::json& paths) {
 }
 
 std::string UrnOf(const JsonCursor& object, const ObjectIdentity& identity, bool plain) {
-    return plain               ? ""
-           : object.Has("urn") ? object.At("urn").Text()
-                               : identity.name + (identity.alias.empty() ? "" : '/' + identity.alias);
+    if (plain || object.Has("urn")) {
+        return plain ? "" : object.At("urn").Text();
+    }
+    return identity.name + (identity.alias.empty() ? "" : '/' + identity.alias);
 }
 
 void ReportMissingValue(const JsonCursor& place, const std::string& path, const ElementKey& key) {
     const std::string source = key.GetSource(path, "value");
-    place.Error("nothing gives the value" + (path.empty() ? "" : " of the element path " + Quoted(path)) +
-                "; needed: a \"value\" here" +
-                (source.empty() ? "" : ", or the element " + Quoted(source) + " under \"elements\" of the profile"));
+    const std::string ofPath = path.empty() ? "" : " of the element path " + Quoted(path);
+    const std::string orElement =
+        source.empty() ? "" : ", or the element " + Quoted(source) + " under \"elements\" of the profile";
+    place.Error("nothing provides the value" + ofPath + "; needed: a \"value\" here" + orElement);
 }
 
 }  // namespace
@@ -88,13 +90,18 @@ ProfileObjects::ProfileObjects(const JsonCursor& section, ProfileElements& eleme
 }
 
 void ProfileObjects::ReadObject(const JsonCursor& place) {
-    const ObjectIdentity identity = ObjectIdentity::OfObject(place);
+    const ObjectIdentity identity = ObjectIdentity::ReadObject(place);
     const bool plain = place.Has("plain") && place.At("plain")->get<bool>();
     Draft draft{place, identity, plain, UrnOf(place, identity, plain)};
     ReadPaths(draft);
     ReadLabels(draft);
     if (identity.name.empty()) {
-        return;  // reported already
+        const std::string key = place.At("key").Text();  // faulty, and reported
+        mKnown.try_emplace({key, identity.alias}, Known{place, nullptr, draft.kind, /*faulty=*/true});
+        return;
+    }
+    if (identity.key) {
+        mNamesByKey.emplace(identity.key->GetText(), std::pair(identity.name, identity.alias));
     }
     const auto adapter = draft.adapters.size() == 1 ? draft.adapters.front() : nullptr;
     const auto [earlier, isNew] = mKnown.try_emplace(
@@ -102,9 +109,8 @@ void ProfileObjects::ReadObject(const JsonCursor& place) {
         Known{place, std::dynamic_pointer_cast<DataObjectAdapter>(adapter), draft.kind, draft.adapters.empty()});
     if (!isNew) {
         place.At(place.Has("name") ? "name" : "key")
-            .Error("the object " + Quoted(identity.name) +
-                   (identity.alias.empty() ? "" : " with the alias " + Quoted(identity.alias)) +
-                   " stands in the profile already, on line " + std::to_string(earlier->second.place.GetLine()));
+            .Error("the " + DescribeObject(identity.name, identity.alias) + " is already defined on line " +
+                   std::to_string(earlier->second.place.GetLine()));
     }
     if (!draft.adapters.empty()) {
         Keep(draft);
@@ -125,7 +131,6 @@ void ProfileObjects::Keep(const Draft& draft) {
         object.unit = draft.place.Has("unit") ? object.unit : key->GetUnit();
         object.structure = key->MakeObject(name, alias, object.unit);
         className = key->GetClassName().empty() ? className : key->GetClassName();
-        mNamesByKey.emplace(object.key, std::pair(name, alias));
     }
     KeepText(mUnits, draft, "unit", object.unit);
     KeepText(mClassNames, draft, "class", draft.place.Has("class") ? draft.place.At("class").Text() : className);
@@ -143,10 +148,10 @@ void ProfileObjects::ReadPaths(Draft& draft) {
         const std::string other = PathInTheWay(path, *stated);
         if (path.empty() || !IsEscapedRight(path)) {
             roles.Error(
-                "this is no element path; allowed: names with \"/\" between, in which \"~0\" and \"~1\" stand "
-                "for \"~\" and \"/\"");
+                "this is not an element path; allowed: names separated by \"/\", with \"~0\" for \"~\" and \"~1\" for "
+                "\"/\"");
         } else if (!other.empty()) {
-            roles.Error("the path leads through an attribute of the element path " + Quoted(other));
+            roles.Error("this path leads through an attribute of the element path " + Quoted(other));
         } else if (std::find(paths.begin(), paths.end(), path) == paths.end()) {
             paths.push_back(path);
         }
@@ -156,7 +161,7 @@ void ProfileObjects::ReadPaths(Draft& draft) {
     }
 }
 
-// What the object states counts before the named element that the dictionary provides for.
+// What the object states takes precedence over the named element that feeds it by the dictionary.
 ProfileObjects::Filling ProfileObjects::FillRole(const char* member, const char* attribute, const std::string& path,
                                                  const Draft& draft) {
     const bool atTop = path == draft.mainPath && draft.place->contains(member);
@@ -189,11 +194,11 @@ void ProfileObjects::ReadRoles(const std::string& path, Draft& draft) {
         if (role.type == AttributeAdapterType::VALUE) {
             value = element;
         } else if (draft.plain && !source.empty()) {
-            continue;  // the object does without
+            continue;  // not stated: a plain object goes without
         } else if (draft.plain) {
             place.Error("a plain object has a value and nothing else");
         } else if (!role.suits(*element)) {
-            place.Error("the element " + (source.empty() ? "" : Quoted(source) + ' ') + "does not suit the role " +
+            place.Error((source.empty() ? "this element" : "the element " + Quoted(source)) + " cannot be the " +
                         Quoted(role.member) + "; needed: " + role.needed);
         }
         draft.labels.insert(element->labels.begin(), element->labels.end());
@@ -226,7 +231,7 @@ void ProfileObjects::ReadLabels(const Draft& draft) {
     const Names known(draft.labels.begin(), draft.labels.end());
     labels.ForEach([&](const std::string& label, const JsonCursor& value) {
         if (draft.labelsKnown && draft.labels.count(label) == 0) {
-            value.Error("no enumeration of the object's elements has this label" + Alternatives(label, known));
+            value.Error("none of the object's elements has the label " + Quoted(label) + Alternatives(label, known));
         }
     });
     for (const auto& label : known) {
@@ -236,9 +241,9 @@ void ProfileObjects::ReadLabels(const Draft& draft) {
         if (!isNew && earlier->second.value != translation.value) {
             (place->is_null() ? draft.place : place)
                 .Error("the label " + Quoted(label) + " is translated into " + Cited(translation.value) +
-                       ", but by the object on line " + std::to_string(earlier->second.place.GetLine()) + " into " +
-                       Cited(earlier->second.value) +
-                       "; objects with one urn (all plain ones have none) share their labels");
+                       " here, but into " + Cited(earlier->second.value) + " by the object on line " +
+                       std::to_string(earlier->second.place.GetLine()) +
+                       "; objects with the same urn (plain objects have none) share their labels");
         }
     }
 }
@@ -250,9 +255,9 @@ void ProfileObjects::KeepText(TextByName& texts, const Draft& draft, const char*
     }
     const auto [kept, isNew] = texts.try_emplace(key ? key->GetText() : name, text);
     if (!isNew && kept->second != text) {
-        (draft.place.Has(member) ? draft.place.At(member) : draft.place)
-            .Warning("the model keeps one " + std::string(member) + " for all objects of a " + (key ? "key" : "name") +
-                     ": " + Quoted(kept->second) + ", not " + Quoted(text));
+        const JsonCursor place = draft.place.Has(member) ? draft.place.At(member) : draft.place;
+        place.Warning("all objects of one " + std::string(key ? "key" : "name") + " share one " + member + ": " +
+                      Quoted(kept->second) + " is used here, too, instead of " + Quoted(text));
     }
 }
 

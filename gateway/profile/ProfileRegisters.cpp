@@ -5,6 +5,7 @@
 
 #include "DataModel/LogicCodeDependency.h"
 #include "gateway/json/ProblemText.h"
+#include "gateway/profile/TypeSpelling.h"
 
 namespace kzm::ModbusGateway {
 
@@ -41,9 +42,11 @@ const LogicCodeRow* ReadType(const JsonCursor& type) {
         return number ? known.code == *number : known.name == type->get_ref<const std::string&>();
     });
     if (row == rows.end()) {
-        type.Error("there is no logic code " + Cited(*type) +
-                   Alternatives(type.Text(), NamesOfLogicCodes(),
-                                "the numbers 0 to " + std::to_string(rows.size() - 1) + " and their names"));
+        const auto spelling = FindTypeSpelling(type.Text());
+        const std::string all = "the numbers 0 to " + std::to_string(rows.size() - 1) + " and their names";
+        type.Error("there is no type " + Cited(*type) +
+                   (spelling ? "; " + DidYouMean(*spelling) + " Allowed: " + all
+                             : Alternatives(type.Text(), NamesOfLogicCodes(), all)));
         return nullptr;
     }
     return &*row;
@@ -63,10 +66,13 @@ std::optional<std::uint8_t> ReadCount(const JsonCursor& element, const LogicCode
     const std::string least = std::to_string(type.minRegisters);
     const std::string allowed =
         type.minRegisters == type.maxRegisters ? least : least + " to " + std::to_string(type.maxRegisters);
-    (count ? place : element)
-        .Error((count ? "an element of " + std::to_string(*count) + " registers does not suit"
-                      : std::string("\"count\" is missing, the number of registers of")) +
-               " the type " + Quoted(type.name) + "; allowed: " + allowed);
+    if (count) {
+        place.Error("the type " + Quoted(type.name) + " cannot have " + std::to_string(*count) +
+                    " registers; allowed: " + allowed);
+    } else {
+        element.Error("\"count\" is missing; the type " + Quoted(type.name) + " needs a number of registers, " +
+                      allowed);
+    }
     return std::nullopt;
 }
 
@@ -87,7 +93,7 @@ std::optional<Bytes> ReadBytes(const JsonCursor& place, std::size_t count) {
         bytes.push_back(byte);
     }
     if (bytes.size() != count || text.size() != 2 + 2 * count) {
-        place.Error(Cited(*place) + " does not suit the element; allowed: \"0x\" and " + std::to_string(2 * count) +
+        place.Error(Cited(*place) + " does not fit the element; needed: \"0x\" and " + std::to_string(2 * count) +
                     " hexadecimal digits, two per byte of the element");
         return std::nullopt;
     }
@@ -98,9 +104,10 @@ ByteOrderingEnum ReadOrder(const JsonCursor& order) {
     if (const auto number = order.Number()) {
         return static_cast<ByteOrderingEnum>(*number);
     }
-    return order.Text() == "big"      ? ByteOrderingEnum::BIG_ENDIAN_WORDS
-           : order.Text() == "little" ? ByteOrderingEnum::LITTLE_ENDIAN_WORDS
-                                      : ByteOrderingEnum::DEVICE_ORDER;
+    if (order.Text() == "big") {
+        return ByteOrderingEnum::BIG_ENDIAN_WORDS;
+    }
+    return order.Text() == "little" ? ByteOrderingEnum::LITTLE_ENDIAN_WORDS : ByteOrderingEnum::DEVICE_ORDER;
 }
 
 // Warns of members that do nothing for the type.
@@ -113,11 +120,11 @@ void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
                                                     {"order", power}};
     for (const auto& [member, idle] : members) {
         if (idle && element.Has(member)) {
-            element.At(member).Warning("has no effect on values of the type " + Quoted(type.name));
+            element.At(member).Warning(Quoted(member) + " has no effect on values of the type " + Quoted(type.name));
         }
     }
     if (element.Has("scale") && *element.At("scale") == 0 && scaling != Scaling::NONE) {
-        element.At("scale").Warning("makes every value the same");
+        element.At("scale").Warning("a \"scale\" of 0 makes every value the same");
     }
 }
 
@@ -129,7 +136,7 @@ void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCod
         bits = bits << 8 | byte;
     }
     if (std::ranges::count(bytes, 0) == std::ssize(bytes)) {
-        mask.Warning("leaves no bit of the registers");
+        mask.Warning("this mask removes every bit of the registers");
     } else if (pairs && type.labelType == EnumerationType::UNSIGNED_INTEGER) {
         if (type.family == Family::SHIFTED_ENUMERATION) {
             bits /= bits & (~bits + 1);  // until the lowest one is bit 0
@@ -137,8 +144,8 @@ void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCod
         const auto never =
             std::ranges::find_if(*pairs, [&](const auto& pair) { return pair.mValue.mUnsigned & ~bits; });
         if (never != pairs->end()) {
-            mask.Warning("never gives the raw value " + std::to_string(never->mValue.mUnsigned) + " of " +
-                         Quoted(never->mLabel));
+            mask.Warning("with this mask the raw value " + std::to_string(never->mValue.mUnsigned) + " of " +
+                         Quoted(never->mLabel) + " never occurs");
         }
     }
 }

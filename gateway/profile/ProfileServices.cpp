@@ -1,6 +1,7 @@
 #include "gateway/profile/ProfileServices.h"
 
 #include "DataModel/ServiceSourceMapping.h"
+#include "gateway/profile/ObjectIdentity.h"
 
 namespace kzm::ModbusGateway {
 
@@ -17,6 +18,7 @@ ProfileServices::ProfileServices(const JsonCursor& section, ProfileElements& ele
 
 void ProfileServices::ReadService(const JsonCursor& place) {
     const DeviceModel::Key key(place.At("name").Text(), place.At("alias").Text());
+    mNames.push_back(key.first);
     std::list<std::shared_ptr<ElementData>> elements;
     place.At("elements").ForEach([&](const std::string& attribute, const JsonCursor& role) {
         if (auto element = ReadElement(attribute, role)) {
@@ -25,13 +27,12 @@ void ProfileServices::ReadService(const JsonCursor& place) {
         }
     });
     if (!place.Has("name") || !place.Has("service")) {
-        return;  // reported already
+        return;  // already reported
     }
     const auto [earlier, isNew] = mPlaces.try_emplace(key, place);
     if (!isNew) {
-        place.At("name").Error("the service of the object " + Quoted(key.first) + " with the alias " +
-                               Quoted(key.second) + " stands in the profile already, on line " +
-                               std::to_string(earlier->second.GetLine()));
+        place.At("name").Error("a service for the " + DescribeObject(key.first, key.second) +
+                               " is already defined on line " + std::to_string(earlier->second.GetLine()));
     }
     const auto service = static_cast<ServiceIdentifier>(place.At("service")->get<std::int32_t>());
     mSources[{key.first, key.second}] = std::make_shared<ServiceSourceMapping>(service, std::move(elements));
@@ -43,10 +44,7 @@ std::shared_ptr<ElementData> ProfileServices::ReadElement(const std::string& att
     if (!registers) {
         return nullptr;
     }
-    const std::string obstacle = mFrames.WhyNotWritable(registers->frame);
-    if (!obstacle.empty()) {
-        role.Error(obstacle);
-    }
+    mFrames.RequireWritable(registers->frame, role);
     if (registers->type->family == Family::SCALED_POWER) {
         role.Error("values of the type " + Quoted(registers->type->name) + " cannot be written");
     }

@@ -21,6 +21,8 @@ public:
 
     // Valid when no error was reported. In the order of the profile.
     const std::vector<LoadedProfile::Service>& GetServices() const { return mServices; }
+    // Of the services' objects, including faulty ones.
+    const Names& GetNames() const { return mNames; }
     // The model that finds the services' elements.
     std::unique_ptr<ModbusDeviceModel::Device::DeviceModel> MakeModel(bool bigEndian) const;
 
@@ -34,6 +36,7 @@ private:
     ProfileElements& mElements;
     const ProfileFrames& mFrames;
     std::vector<LoadedProfile::Service> mServices;
+    Names mNames;
     std::map<DeviceModel::Key, JsonCursor> mPlaces;
     DeviceModel::Elements mTargets;
     DeviceModel::ServiceSources mSources;

@@ -1,42 +1,22 @@
 #include "gateway/profile/ProfileSubgraphs.h"
 
+#include <algorithm>
 #include <set>
-
-#include "gateway/profile/ObjectIdentity.h"
 
 namespace kzm::ModbusGateway {
 
 using ModbusDeviceModel::Device::DeviceModel;
 using ModbusDeviceModel::Device::VortaObjectCategory;
 
-namespace {
-
-// Of the objects, also of those that alarms and services have; faulty ones too.
-std::set<std::string> NamesOfObjects(const JsonCursor& profile) {
-    std::set<std::string> names;
-    profile.At("objects").ForEach(
-        [&](const std::string&, const JsonCursor& object) { names.insert(ObjectIdentity::OfObject(object).name); });
-    profile.At("alarms").ForEach(
-        [&](const std::string&, const JsonCursor& alarm) { names.insert(ObjectIdentity::OfAlarm(alarm).name); });
-    profile.At("services").ForEach([&](const std::string&, const JsonCursor& service) {
-        names.insert(service.At("name").Text());
-    });
-    return names;
-}
-
-}  // namespace
-
-ProfileSubgraphs::ProfileSubgraphs(const JsonCursor& profile) : mDynamic(profile.Has("subgraphs")) {
-    const std::set<std::string> known = NamesOfObjects(profile);
-    profile.At("subgraphs").ForEach([&](const std::string& category, const JsonCursor& names) {
+ProfileSubgraphs::ProfileSubgraphs(const JsonCursor& section, const Names& known) : mDynamic(!section->is_null()) {
+    section.ForEach([&](const std::string& category, const JsonCursor& names) {
         std::set<std::string> seen;
         names.ForEach([&](const std::string&, const JsonCursor& place) {
             const std::string name = place.Text();
-            if (!name.empty() && known.count(name) == 0) {
-                place.Error("there is no such object, alarm or service" +
-                            Alternatives(name, {known.begin(), known.end()}));
+            if (!name.empty() && std::find(known.begin(), known.end(), name) == known.end()) {
+                place.Error("there is no object, alarm or service " + Quoted(name) + Alternatives(name, known));
             } else if (!seen.insert(name).second) {
-                place.Error(Quoted(name) + " stands in the list already");
+                place.Error(Quoted(name) + " is already in this list");
             }
         });
         const auto number = ParseNumber(category);

@@ -12,8 +12,9 @@ namespace kzm::ModbusGateway {
 // The section "subgraphs" of a device profile, of a device of a dynamic class.
 class ProfileSubgraphs {
 public:
-    // Reads the section and reports what is wrong with it. `profile`: the whole one, for the names of its objects.
-    explicit ProfileSubgraphs(const JsonCursor& profile);
+    // Reads the section and reports what is wrong with it. `known`: the names of all objects, alarms and services,
+    // including faulty ones.
+    ProfileSubgraphs(const JsonCursor& section, const Names& known);
 
     // Gives the model the sub-graphs; without the section it stays one of a fixed class.
     void ApplyTo(ModbusDeviceModel::Device::DeviceModel& model) const;

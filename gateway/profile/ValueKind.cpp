@@ -10,11 +10,13 @@ using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
 using ModbusDeviceModel::DeviceProfile::ValueClass;
 
 ValueKind KindOf(const nlohmann::json& constant) {
-    return constant.is_number_float()     ? ValueKind::FLOAT
-           : constant.is_number_integer() ? ValueKind::INTEGER
-           : constant.is_boolean()        ? ValueKind::BOOLEAN
-           : constant.is_string()         ? ValueKind::TEXT
-                                          : ValueKind::OTHER;
+    if (constant.is_number()) {
+        return constant.is_number_float() ? ValueKind::FLOAT : ValueKind::INTEGER;
+    }
+    if (constant.is_boolean()) {
+        return ValueKind::BOOLEAN;
+    }
+    return constant.is_string() ? ValueKind::TEXT : ValueKind::OTHER;
 }
 
 ValueKind KindOf(const LogicCodeRow& type) {
@@ -39,9 +41,15 @@ ValueKind KindOf(const LogicCodeRow& type) {
 }
 
 ValueKind KindOf(ChainResult result) {
-    return result == ChainResult::NUMBER    ? ValueKind::NUMBER
-           : result == ChainResult::BOOLEAN ? ValueKind::BOOLEAN
-                                            : ValueKind::LABEL;
+    switch (result) {
+        case ChainResult::NUMBER:
+            return ValueKind::NUMBER;
+        case ChainResult::BOOLEAN:
+            return ValueKind::BOOLEAN;
+        case ChainResult::LABEL:
+            break;
+    }
+    return ValueKind::LABEL;
 }
 
 bool MayBe(ValueKind kind, ProcessingChainOperandType type) {

@@ -29,7 +29,8 @@ ExitStatus Record(const CaptureOptions& options) {
     ErrorReport report;
     const auto takeSnapshot = [&](const ModbusReader::Round& round) {
         report.Report(DescribeErrors(round, *profile));
-        Capture::Snapshot snapshot = Capture::Take(cache, *profile, DateTime::DateTime::GetRealTimeInMilliseconds());
+        Capture::Snapshot snapshot =
+            Capture::Take(cache, profile->GetDeviceFrames(), DateTime::DateTime::GetRealTimeInMilliseconds());
         if (!snapshot.frames.empty()) {
             capture.snapshots.push_back(std::move(snapshot));
         }
@@ -39,7 +40,7 @@ ExitStatus Record(const CaptureOptions& options) {
         throw Failure(ExitStatus::NOT_REACHED,
                       "interrupted before a frame was read; " + options.output + " is not written");
     }
-    file.Commit(capture.Write(*profile));
+    file.Commit(capture.Write(profile->GetDeviceFrames()));
     std::cout << options.output << ": " << Counted(capture.snapshots.size(), "snapshot") << ", "
               << capture.snapshots.back().frames.size() << " of " << Counted(profile->frameNames.size(), "frame")
               << '\n';

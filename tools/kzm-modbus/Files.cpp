@@ -87,7 +87,7 @@ std::unique_ptr<LoadedProfile> LoadProfile(const std::string& path) {
 
 Capture LoadCapture(const std::string& path, const LoadedProfile& profile) {
     Problems problems;
-    Capture capture = Capture::Parse(ReadFile(path), profile, problems);
+    Capture capture = Capture::Parse(ReadFile(path), profile.GetDeviceFrames(), problems);
     RefuseErrors(path, problems);
     return capture;
 }

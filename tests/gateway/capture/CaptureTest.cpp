@@ -1,5 +1,4 @@
 #include "gateway/capture/Capture.h"
-#include "gateway/profile/ProfileLoader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,6 +6,7 @@ namespace kzm::ModbusGateway {
 
 namespace {
 
+using ModbusDeviceModel::ModbusFunctionCode;
 using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
 using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
 
@@ -21,30 +21,28 @@ const std::string CAPTURE = R"({"model": "M", // comment
 
 class CaptureTest : public testing::Test {
 protected:
-    const std::unique_ptr<LoadedProfile> mProfile = ProfileLoader::Load(R"({
-        "device": {"model": "M"},
-        "frames": [{"name": "main", "function": 3, "address": 1, "count": 3},
-                   {"name": "bits", "function": 2, "address": 1, "count": 2}],
-        "objects": [{"name": "o", "value": {"address": 3, "type": "int16"}}]})")
-                                                        .profile;
+    const DeviceFrames mDevice{"M",
+                               {"main", "bits"},
+                               {{ModbusFunctionCode{3}, false, std::int16_t{0}, 3, std::uint16_t{1}},
+                                {ModbusFunctionCode{2}, false, std::int16_t{0}, 2, std::uint16_t{1}}}};
     Problems mProblems;
 
-    Capture Parse(const std::string& text) { return Capture::Parse(text, *mProfile, mProblems); }
+    Capture Parse(const std::string& text) { return Capture::Parse(text, mDevice, mProblems); }
 };
 
 TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
-    RegisterCache cache(mProfile->model->GetFrames());
+    RegisterCache cache(mDevice.frames);
     cache.Update(0, std::vector<std::uint16_t>{0xABCD, 0, 7}, TIME + 5, QUALITY_BAD);
     Capture capture;
-    capture.snapshots.push_back(Capture::Take(cache, *mProfile, TIME));
+    capture.snapshots.push_back(Capture::Take(cache, mDevice, TIME));
     EXPECT_EQ(capture.snapshots[0].time, TIME + 5);  // never older than what it holds
     ASSERT_EQ(capture.snapshots[0].frames.size(), 1U);
-    const std::string text = capture.Write(*mProfile);
+    const std::string text = capture.Write(mDevice);
     EXPECT_NE(text.find("\"ABCD 0000 0007\""), std::string::npos) << text;
 
     const Capture read = Parse(text);
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
-    EXPECT_EQ(read.Write(*mProfile), text);
+    EXPECT_EQ(read.Write(mDevice), text);
 }
 
 TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
@@ -58,20 +56,20 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
         {"\"snapshots\": [", "\"snapshots\": [1, ", 2, "/snapshots/0", "1 is not allowed"},
         {"\"main\"", "\"mian\"", 4, "/snapshots/0/frames/0/frame", "did you mean \"main\"?"},
         {"\"bits\"", "\"main\"", 5, "/snapshots/0/frames/1/frame", "already"},
-        {"\" FFFF\"", "\"\"", 4, "/snapshots/0/frames/0/registers", "2 registers; the frame has 3"},
-        {"FFFF", "FFF", 4, "/snapshots/0/frames/0/registers/1", "\"FFF\" is no register; allowed: four hexadecimal"},
-        {"FFFF", "-FFF", 4, "/snapshots/0/frames/0/registers/1", "is no register"},
+        {"\" FFFF\"", "\"\"", 4, "/snapshots/0/frames/0/registers", "2 registers here, but the frame has 3"},
+        {"FFFF", "FFF", 4, "/snapshots/0/frames/0/registers/1", "\"FFF\" is not a register; allowed: four hexadecimal"},
+        {"FFFF", "-FFF", 4, "/snapshots/0/frames/0/registers/1", "is not a register"},
         {"0001 0000", "0002 0000", 5, "/snapshots/0/frames/1/registers/0", "0000 and 0001"},
         {"Bad", "bad", 5, "/snapshots/0/frames/1/quality", "\"Good\", \"Bad\", \"Questionable\""},
-        {"2024-02-29", "2023-02-29", 5, "/snapshots/0/frames/1/time", "is no time"},
-        {"23:59:59", "24:00:00", 5, "/snapshots/0/frames/1/time", "is no time"},
-        {"23:59:59", "23:59:60", 5, "/snapshots/0/frames/1/time", "is no time"},
+        {"2024-02-29", "2023-02-29", 5, "/snapshots/0/frames/1/time", "is not a time"},
+        {"23:59:59", "24:00:00", 5, "/snapshots/0/frames/1/time", "is not a time"},
+        {"23:59:59", "23:59:60", 5, "/snapshots/0/frames/1/time", "is not a time"},
         {"2024-02-29", "1969-12-31", 5, "/snapshots/0/frames/1/time", "from 1970 on"},
         {"59.001Z", "59Z", 5, "/snapshots/0/frames/1/time", "milliseconds"},
-        {"59.001Z", "59.+01Z", 5, "/snapshots/0/frames/1/time", "is no time"},
-        {"54.000Z", "53.588Z", 6, "/snapshots/1/time", "in the order of time"},
+        {"59.001Z", "59.+01Z", 5, "/snapshots/0/frames/1/time", "is not a time"},
+        {"54.000Z", "53.588Z", 6, "/snapshots/1/time", "sort snapshots by time"},
         {"\"frames\": []", "\"frame\": []", 6, "/snapshots/1", "\"frames\" is missing"},
-        {"\"M\"", "\"N", 1, "", "this is no JSON"},
+        {"\"M\"", "\"N", 1, "", "this is not JSON"},
     };
     for (const auto& row : rows) {
         mProblems.clear();
@@ -86,8 +84,8 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
 }
 
 TEST_F(CaptureTest, OfAnotherModelGivesAWarning) {
-    mProfile->model->SetModelName("N");
-    EXPECT_FALSE(Parse(CAPTURE).snapshots.empty());
+    const DeviceFrames other{"N", mDevice.names, mDevice.frames};
+    EXPECT_FALSE(Capture::Parse(CAPTURE, other, mProblems).snapshots.empty());
     ASSERT_EQ(mProblems.size(), 1U);
     EXPECT_FALSE(HasError(mProblems));
 }

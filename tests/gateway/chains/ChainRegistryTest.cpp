@@ -71,7 +71,8 @@ TEST(ChainRegistry, AProfileNamesTheChainsOfItsProgram) {
          R"(5 /objects/0/value/chain: there is no chain "abov"; did you mean "above" or "above left"? Allowed: "sum")"},
         {R"({"value": "level"})", R"({"x": "level"})",
          R"(5 /objects/0/value/inputs: the chain "above" does not have the inputs "x"; needed: exactly "value")"},
-        {R"({"value": "level"})", R"({"value": {"constant": "x"}})", R"(5 /objects/0/value/inputs/value: the element)"},
+        {R"({"value": "level"})", R"({"value": {"constant": "x"}})",
+         R"(5 /objects/0/value/inputs/value: this element cannot)"},
         {R"("above left")", R"("above")", R"(7 /alarms/0/inputs: the chain "above" does not have the inputs "left")"},
         {R"("above left")", R"("none")", R"(7 /alarms/0/chain: the chain "none" does not give true or false; allowed)"},
     };

@@ -38,11 +38,11 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
         std::size_t line;
         const char* message;
     } rows[] = {
-        {"", 1, "this is no JSON: unexpected end of input"},
+        {"", 1, "this is not JSON: unexpected end of input"},
         {"{\n\"a\": 1\n\"b\": 2}", 3, "unexpected string literal; expected '}'"},
-        {"[1,\n\n]", 3, "unexpected ']'; expected '[', '{', or a literal; is the comma before it one too many?"},
-        {"{\"a\": 1,\n}", 2, "unexpected '}'; expected string literal; is the comma before it one too many?"},
-        {"[1\n,tru\n]", 2, "this is no JSON: invalid literal"},
+        {"[1,\n\n]", 3, "unexpected ']'; expected '[', '{', or a literal; is there a comma too many before it?"},
+        {"{\"a\": 1,\n}", 2, "unexpected '}'; expected string literal; is there a comma too many before it?"},
+        {"[1\n,tru\n]", 2, "this is not JSON: invalid literal"},
         {"[12\n}", 2, "unexpected '}'"},
         {"\n\"\xFF\"", 2, "ill-formed UTF-8"},
         {"[1e999]", 1, "number overflow"},
@@ -60,6 +60,23 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
         EXPECT_NE(problems[0].message.find(row.message), std::string::npos) << problems[0].message;
         EXPECT_FALSE(document.IsRead());
         EXPECT_TRUE(document.GetRoot().is_null());
+    }
+}
+
+TEST(LocatedJson, NestingAndNamesReachTheirLimitsAndNoFurther) {
+    const struct {
+        std::size_t depth;
+        std::size_t nameLength;
+        bool isRead;
+    } rows[] = {{LocatedJson::MAX_DEPTH, LocatedJson::MAX_NAME_LENGTH, true},
+                {LocatedJson::MAX_DEPTH + 1, LocatedJson::MAX_NAME_LENGTH, false},
+                {LocatedJson::MAX_DEPTH, LocatedJson::MAX_NAME_LENGTH + 1, false}};
+    for (const auto& row : rows) {
+        Problems problems;
+        const std::string text = std::string(row.depth - 1, '[') + "{\"" + std::string(row.nameLength, 'n') + "\": 1}" +
+                                 std::string(row.depth - 1, ']');
+        EXPECT_EQ(LocatedJson::Parse(text, problems).IsRead(), row.isRead) << row.depth << ' ' << row.nameLength;
+        EXPECT_EQ(problems.empty(), row.isRead);
     }
 }
 

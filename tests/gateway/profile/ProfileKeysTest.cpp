@@ -157,14 +157,14 @@ TEST(ProfileKeys, FaultsAreToldWithTheirRemedy) {
     ExpectOneProblemEach(PROFILE, R"(
 "key": "1d" => "key": "minia" => 14 /objects/2/key: the dictionary has no key "minia" => did you mean "DTMinIA;MinIA"
 "key": "1d" => "key": "XCBR1_Pos" => 14 /objects/2/key: the dictionary has no key "XCBR1_Pos" => did you mean "15" or "59"?
-"key": "394" => "key": "7b8" => 18 /objects/6/key: a custom key is "7b8" and an encoded alias
-"key": "394" => "key": "7b8_zz" => 18 /objects/6/key: "7b8_zz" holds no encoded alias
-"key": "394" => "key": "86bA" => 18 /objects/6/key: custom alarms stand under "alarms"
-{"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}} => {"key": "VAB"} => 18 /objects/6: nothing gives the value; needed: a "value" here, or the element "VAB" under "elements"
-"snapshot_rms_current_phs_a": {"value": {"constant": 7}} => "snapshot_rms_current_phs_c": {"quality": {"constant": "Good"}} => 15 /objects/3/elements/snapshot_rms_current_phs_c: nothing gives the value of the element path => the element "IC _VLoss"
-"G_PTOC1_Op_Qual": {"address": 4, "type": "enum16", "mask": "0x0002", "enumeration": "validity"} => "G_PTOC1_Op_Qual": {"address": 4, "type": "int16"} => 13 /objects/1: the element "G_PTOC1_Op_Qual" does not suit the role "quality" => needed: a text
-{"key": "1d"} => {"key": "DTMinIA;MinIA"} => 14 /objects/2/key: the object "ElectricalMeasurement.RmsMinCurrentPhsA" stands in the profile already
-"alias": "west", "unit": "kA" => "alias": "west", "unit": "mA" => warning 17 /objects/5/unit: the model keeps one unit for all objects of a key => "kA", not "mA")");
+"key": "394" => "key": "7b8" => 18 /objects/6/key: "7b8" is not a key: an encoded alias is missing
+"key": "394" => "key": "7b8_zz" => 18 /objects/6/key: "7b8_zz" is not a key: 
+"key": "394" => "key": "86bA" => 18 /objects/6/key: this is the key of a custom alarm => "alarms"
+{"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}} => {"key": "VAB"} => 18 /objects/6: nothing provides the value; needed: a "value" here, or the element "VAB" under "elements"
+"snapshot_rms_current_phs_a": {"value": {"constant": 7}} => "snapshot_rms_current_phs_c": {"quality": {"constant": "Good"}} => 15 /objects/3/elements/snapshot_rms_current_phs_c: nothing provides the value of the element path => the element "IC _VLoss"
+"G_PTOC1_Op_Qual": {"address": 4, "type": "enum16", "mask": "0x0002", "enumeration": "validity"} => "G_PTOC1_Op_Qual": {"address": 4, "type": "int16"} => 13 /objects/1: the element "G_PTOC1_Op_Qual" cannot be the "quality" => needed: a text
+{"key": "1d"} => {"key": "DTMinIA;MinIA"} => 14 /objects/2/key: the object "ElectricalMeasurement.RmsMinCurrentPhsA" is already defined
+"alias": "west", "unit": "kA" => "alias": "west", "unit": "mA" => warning 17 /objects/5/unit: all objects of one key share one unit => "kA" is used here, too, instead of "mA")");
 }
 
 }  // namespace

@@ -94,51 +94,81 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 "count": 20 => "count": 126 => 4 /frames/0/count: 126 are too many => at most 125
 "count": 4 => "count": 2001 => 6 /frames/2/count: 2001 is not => 1 to 2000
 "address": 500, "count": 4 => "address": 65500, "count": 37}, {"name": "more", "function": 1, "address": 500, "count": 4 => 6 /frames/2/count: the frame ends at => 65536; the last register of a device is 65535
-"bits" => "main" => 6 /frames/2/name: there are two frames => "main"
-"0x5", 6 => "0x5", 6, 5 => 5 /frames/1/addresses/3: register 5 stands => already
+"bits" => "main" => 6 /frames/2/name: another frame already has => "main"
+"0x5", 6 => "0x5", 6, 5 => 5 /frames/1/addresses/3: register 5 is already
 "addresses": => "count": 3, "addresses": => 5 /frames/1/addresses: a frame has either => not both
 // elements
-"int32" => "imt32" => 12 /objects/0/value/type: there is no logic code => did you mean "int32"?
+"int32" => "imt32" => 12 /objects/0/value/type: there is no type => did you mean "int32"?
+"int32" => "FLOAT32" => 12 /objects/0/value/type: there is no type "FLOAT32" => did you mean "float32"? Allowed
+"int32" => "float_cdab" => 12 /objects/0/value/type: there is no type "float_cdab"; did you mean "float32" with "order": "little"? => Allowed
 "int32", "scale": 0.5, "offset": 1 => 36 => 12 /objects/0/value: the type "scaled-power-36" needs an => "exponent"
-"int32" => "int32", "count": 1 => 12 /objects/0/value/count: an element of 1 registers => allowed: 2
-, "count": 2, => , => 16 /objects/3/value: "count" is missing => allowed: 1 to 127
+"int32" => "int32", "count": 1 => 12 /objects/0/value/count: the type "int32" cannot have 1 registers => allowed: 2
+, "count": 2, => , => 16 /objects/3/value: "count" is missing => 1 to 127
 "address": 116 => "address": 117 => 10 /elements/clock/address: no frame holds registers 117 to 120 => nearest: "main" (100 to 119), "list" (3 of 5 to 7)
 "address": 5, => "address": 7, "frame": "list", => 14 /objects/2/value/address: the frame "list" (3 of 5 to 7) does not hold
-"address": 5, => "address": 5, "frame": "lst", => 14 /objects/2/value/frame: there is no such frame => did you mean "list"? Allowed: "main", "list", "bits"
+"address": 5, => "address": 5, "frame": "lst", => 14 /objects/2/value/frame: there is no frame "lst" => did you mean "list"? Allowed: "main", "list", "bits"
 "address": 500 => "address": 510 => 15 /objects/2/elements/a~1b/value/address
-"0x00F0" => "0x00F" => 13 /objects/1/value/mask: "0x00F" does not suit => "0x" and 4 hexadecimal
+"0x00F0" => "0x00F" => 13 /objects/1/value/mask: "0x00F" does not fit => "0x" and 4 hexadecimal
 "0xFFFFFFFF" => "0xFFFFFF0G" => 14 /objects/2/value/notAvailable: "0xFFFFFF0G" does => 8 hexadecimal
-"type": 44 => "type": 44, "scale": 2 => warning 10 /elements/clock/scale: has no effect => iec870
-"scale": 0.5 => "scale": 0 => warning 12 /objects/0/value/scale: makes every value the same
-"0x00F0" => "0x0000" => warning 13 /objects/1/value/mask: leaves no bit of the registers
-[7, => [102, 7, => 13 /objects/1/value: more than one frame holds register 102 => "main", "list"
-"int32" => "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaé" => 12 /objects/0/value/type: there is no logic code "aaaaaaaaaaaaaaaaaa => a...
+"type": 44 => "type": 44, "scale": 2 => warning 10 /elements/clock/scale: "scale" has no effect => iec870
+"scale": 0.5 => "scale": 0 => warning 12 /objects/0/value/scale: a "scale" of 0 makes every value the same
+"0x00F0" => "0x0000" => warning 13 /objects/1/value/mask: this mask removes every bit
+[7, => [102, 7, => 13 /objects/1/value: several frames hold register 102 => "main", "list"
+"int32" => "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaé" => 12 /objects/0/value/type: there is no type "aaaaaaaaaaaaaaaaaa => a...
 // enumerations
-"enum16", "mask": "0x00F0" => "enum-float32" => 8 /enumerations/state/0x1: "0x1" is no raw value of the type "enum-float32" => a number
+"enum16", "mask": "0x00F0" => "enum-float32" => 8 /enumerations/state/0x1: "0x1" is not a raw value of the type "enum-float32" => a number
 "text", "count": 2 => "enum-text", "enumeration": "state" => 16 /objects/3/value: "count" is missing => 1 to 127
-"0x1" => "16" => warning 13 /objects/1/value/mask: never gives the raw value 16 of "On"
-"0x1" => "0x10000" => 8 /enumerations/state/0x10000: "0x10000" is no raw value => 0 to 65535
+"0x1" => "16" => warning 13 /objects/1/value/mask: with this mask the raw value 16 of "On"
+"0x1" => "0x10000" => 8 /enumerations/state/0x10000: "0x10000" is not a raw value => 0 to 65535
 "0x1" => "0x00" => 8 /enumerations/state/0x00: the raw value => already
-"enumeration": "state" => "enumeration": "stat" => 13 /objects/1/value/enumeration: there is no => state
+"enumeration": "state" => "enumeration": "stat" => 13 /objects/1/value/enumeration: there is no enumeration "stat" => state
 "enum16" => "uint16" => 13 /objects/1/value/enumeration: values of the type "uint16" => no labels
 "text" => "enum-text" => 16 /objects/3/value: the type "enum-text" needs => "enumeration"
-"On": true => "on": true => 13 /objects/1/labels/on: no enumeration => did you mean "On"?
+"On": true => "on": true => 13 /objects/1/labels/on: none of => did you mean "On"?
 // objects
-"Plain", => "State", "alias": "x", => 16 /objects/3/name: the object "State" with the alias "x" => line 13
-"State", "alias": "x" => "Number", "unit": "B", "alias": "x", "class": "$iot.measurement.NumericalMeasurementValue<Integer>" => warning 13 /objects/1/unit: the model keeps one => "A"
+"Plain", => "State", "alias": "x", => 16 /objects/3/name: the object "State" with the alias "x" is already defined on line 13
+"State", "alias": "x" => "Number", "unit": "B", "alias": "x", "class": "$iot.measurement.NumericalMeasurementValue<Integer>" => warning 13 /objects/1/unit: all objects of one name share one unit => "A"
 "Plain", => "Plain", "timestamp": "clock", => 16 /objects/3/timestamp: a plain object
-"timestamp": "clock" => "timestamp": "clok" => 12 /objects/0/timestamp: there is no such element => did you mean "clock"?
-"timestamp": "clock" => "quality": "clock" => 12 /objects/0/quality: the element does not suit => a text
-{"constant": "Good"} => {"constant": 1} => 15 /objects/2/elements/a~1b/quality: the element does not
-"a/b" => "a~b" => 15 /objects/2/elements/a~0b: this is no element path => "~0"
-"a/b": => "a": {"value": "clock"}, "a/value": => 15 /objects/2/elements/a~1value: the path leads => "a"
-{"name": "Plain" => {"name": "T", "urn": "State/x", "value": {"address": 103, "type": "enum16", "enumeration": "state"}}, {"name": "Plain" => 16 /objects/3: the label "On" is translated into "On" => line 13 into true
+"timestamp": "clock" => "timestamp": "clok" => 12 /objects/0/timestamp: there is no element => did you mean "clock"?
+"timestamp": "clock" => "quality": "clock" => 12 /objects/0/quality: this element cannot => a text
+{"constant": "Good"} => {"constant": 1} => 15 /objects/2/elements/a~1b/quality: this element cannot
+"a/b" => "a~b" => 15 /objects/2/elements/a~0b: this is not an element path => "~0"
+"a/b": => "a": {"value": "clock"}, "a/value": => 15 /objects/2/elements/a~1value: this path leads => "a"
+{"name": "Plain" => {"name": "T", "urn": "State/x", "value": {"address": 103, "type": "enum16", "enumeration": "state"}}, {"name": "Plain" => 16 /objects/3: the label "On" is translated into "On" here => into true by the object on line 13
 // left over
 "count": 4}] => "count": 4}, {"name": "f", "function": 1, "address": 5, "count": 1, "addresses": [5]}] => 6 /frames/3/addresses
 "count": 4}] => "count": 4}, {"name": "f", "function": 1, "address": 9, "count": 1}] => warning 6 /frames/3: no object uses the frame "f"
 "timestamp": "clock" => "alias": "" => warning 10 /elements/clock: no object uses
 "elements": { => "elements": {"x": {"constant": null}, => warning 9 /elements/x
 "enumerations": { => "enumerations": {"e": {"0": "0"}, => warning 7 /enumerations/e: no element)");
+}
+
+TEST(ProfileLoader, AMaskThatCannotGiveALabelsRawValueIsToldWhereverItsBitsAre) {
+    const struct {
+        const char* type;
+        const char* mask;
+        const char* raw;
+        const char* warning;
+    } rows[] = {
+        {"enum16", "0x0FF0", "0xFF", ""},
+        {"enum16", "0x0FF0", "0x100", "raw value 256"},
+        {"enum16", "0x8001", "0x8001", ""},
+        {"enum16", "0x8001", "2", "raw value 2"},
+        {"enum16-unshifted", "0xF000", "0x1000", ""},
+        {"enum16-unshifted", "0xF000", "1", "raw value 1"},
+        {"enum32", "0x0FFFF000", "0xFFFF", ""},
+        {"enum32", "0x0FFFF000", "0x10000", "raw value 65536"},
+    };
+    for (const auto& row : rows) {
+        const auto loaded = ProfileLoader::Load(
+            R"({"frames": [{"name": "a", "function": 3, "address": 0, "count": 2}], "enumerations": {"e": {")" +
+            std::string(row.raw) + R"(": "On"}}, "objects": [{"name": "o", "value": {"address": 0, "enumeration": "e",
+            "frame": "a", "type": ")" +
+            row.type + R"(", "mask": ")" + row.mask + R"("}}]})");
+        const std::string problems = Written(loaded.problems);
+        EXPECT_EQ(problems.empty(), std::string(row.warning).empty()) << row.mask << ' ' << problems;
+        EXPECT_NE(problems.find(row.warning), std::string::npos) << problems;
+    }
 }
 
 TEST(ProfileLoader, AllFaultsAreToldInTheOrderOfTheLines) {
@@ -184,7 +214,7 @@ TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeAndChain) {
             problems = loaded.back().problems;
         } else {
             ASSERT_TRUE(loaded.at(0).profile);  // the capture is the first profile's
-            EXPECT_FALSE(Capture::Parse(example, *loaded[0].profile, problems).snapshots.empty());
+            EXPECT_FALSE(Capture::Parse(example, loaded[0].profile->GetDeviceFrames(), problems).snapshots.empty());
         }
         EXPECT_EQ(Written(problems), "") << example;
     }

@@ -84,18 +84,20 @@ TEST(ProfileComputations, EachFaultGivesOneProblem) {
     ExpectOneProblemEach(PROFILE, R"(
 "sum", "inputs" => "som", "inputs" => 7 /elements/sum/chain: there is no chain "som" => did you mean "sum"?
 "x": "one", => => 7 /elements/sum/inputs: the chain "sum" cannot have 1 inputs => two or more
-"x": "one" => "x": "onne" => 7 /elements/sum/inputs/x: there is no such element => did you mean "one"?
-"x": "one" => "x": "state" => 7 /elements/sum/inputs/x: the element does not suit the chain "sum" => needed: a number
+"x": "one" => "x": "onne" => 7 /elements/sum/inputs/x: there is no element => did you mean "one"?
+"x": "one" => "x": "state" => 7 /elements/sum/inputs/x: this element cannot be an input of the chain "sum" => needed: a number
 "exponent": { => "exponents": { => 11 /objects/0/value/inputs: the chain "scale10" does not have the inputs => exactly "value", "exponent"
 2, "type": "int16" => 2, "type": "int16-to-float" => 11 /objects/0/value/inputs/exponent => a whole number
-{"constant": "On"} => {"constant": 1} => 13 /objects/2/value/inputs/ => as its other inputs are
+{"constant": "On"} => {"constant": 1} => 13 /objects/2/value/inputs/ => like its other inputs
 {"constant": "On"} => {"constant": null} => 13 /objects/2/value/inputs/right => needed: a text
 "settings": { => "settings": {"defalt": "x", => 12 /objects/1/value/settings/defalt: the chain "choice by value" has no setting => "default"
 , "settings": {"labels": {"true": "Low", "false": "High"}} => => 12 /objects/1/value: the chain => needs the setting "labels"
 "chain": "less" => "type": 3, "chain": "less" => 12 /objects/1/value/inputs/value/type: there is no such member => allowed: "chain", "inputs", "settings"
 "value": "sum" => "value": null => 11 /objects/0/value/inputs/value: null is not allowed => "chain" and "inputs"
 {"address": 0, "type": "int16", "notAvailable": "0x8000"} => {"chain": "linear", "inputs": {"v": "sum"}} => 7 /elements/sum/inputs/x: the element needs itself => "one" needs "sum" needs "one"
-"name": "Level", => "name": "Level", "timestamp": "sum", => 12 /objects/1/timestamp: the element does not suit => a date and time
+"name": "Level", => "name": "Level", "timestamp": "state", => 12 /objects/1/timestamp: this element cannot => a date and time
+"name": "Level", => "name": "Level", "timestamp": {"address": 50, "type": "text", "count": 2, "scale": 2}, => warning 12 /objects/1/timestamp/scale: "scale" has no effect
+"name": "Level", => "name": "Level", "timestamp": "sum", => 12 /objects/1/timestamp: this element cannot => a date and time
 "elements": { => "elements": {"more": {"chain": "average", "inputs": {"a": "sum", "b": "sum"}}, => warning 6 /elements/more: no object uses)");
 }
 
@@ -156,9 +158,9 @@ TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
 
     ExpectOneProblemEach(PROFILE, R"(
 , "exponent": {"address": 3, "type": "int16", "notAvailable": "0x8000"} => => 14 /objects/3/value: the type "scaled-power-36" needs => "exponent"
-{"address": 3, "type": "int16", "notAvailable": "0x8000"} => "state" => 14 /objects/3/value/exponent: the element does not suit => a whole number
+{"address": 3, "type": "int16", "notAvailable": "0x8000"} => "state" => 14 /objects/3/value/exponent: this element cannot => a whole number
 "scaled-power-36" => "uint32" => 14 /objects/3/value/exponent: values of the type "uint32" have no
-"scaled-power-36" => 36, "order": "little" => warning 14 /objects/3/value/order: has no effect)");
+"scaled-power-36" => 36, "order": "little" => warning 14 /objects/3/value/order: "order" has no effect)");
 }
 
 TEST(ProfileAlarms, EachFaultGivesOneProblem) {
@@ -167,18 +169,36 @@ TEST(ProfileAlarms, EachFaultGivesOneProblem) {
 "greater" => "sum" => 17 /alarms/0/chain: the chain "sum" does not give true or false => greater
 "deadBand": 0.5 => "deadBand": -1 => 17 /alarms/0/settings/deadBand: => from 0 on
 "right": {"constant": 5}, => => 17 /alarms/0: the chain "greater" needs the operand => right
-{"constant": 5} => {"constant": true} => 17 /alarms/0/right: the element does not suit => a number
-{"object": "Power"} => {"object": "power"} => 17 /alarms/0/left/object: there is no such object => did you mean "Power"?
-{"object": "Power"} => {"object": "Group"} => 17 /alarms/0/left/object: the object is no operand => one value
-{"object": "Power"} => {"object": "Level"} => 17 /alarms/0/left: the element does not => a number
+{"constant": 5} => {"constant": true} => 17 /alarms/0/right: this element cannot => a number
+{"object": "Power"} => {"object": "power"} => 17 /alarms/0/left/object: there is no object "power" => did you mean "Power"?
+{"object": "Power"} => {"object": "Group"} => 17 /alarms/0/left/object: this object cannot be an operand => one value
+{"object": "Power"} => {"object": "Level"} => 17 /alarms/0/left: this element cannot => a number
 {"object": "Power"} => {"object": "Power", "type": 2} => 17 /alarms/0/left/type: there is no => "alias", "object"
 {"previous": "Last"} => "state" => 18 /alarms/1/changes: an alarm that reports changes => "previous"
-"right": "state" => "right": {"constant": "On"} => 18 /alarms/1/left: a "previous" value is => a measurement
-"name": "Moved" => "name": "MovedL", "alias": "m", "priority": "LOW", "chain": "equal", "left": "one", "right": {"previous": "ast"}}, {"name": "Moved" => 18 /alarms/2/left: the previous value would be kept as "MovedLast" => line 18
+"right": "state" => "right": {"constant": "On"} => 18 /alarms/1/left: the opposite operand => a measurement
+"name": "Moved" => "name": "MovedL", "alias": "m", "priority": "LOW", "chain": "equal", "left": "one", "right": {"previous": "ast"}}, {"name": "Moved" => 18 /alarms/2/left: the previous value would be kept under the name "MovedLast" => line 18
 "moved" => "over" => 18 /alarms/1: the object "Alarm.CustomAlarm" => alias
-"Alarm.Band" => "Level" => 19 /alarms/2: the object "Level" => already
+"Alarm.Band" => "Level" => 19 /alarms/2: the object "Level" is already defined
 "left": "one" => "left": "one", "right": "one" => 19 /alarms/2/right: the chain "outside band" uses only the operand "left"
 "left": "one" => "left": {"previous": ""} => 19 /alarms/2/left/previous: "" is not allowed => at least one)");
+}
+
+TEST(ProfileAlarms, OfAFaultyObjectGiveNoProblemOfTheirOwn) {
+    const char* const rows[][3] = {
+        {R"("key": "1d", "value": {"address": 99, "type": "int16"})", R"("1d")", "address: no frame holds"},
+        {R"("name": "Flow", "alias": "x", "value": {"address": 99, "type": "int16"})", R"("Flow", "alias": "x")",
+         "address: no frame holds"},
+        {R"("key": "minia", "value": {"constant": 1})", R"("minia")", "key: the dictionary has no key"},
+    };
+    for (const auto& [object, operand, problem] : rows) {
+        const auto loaded = ProfileLoader::Load(
+            R"({"frames": [{"name": "a", "function": 3, "address": 0, "count": 1}], "objects": [{)" +
+            std::string(object) + R"(}], "alarms": [{"name": "High", "priority": "LOW", "chain": "greater",
+            "left": {"object": )" +
+            operand + R"(}, "right": {"constant": 1}}]})");
+        EXPECT_EQ(loaded.problems.size(), 1U) << Written(loaded.problems);
+        EXPECT_NE(Written(loaded.problems).find(problem), std::string::npos) << Written(loaded.problems);
+    }
 }
 
 TEST(ProfileServices, AreFoundInAModelOfTheirOwn) {
@@ -195,12 +215,12 @@ TEST(ProfileServices, EachFaultGivesOneProblem) {
     ExpectOneProblemEach(PROFILE, R"(
 "service": 7, => => 21 /services/0: the member "service" is missing => the gateway's service
 {"address": 4 => {"address": 10 => 21 /services/0/elements/limit/address: no frame holds register 10
-{"address": 4 => {"address": 50 => 21 /services/0/elements/limit: the frame "b" (50 to 53) cannot be => only holding registers
+{"address": 4 => {"address": 50 => 21 /services/0/elements/limit: the frame "b" (50 to 53) cannot be written: only holding registers
 "base": "state" => "base": "sum" => 21 /services/0/elements/base: registers are needed => "address"
 "base": "state" => "base": {"constant": 1} => 21 /services/0/elements/base: registers are needed
-"base": "state" => "base": "stat" => 21 /services/0/elements/base: there is no such element => "state"?
-"uint16", "mask": "0x00FF" => "scaled-power-34", "count": 1 => 21 /services/0/elements/limit: values of the type "scaled-power-34" cannot be written
-"alias": "x", "service" => "service" => 22 /services/1/name: the service of the object "Power" => line 21)");
+"base": "state" => "base": "stat" => 21 /services/0/elements/base: there is no element "stat" => "state"?
+"uint16", "mask": "0x00FF" => "scaled-power-34", "count": 1, "exponent": {"constant": 1} => 21 /services/0/elements/limit: values of the type "scaled-power-34" cannot be written
+"alias": "x", "service" => "service" => 22 /services/1/name: a service for the object "Power" => line 21)");
 
     const std::string moreFrames =
         Replaced(PROFILE, "\"count\": 4}]", R"("count": 4}, {"name": "c", "function": 3, "addresses": [60, 61]},
@@ -219,8 +239,8 @@ TEST(ProfileSubgraphs, AreTheModels) {
     EXPECT_EQ(model.GetVortaSubgraph(Category::CATEGORY_8), Names{"Power"});
     EXPECT_FALSE(model.IsSubgraphAvailable(Category::CATEGORY_7));
     ExpectOneProblemEach(PROFILE, R"(
-"Closed"] => "closed"] => 23 /subgraphs/0/2: there is no such object => did you mean "Closed"?
-"Closed"] => "Power"] => 23 /subgraphs/0/2: "Power" stands in the list
+"Closed"] => "closed"] => 23 /subgraphs/0/2: there is no object, alarm or service "closed" => did you mean "Closed"?
+"Closed"] => "Power"] => 23 /subgraphs/0/2: "Power" is already in this list
 "8": [" => "9": [" => 23 /subgraphs/9: there is no such member => "8")");
 }
 

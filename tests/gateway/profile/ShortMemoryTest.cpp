@@ -33,7 +33,8 @@ struct ExampleProfile {
     ExampleProfile(const std::string& name, const std::string& captureName) {
         ProfileLoader::Result loaded = ProfileLoader::Load(ReadExample(name + ".jsonc"));
         profile = std::move(loaded.profile);
-        capture = Capture::Parse(ReadExample(captureName + ".capture.json"), *profile, loaded.problems);
+        capture =
+            Capture::Parse(ReadExample(captureName + ".capture.json"), profile->GetDeviceFrames(), loaded.problems);
         EXPECT_EQ(Written(loaded.problems), "");
     }
 
