@@ -8,10 +8,10 @@
 
 namespace kzm::ModbusGateway {
 
-// What the settings of a chain in a profile say; each chain looks at its own ones.
+// The settings of a chain in a profile; each chain reads its own.
 struct ChainSettings {
     struct Choice {
-        nlohmann::json value;  // number or boolean, or the number of a bit; null for what is only a text
+        nlohmann::json value;  // number, boolean, or the number of a bit; null for a text that is neither
         std::string text;      // the value as it was written
         std::string label;
     };
@@ -26,7 +26,7 @@ struct ChainSettings {
     std::string defaultLabel;  // empty: none
 };
 
-// One computation: parameters that satisfy the chain's signature and are finite.
+// One computation, with parameters that satisfy the chain's signature and are finite.
 struct ChainCall {
     const Names& inputs;
     const nlohmann::json& parameters;

@@ -12,10 +12,10 @@
 
 namespace kzm::ModbusGateway {
 
-// What a processing chain's result is. A label is a text that stands for a state and is translated for the object.
+// The kind of a processing chain's result. A label is a text that names a state; the object's labels translate it.
 enum class ChainResult { NUMBER, BOOLEAN, LABEL };
 
-// A processing chain that is not one of this library's own. A profile names it by "chain", as it names those.
+// A processing chain that a program brings along. A profile names it with "chain", like those of the library.
 struct CustomChain {
     using Chain = ModbusDeviceModel::ProcessingChain;
 
@@ -27,10 +27,10 @@ struct CustomChain {
     ChainResult result = ChainResult::NUMBER;
     // Every label that the chain can give; only for LABEL.
     std::vector<std::string> labels;
-    // Makes the chain for one place of a profile: with the "settings" that stand there, always an object and empty
-    // where there are none. The result may be shared among places, is called by many threads at once, and must have
-    // HasEnumOutput() exactly if `result` is LABEL. What it throws (derived from std::exception, except
-    // std::bad_alloc), and null, becomes an error of the profile at the settings, with what() as its message.
+    // Makes the chain for one place of a profile. `settings` is the "settings" object there, empty if there is none.
+    // The result may be shared among places, is called by many threads at once, and must have HasEnumOutput() exactly
+    // if `result` is LABEL. What it throws (derived from std::exception, except std::bad_alloc), and null, becomes an
+    // error of the profile at the settings, with what() as its message.
     std::function<std::shared_ptr<Chain>(const nlohmann::json& settings)> make;
 };
 

@@ -14,14 +14,14 @@ namespace kzm::ModbusGateway {
 struct ChainCall;
 struct ChainSettings;
 
-// How many inputs a chain takes, and their names where each has a role of its own; else any names will do.
+// How many inputs a chain takes, and their names if each has its own role; otherwise any names will do.
 struct ChainInputs {
     std::span<const std::string_view> names;
     std::size_t least;
     std::size_t most = std::numeric_limits<std::size_t>::max();
 };
 
-// The types that inputs must have together.
+// Types that the first input and the others have together.
 struct ChainTypes {
     ModbusDeviceModel::ProcessingChainOperandType first;
     ModbusDeviceModel::ProcessingChainOperandType others;
@@ -31,7 +31,7 @@ struct ChainSetting {
     std::string_view name;
     bool isRequired;
     std::string_view allowed;
-    // False for a value that is not allowed.
+    // False, with the settings unchanged, for a value that is not allowed.
     bool (*read)(const nlohmann::json& value, ChainSettings& settings);
 };
 

@@ -4,7 +4,7 @@
 
 #include "gateway/chains/ChainCall.h"
 
-// Put a setting's value into the settings; false, with the settings untouched, for one that is not allowed.
+// Store the value of one setting; false, with the settings unchanged, for a value that is not allowed.
 namespace kzm::ModbusGateway::SettingReaders {
 
 // A finite number, not below `least`.

@@ -10,23 +10,23 @@
 
 namespace kzm::ModbusGateway {
 
-// A whole number from 0 on, in decimal digits or as "0x..."; nothing for any other text.
+// An unsigned number in decimal digits or as "0x..."; nullopt for any other text.
 std::optional<std::uint64_t> ParseNumber(std::string_view text);
 
-// A value of a document that is being read, and where problems with it are put. The document, its content and the
-// problems must outlive it.
+// A value of a document that is being read, with its place and the list that its problems go to. The document, its
+// content and the problems must outlive it.
 class JsonCursor {
 public:
-    // At the root. `content`: the document's root, or that with null for faulty values.
+    // At the root. `content`: the document's root, with null in place of faulty values.
     JsonCursor(const LocatedJson& document, const nlohmann::json& content, Problems& problems)
         : mDocument(&document), mValue(&content), mProblems(&problems) {}
 
     const nlohmann::json& operator*() const { return *mValue; }
     const nlohmann::json* operator->() const { return mValue; }
 
-    // Whether there is a member, and it is not null.
+    // Whether there is such a member and it is not null.
     bool Has(const std::string& member) const { return !At(member)->is_null(); }
-    // A member; its value is null where there is none.
+    // A member; null if there is none.
     JsonCursor At(const std::string& member) const;
 
     // Calls visit(name, cursor) for each member of an object, visit(number as text, cursor) for each item of a list.
@@ -37,9 +37,9 @@ public:
         }
     }
 
-    // The text, or an empty one where there is no text.
+    // The text; empty for any other value.
     std::string Text() const;
-    // A whole number from 0 on, as a number or as text.
+    // An unsigned number, written as a number or as text.
     std::optional<std::uint64_t> Number() const;
 
     std::size_t GetLine() const { return mDocument->GetLine(mPointer); }

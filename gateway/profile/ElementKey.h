@@ -25,13 +25,13 @@ public:
     const std::string& GetName() const { return mName; }
     const std::string& GetAlias() const { return mAlias; }  // any bytes; only custom ones have one
     KZM_GATEWAY_EXPORT std::string GetUnit() const;         // may be empty
-    KZM_GATEWAY_EXPORT std::string GetClassName() const;    // empty where only the type of the value can tell
+    KZM_GATEWAY_EXPORT std::string GetClassName() const;    // empty if it depends on the type of the value
     KZM_GATEWAY_EXPORT bool IsCustomAlarm() const;
 
     // The element paths of the object that device elements feed, the one of its main value first.
     KZM_GATEWAY_EXPORT Names GetPaths() const;
     // The id of the device element that feeds an attribute ("value", "quality", "datetime") at an element path; empty
-    // where none does.
+    // if none does.
     KZM_GATEWAY_EXPORT std::string GetSource(const std::string& path, const std::string& attribute) const;
 
     // The object before the device has filled it: its structure, with key, name, alias and unit.

@@ -22,7 +22,7 @@ using ModbusDeviceModel::Device::DeviceModel;
 
 namespace {
 
-// The operands' names, which are the chain's parameters.
+// The operands' names, which are the keys of the chain's parameters.
 constexpr const char* LEFT = "left";
 constexpr const char* RIGHT = "right";
 

@@ -23,7 +23,7 @@ public:
     ProfileAlarms(const JsonCursor& section, ProfileElements& elements, const ProfileObjects& objects,
                   const ChainRegistry& chains);
 
-    // Valid when no error was reported. In the order of the profile.
+    // Valid if no error was reported. In the order of the profile.
     const std::vector<LoadedProfile::Alarm>& GetAlarms() const { return mAlarms; }
     const ModbusDeviceModel::Device::DeviceModel::ComputedAlarms& GetComputedAlarms() const { return mComputed; }
 

@@ -60,10 +60,10 @@ public:
     // elements.
     std::shared_ptr<const ProfileRegisters> GetRegisters(const JsonCursor& role);
 
-    // Warns of named elements that were not asked for.
+    // Warns of named elements that nothing used.
     void ReportUnused() const;
 
-    // Makes the labels of all elements known to the platform's device dictionary.
+    // Adds the labels of all elements to the platform's device dictionary.
     void PublishLabels() const;
 
 private:

@@ -52,14 +52,14 @@ std::string AllowedRawValues(const LogicCodeRow& type) {
                : "0 to " + std::to_string(LargestRawValue(type)) + ", in decimal digits or as \"0x...\"";
 }
 
-// False for a number that was seen before. Texts that differ are different raw values.
+// False for a number seen before; texts are distinct keys anyway.
 bool IsNew(const EnumerationPairData& pair, std::set<double>& seen) {
     const double number =
         pair.mType == EnumerationType::FLOAT ? pair.mValue.mFloat : static_cast<double>(pair.mValue.mUnsigned);
     return pair.mType == EnumerationType::STRING || seen.insert(number).second;
 }
 
-// Nothing for a faulty enumeration.
+// nullopt for a faulty enumeration.
 std::optional<ProfileEnumerations::Pairs> ReadPairs(const JsonCursor& enumeration, const LogicCodeRow& type) {
     auto pairs = std::make_shared<std::vector<EnumerationPairData>>();
     std::set<double> seen;

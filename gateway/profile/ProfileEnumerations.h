@@ -12,19 +12,19 @@
 
 namespace kzm::ModbusGateway {
 
-// The section "enumerations" of a device profile. What a raw value is written like depends on the logic code of the
-// element that uses the enumeration, so an enumeration is read once per use.
+// The section "enumerations" of a device profile. How raw values are written depends on the logic code of the element
+// that uses the enumeration, so an enumeration is read once per use.
 class ProfileEnumerations {
 public:
     using Pairs = std::shared_ptr<std::vector<ModbusDeviceModel::DeviceProfile::EnumerationPairData>>;
 
     explicit ProfileEnumerations(const JsonCursor& section);
 
-    // The pairs of the enumeration that an element names, null when it names none. Nothing for a faulty enumeration,
-    // and for one that does not suit the type; that is reported.
+    // The pairs of the enumeration that an element names, null if it names none. nullopt, and reported, for a faulty
+    // enumeration or one that does not fit the type.
     std::optional<Pairs> Get(const JsonCursor& element, const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
 
-    // Warns of enumerations that were not asked for.
+    // Warns of enumerations that no element used.
     void ReportUnused() const;
 
 private:

@@ -17,18 +17,18 @@ public:
     // Reads the section and reports what is wrong with it.
     explicit ProfileFrames(const JsonCursor& section);
 
-    // The frame that holds the registers of an element: the one it names by "frame", else the only one that holds them.
-    // Nothing, with the error reported at the element, where there is none or more than one.
+    // The frame that holds the registers of an element: the one that it names with "frame", otherwise the only one that
+    // holds them. nullopt, and reported at the element, if there is none or more than one.
     std::optional<std::uint8_t> Find(const JsonCursor& element, std::uint32_t address, std::uint32_t count) const;
 
     // Reports an error at the element unless function code 16 can write the frame.
     void RequireWritable(std::uint8_t index, const JsonCursor& element) const;
 
     void MarkUsed(std::uint8_t index) { mFrames[index].used = true; }
-    // Warns of frames that were not marked.
+    // Warns of frames that were not marked as used.
     void ReportUnused() const;
 
-    // Valid when no error was reported.
+    // Valid if no error was reported.
     std::vector<ModbusDeviceModel::DeviceProfile::FrameData> GetFrames() const;
     Names GetNames() const;
 

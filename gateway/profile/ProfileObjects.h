@@ -24,14 +24,14 @@ public:
     // Reads the section and reports what is wrong with it. The elements must outlive this section.
     ProfileObjects(const JsonCursor& section, ProfileElements& elements);
 
-    // Valid when no error was reported. In the order of the profile; units and class names by the objects' keys, or by
-    // their names where they have none.
+    // Valid if no error was reported. In the order of the profile; units and class names by the objects' keys, or by
+    // their names if they have none.
     const std::vector<LoadedProfile::Object>& GetObjects() const { return mObjects; }
     const TextByName& GetUnits() const { return mUnits; }
     const TextByName& GetClassNames() const { return mClassNames; }
     ModbusDeviceModel::Device::DeviceModel::ObjectAdapters GetAdapters() const;
 
-    // An object as something else of the profile may need it.
+    // What other sections may need of an object.
     struct Known {
         JsonCursor place;
         // Null for an object of several values, and for a plain one.
@@ -41,22 +41,22 @@ public:
     };
     // By name and alias, or by key. Null for an unknown object.
     const Known* Find(const std::string& nameOrKey, const std::string& alias) const;
-    // Each name as often as it has objects, faulty ones too.
+    // One per object, including faulty ones.
     Names GetNames() const;
 
-    // Makes what the labels of the objects' elements stand for known to the platform's data-model dictionary.
+    // Adds the translations of the labels to the platform's data-model dictionary.
     void PublishLabels() const;
 
 private:
     using Adapter = std::shared_ptr<ModbusDeviceModel::DataModel::VortaObjectAdapter>;
 
-    // The object at hand.
+    // The object that is being read.
     struct Draft {
         JsonCursor place;
         ObjectIdentity identity;
         bool plain;
         std::string urn;
-        std::string mainPath = {};  // the element path of the roles that stand in the object itself
+        std::string mainPath = {};  // the element path of the roles in the object itself
         std::string className = {};
         ValueKind kind = ValueKind::OTHER;
         std::vector<Adapter> adapters = {};
@@ -64,18 +64,18 @@ private:
         std::set<std::string> labels = {};
         bool labelsKnown = true;  // no element is faulty
     };
-    // What a label stands for, and who says so.
+    // What a label is translated into, and where that is said.
     struct Translation {
         nlohmann::json value;
         JsonCursor place;
     };
 
-    // What fills a role, and where that is said: in the object, or by the name of a named element.
+    // What fills a role: an element that the object states, or the named element that feeds it by the dictionary.
     struct Filling {
         JsonCursor place;
-        std::string source = {};  // empty where the object says it
+        std::string source = {};  // name of the latter; empty for the former
         std::shared_ptr<const ProfileElement> element = nullptr;
-        bool isThere = false;  // if without element, it is faulty
+        bool isThere = false;  // without `element`: it is faulty
     };
 
     void ReadObject(const JsonCursor& place);

@@ -52,7 +52,7 @@ const LogicCodeRow* ReadType(const JsonCursor& type) {
     return &*row;
 }
 
-// Nothing for a number that does not suit the type, which is reported.
+// nullopt, and reported, for a number that the type cannot have.
 std::optional<std::uint8_t> ReadCount(const JsonCursor& element, const LogicCodeRow& type) {
     const bool any = type.maxRegisters == MAX_ELEMENT_REGISTERS;
     const JsonCursor place = element.At("count");
@@ -76,7 +76,7 @@ std::optional<std::uint8_t> ReadCount(const JsonCursor& element, const LogicCode
     return std::nullopt;
 }
 
-// The bytes of "0x...". Nothing where there is no such text, and for a faulty one, which is reported.
+// The bytes of "0x..."; nullopt if there is none, and for a faulty one, which is reported.
 std::optional<Bytes> ReadBytes(const JsonCursor& place, std::size_t count) {
     if (place->is_null()) {
         return std::nullopt;
@@ -110,7 +110,7 @@ ByteOrderingEnum ReadOrder(const JsonCursor& order) {
     return order.Text() == "little" ? ByteOrderingEnum::LITTLE_ENDIAN_WORDS : ByteOrderingEnum::DEVICE_ORDER;
 }
 
-// Warns of members that do nothing for the type.
+// Warns of members without effect on the type.
 void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
     const bool power = type.family == Family::SCALED_POWER;
     const Scaling scaling = ScalingOf(type.family);
@@ -128,7 +128,7 @@ void ReportIdleMembers(const JsonCursor& element, const LogicCodeRow& type) {
     }
 }
 
-// Warns of a mask without bits, and of the first raw value of an enumeration that the mask's bits cannot give.
+// Warns of a mask without bits, and of the first raw value of an enumeration that the mask rules out.
 void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCodeRow& type,
                       const ProfileEnumerations::Pairs& pairs) {
     std::uint64_t bits = 0;
@@ -139,7 +139,7 @@ void ReportFutileMask(const JsonCursor& mask, const Bytes& bytes, const LogicCod
         mask.Warning("this mask removes every bit of the registers");
     } else if (pairs && type.labelType == EnumerationType::UNSIGNED_INTEGER) {
         if (type.family == Family::SHIFTED_ENUMERATION) {
-            bits /= bits & (~bits + 1);  // until the lowest one is bit 0
+            bits /= bits & (~bits + 1);  // shifted down until the lowest one is bit 0
         }
         const auto never =
             std::ranges::find_if(*pairs, [&](const auto& pair) { return pair.mValue.mUnsigned & ~bits; });

@@ -15,20 +15,20 @@
 
 namespace kzm::ModbusGateway {
 
-// Registers of the device and how they become a value, as an element of a device profile says.
+// An element of a device profile: registers of the device, and how they become a value.
 struct ProfileRegisters {
     const ModbusDeviceModel::DeviceProfile::LogicCodeRow* type = nullptr;
     std::uint16_t address = 0;
     std::uint8_t count = 0;
     std::uint8_t frame = 0;
     std::shared_ptr<std::vector<std::uint8_t>> mask;
-    std::shared_ptr<std::string> notAvailable;  // null: no such pattern
+    std::shared_ptr<std::string> notAvailable;  // null: none
     double scale = 1;
     float offset = 0;
     ModbusDeviceModel::ByteOrderingEnum order{};
     ProfileEnumerations::Pairs pairs;
 
-    // Nothing for a faulty element, which is reported.
+    // nullopt for a faulty element, which is reported.
     static std::optional<ProfileRegisters> Read(const JsonCursor& element, const ProfileFrames& frames,
                                                 ProfileEnumerations& enumerations);
 

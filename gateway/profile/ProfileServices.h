@@ -19,7 +19,7 @@ public:
     // Reads the section and reports what is wrong with it. The other sections must outlive this one.
     ProfileServices(const JsonCursor& section, ProfileElements& elements, const ProfileFrames& frames);
 
-    // Valid when no error was reported. In the order of the profile.
+    // Valid if no error was reported. In the order of the profile.
     const std::vector<LoadedProfile::Service>& GetServices() const { return mServices; }
     // Of the services' objects, including faulty ones.
     const Names& GetNames() const { return mNames; }

@@ -9,14 +9,14 @@
 
 namespace kzm::ModbusGateway {
 
-// The section "subgraphs" of a device profile, of a device of a dynamic class.
+// The section "subgraphs" of a device profile; only devices of a dynamic class have it.
 class ProfileSubgraphs {
 public:
     // Reads the section and reports what is wrong with it. `known`: the names of all objects, alarms and services,
     // including faulty ones.
     ProfileSubgraphs(const JsonCursor& section, const Names& known);
 
-    // Gives the model the sub-graphs; without the section it stays one of a fixed class.
+    // Adds the sub-graphs to the model; without the section the device keeps its fixed class.
     void ApplyTo(ModbusDeviceModel::Device::DeviceModel& model) const;
 
 private:

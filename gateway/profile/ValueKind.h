@@ -9,13 +9,13 @@
 
 namespace kzm::ModbusGateway {
 
-// What is known of a value of a profile before the device is read.
+// What a profile says of a value before the device is read.
 enum class ValueKind : std::uint8_t {
     INTEGER,
     FLOAT,
     NUMBER,  // either of these
     BOOLEAN,
-    LABEL,  // a text out of a known set, or of a fixed form
+    LABEL,  // a text from a known set, or of a fixed form
     TEXT,
     DATE_TIME,
     OTHER,
@@ -25,7 +25,7 @@ ValueKind KindOf(const nlohmann::json& constant);
 ValueKind KindOf(const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
 ValueKind KindOf(ChainResult result);
 
-// Whether such a value can be a chain's parameter of a type.
+// Whether such a value can be a chain's parameter of that type.
 bool MayBe(ValueKind kind, ModbusDeviceModel::ProcessingChainOperandType type);
 
 }  // namespace kzm::ModbusGateway
