@@ -4,6 +4,7 @@
 #include "fuzz/Input.h"
 #include "fuzz/JsonMutator.h"
 #include "gateway/capture/Capture.h"
+#include "gateway/profile/ProfileLoader.h"
 
 namespace kzm::ModbusFuzz {
 
