@@ -1,9 +1,9 @@
 #include "gateway/json/JsonSchema.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <regex>
-#include <set>
 #include <stdexcept>
 
 #include "gateway/json/ProblemText.h"
@@ -79,9 +79,9 @@ constexpr ValueKeyword VALUE_KEYWORDS[] = {
 };
 
 // Those that Comparison knows, and those that only describe.
-const std::set<std::string> OTHER_KEYWORDS{"pattern", "required", "dependencies", "properties", "additionalProperties",
-                                           "items",   "if",       "then",         "else",       "$ref",
-                                           "$schema", "title",    "description",  "definitions"};
+constexpr std::string_view OTHER_KEYWORDS[] = {
+    "pattern", "required", "dependencies", "properties", "additionalProperties", "items",      "if", "then",
+    "else",    "$ref",     "$schema",      "title",      "description",          "definitions"};
 
 // Calls visit(schema) for every schema within one, and for it itself.
 void ForEachSchema(const json& schema, const auto& visit) {
@@ -101,7 +101,8 @@ void ForEachSchema(const json& schema, const auto& visit) {
 void RequireSupported(const json& schema) {
     for (const auto& [keyword, argument] : schema.items()) {
         const auto isThis = [&](const ValueKeyword& known) { return keyword == known.name; };
-        if (!std::ranges::any_of(VALUE_KEYWORDS, isThis) && !OTHER_KEYWORDS.contains(keyword)) {
+        if (!std::ranges::any_of(VALUE_KEYWORDS, isThis) &&
+            std::ranges::find(OTHER_KEYWORDS, keyword) == std::end(OTHER_KEYWORDS)) {
             throw std::invalid_argument("unsupported keyword of a JSON Schema: " + keyword);
         }
     }
