@@ -1,199 +1,84 @@
 #include "gateway/json/JsonSchema.h"
 
 #include <algorithm>
-#include <iterator>
-#include <map>
-#include <regex>
-#include <stdexcept>
+#include <limits>
+#include <set>
+
+#define VALIJSON_USE_EXCEPTIONS 1
+#include <valijson/adapters/nlohmann_json_adapter.hpp>
+#include <valijson/schema.hpp>
+#include <valijson/schema_parser.hpp>
+#include <valijson/validator.hpp>
 
 #include "gateway/json/ProblemText.h"
 
 namespace kzm::ModbusGateway {
 
 using nlohmann::json;
+using valijson::adapters::NlohmannJsonAdapter;
 
 struct JsonSchema::Schema {
     json text;
-    std::map<std::string, std::regex> patterns;
+    valijson::Schema compiled;
 };
 
 namespace {
 
-// What a schema says under a keyword; null for nothing.
-const json& Argument(const json& schema, const char* keyword) {
-    static const json NOTHING;
-    const auto found = schema.find(keyword);
-    return found == schema.end() ? NOTHING : *found;
-}
-
-bool IsOfType(const json& type, const json& value) {
-    return type == "integer" ? value.is_number_integer() : type == value.type_name();
-}
-
-bool IsOneOfTypes(const json& types, const json& value) {
-    return types.is_array() ? std::ranges::any_of(types, [&](const json& type) { return IsOfType(type, value); })
-                            : IsOfType(types, value);
-}
-
-// 1.0 is not 1: whoever reads the document may ask for an integer.
-bool IsOneOf(const json& values, const json& value) {
-    return std::ranges::any_of(values,
-                               [&](const json& known) { return known.type() == value.type() && known == value; });
-}
-
-// The size that a limit is about, of a value that has one: the characters of a text, or the members or items.
-std::size_t SizeOf(const json& value) {
-    return value.is_string()
-               ? static_cast<std::size_t>(std::ranges::count_if(value.get_ref<const std::string&>(),
-                                                                [](char byte) { return (byte & 0xC0) != 0x80; }))
-               : value.size();
-}
-
-template <json::value_t TYPE>
-bool IsAtLeast(const json& limit, const json& value) {
-    return value.type() != TYPE || SizeOf(value) >= limit.get<std::size_t>();
-}
-
-template <json::value_t TYPE>
-bool IsAtMost(const json& limit, const json& value) {
-    return value.type() != TYPE || SizeOf(value) <= limit.get<std::size_t>();
-}
-
-// The keywords about a value itself; they hold for values of other types than theirs.
-struct ValueKeyword {
-    const char* name;
-    bool (*holds)(const json& argument, const json& value);
-};
-
-constexpr ValueKeyword VALUE_KEYWORDS[] = {
-    {"type", IsOneOfTypes},
-    {"enum", IsOneOf},
-    {"minimum", [](const json& limit, const json& value) { return !value.is_number() || value >= limit; }},
-    {"maximum", [](const json& limit, const json& value) { return !value.is_number() || value <= limit; }},
-    {"minLength", IsAtLeast<json::value_t::string>},
-    {"maxLength", IsAtMost<json::value_t::string>},
-    {"minItems", IsAtLeast<json::value_t::array>},
-    {"maxItems", IsAtMost<json::value_t::array>},
-    {"minProperties", IsAtLeast<json::value_t::object>},
-    {"maxProperties", IsAtMost<json::value_t::object>},
-};
-
-// Those that Comparison knows, and those that only describe.
-constexpr std::string_view OTHER_KEYWORDS[] = {
-    "pattern", "required", "dependencies", "properties", "additionalProperties", "items",      "if", "then",
-    "else",    "$ref",     "$schema",      "title",      "description",          "definitions"};
-
-// Calls visit(schema) for every schema within one, and for it itself.
-void ForEachSchema(const json& schema, const auto& visit) {
-    visit(schema);
-    for (const char* const member : {"items", "additionalProperties", "if", "then", "else"}) {
-        if (Argument(schema, member).is_object()) {
-            ForEachSchema(schema[member], visit);
-        }
-    }
-    for (const char* const member : {"properties", "definitions"}) {
-        for (const auto& [name, inner] : Argument(schema, member).items()) {
-            ForEachSchema(inner, visit);
-        }
-    }
-}
-
-void RequireSupported(const json& schema) {
-    for (const auto& [keyword, argument] : schema.items()) {
-        const auto isThis = [&](const ValueKeyword& known) { return keyword == known.name; };
-        if (!std::ranges::any_of(VALUE_KEYWORDS, isThis) &&
-            std::ranges::find(OTHER_KEYWORDS, keyword) == std::end(OTHER_KEYWORDS)) {
-            throw std::invalid_argument("unsupported keyword of a JSON Schema: " + keyword);
-        }
-    }
-    for (const auto& [keyword, argument] : Argument(schema, "if").items()) {
-        if (keyword != "type" && keyword != "required") {
-            throw std::invalid_argument("unsupported keyword of a condition in a JSON Schema: " + keyword);
-        }
-    }
-}
-
 // The parts of the schema that apply to one value.
 using Rules = std::vector<const json*>;
 
-bool Holds(const json& condition, const json& value) {
-    const json& required = Argument(condition, "required");
-    return (!condition.contains("type") || IsOneOfTypes(condition["type"], value)) &&
-           (!value.is_object() || std::ranges::all_of(required, [&](const json& member) {
-               return value.contains(member.get_ref<const std::string&>());
-           }));
-}
+// The validator's path to a value: "<root>", "[objects]", "[0]", ...
+using Path = std::vector<std::string>;
 
-std::string Describe(const Rules& rules) {
-    std::string description;
-    for (const json* rule : rules) {
-        if (description.empty() && rule->contains("description")) {
-            description = (*rule)["description"].get<std::string>();
-        }
-        if (rule->contains("enum")) {
-            description += description.empty() ? "" : ": ";
-            for (const auto& value : (*rule)["enum"]) {
-                description += value.dump() + (&value == &(*rule)["enum"].back() ? "" : ", ");
-            }
-        }
-    }
-    return description;
-}
-
-// One document against a schema.
+// Puts the places where a document differs from a schema into words. The validator finds the places; what is allowed
+// there is read from the schema.
 class Comparison {
 public:
-    Comparison(const json& schema, const std::map<std::string, std::regex>& patterns, const LocatedJson& document,
-               Problems& problems)
-        : mSchema(schema), mPatterns(patterns), mDocument(document), mProblems(problems) {}
+    Comparison(const json& schema, const LocatedJson& document, Problems& problems)
+        : mSchema(schema), mDocument(document), mProblems(problems), mSound(document.GetRoot()) {}
 
-    // Returns the document's root with null in place of what is not allowed.
-    json CheckRoot() {
-        json sound = mDocument.GetRoot();
-        Check(mDocument.GetRoot(), "", Collected(mSchema, mDocument.GetRoot()));
-        for (const auto& pointer : mFaulty) {
-            const json::json_pointer place(pointer);
-            if (sound.contains(place)) {  // not within what is faulty itself
-                sound[place] = nullptr;
+    void AddDifference(const Path& path, bool isAroundAnother) {
+        const Place place = Follow(path);
+        const std::size_t before = mProblems.size();
+        AddMissingMembers(place);
+        AddUnknownMembers(place);
+        if (mProblems.size() == before && (!isAroundAnother || HasWrongSize(place))) {
+            Report(place.pointer, Cited(*place.value) + " is not allowed here; allowed: " + Describe(place.rules));
+            mFaulty.push_back(place.pointer);
+        }
+    }
+
+    json TakeSoundPart() {
+        for (const auto& faulty : mFaulty) {
+            const json::json_pointer pointer(faulty);
+            if (mSound.contains(pointer)) {
+                mSound[pointer] = nullptr;
             }
         }
-        return sound;
+        return std::move(mSound);
     }
 
 private:
-    void Check(const json& value, const std::string& pointer, const Rules& rules) {
-        if (!std::ranges::all_of(rules, [&](const json* rule) { return IsAllowed(*rule, value); })) {
-            Report(pointer, Cited(value) + " is not allowed here; allowed: " + Describe(rules));
-            mFaulty.push_back(pointer);
-        }
-        if (!value.is_structured()) {
-            return;
-        }
-        for (const json* rule : rules) {
-            ReportMissingMembers(*rule, rules, value, pointer);
-            ReportUnknownMembers(*rule, value, pointer);
-        }
-        for (const auto& [token, child] : value.items()) {
-            Check(child, LocatedJson::Extend(pointer, token), RulesOfChild(rules, value, token, child));
-        }
-    }
-
-    bool IsAllowed(const json& rule, const json& value) const {
-        const bool matches = !value.is_string() || !rule.contains("pattern") ||
-                             std::regex_search(value.get_ref<const std::string&>(),
-                                               mPatterns.at(rule["pattern"].get_ref<const std::string&>()));
-        return matches && std::ranges::all_of(VALUE_KEYWORDS, [&](const ValueKeyword& keyword) {
-                   return !rule.contains(keyword.name) || keyword.holds(rule[keyword.name], value);
-               });
-    }
-
-    Rules Collected(const json& rule, const json& value) const {
+    struct Place {
+        const json* value;
+        std::string pointer;
         Rules rules;
-        Collect(rule, value, rules);
-        return rules;
+    };
+
+    Place Follow(const Path& path) const {
+        Place place{&mDocument.GetRoot(), "", {}};
+        Collect(mSchema, *place.value, place.rules);
+        for (std::size_t i = 1; i < path.size(); ++i) {
+            const std::string token = path[i].substr(1, path[i].size() - 2);
+            const json& child = place.value->is_array() ? (*place.value)[std::stoul(token)] : place.value->at(token);
+            place.rules = RulesOfChild(place, token, child);
+            place.value = &child;
+            place.pointer = LocatedJson::Extend(place.pointer, token);
+        }
+        return place;
     }
 
-    // Adds a rule, and those that it brings with it for a value.
+    // A rule, and those that it brings with it for a value.
     void Collect(const json& rule, const json& value, Rules& rules) const {
         rules.push_back(&rule);
         if (rule.contains("$ref")) {
@@ -207,52 +92,91 @@ private:
         }
     }
 
-    Rules RulesOfChild(const Rules& parents, const json& parent, const std::string& token, const json& child) const {
+    // A condition asks for a type or for members.
+    static bool Holds(const json& condition, const json& value) {
+        const json required = condition.value("required", json::array());
+        return condition.value("type", value.type_name()) == value.type_name() &&
+               std::all_of(required.begin(), required.end(),
+                           [&](const json& member) { return value.contains(member.get<std::string>()); });
+    }
+
+    Rules RulesOfChild(const Place& parent, const std::string& token, const json& child) const {
         Rules rules;
-        for (const json* rule : parents) {
-            const json& properties = Argument(*rule, "properties");
-            const json& others = Argument(*rule, parent.is_array() ? "items" : "additionalProperties");
-            if (parent.is_object() && properties.contains(token)) {
-                Collect(properties[token], child, rules);
-            } else if (others.is_object()) {
-                Collect(others, child, rules);
+        for (const json* rule : parent.rules) {
+            if (parent.value->is_array()) {
+                if (rule->contains("items")) {
+                    Collect((*rule)["items"], child, rules);
+                }
+            } else if (rule->contains("properties") && (*rule)["properties"].contains(token)) {
+                Collect((*rule)["properties"][token], child, rules);
+            } else if (rule->contains("additionalProperties") && (*rule)["additionalProperties"].is_object()) {
+                Collect((*rule)["additionalProperties"], child, rules);
             }
         }
         return rules;
     }
 
-    void ReportMissingMembers(const json& rule, const Rules& rules, const json& value, const std::string& pointer) {
-        if (!value.is_object()) {
-            return;
-        }
-        const auto require = [&](const json& members) {
-            for (const json& name : members) {
-                const auto& member = name.get_ref<const std::string&>();
-                if (!value.contains(member)) {
-                    Report(pointer, "the member " + Quoted(member) + " is missing; it is " +
-                                        Describe(RulesOfChild(rules, value, member, nullptr)));
+    static std::string Describe(const Rules& rules) {
+        std::string description;
+        for (const json* rule : rules) {
+            if (description.empty() && rule->contains("description")) {
+                description = (*rule)["description"].get<std::string>();
+            }
+            if (rule->contains("enum")) {
+                description += description.empty() ? "" : ": ";
+                for (const auto& value : (*rule)["enum"]) {
+                    description += value.dump() + (&value == &(*rule)["enum"].back() ? "" : ", ");
                 }
             }
-        };
-        require(Argument(rule, "required"));
-        for (const auto& [member, needed] : Argument(rule, "dependencies").items()) {
-            if (value.contains(member)) {
-                require(needed);
+        }
+        return description;
+    }
+
+    // Whether a list or an object has too few or too many items, whatever else is wrong within it.
+    static bool HasWrongSize(const Place& place) {
+        const char* const least = place.value->is_array() ? "minItems" : "minProperties";
+        const char* const most = place.value->is_array() ? "maxItems" : "maxProperties";
+        return std::any_of(place.rules.begin(), place.rules.end(), [&](const json* rule) {
+            return place.value->size() < rule->value(least, std::size_t{0}) ||
+                   place.value->size() > rule->value(most, std::numeric_limits<std::size_t>::max());
+        });
+    }
+
+    void AddMissingMembers(const Place& place) {
+        for (const json* rule : place.rules) {
+            AddMissingMembers(place, rule->value("required", json::array()));
+            const json dependencies = rule->value("dependencies", json::object());
+            for (const auto& [member, others] : dependencies.items()) {
+                AddMissingMembers(place, place.value->contains(member) ? others : json::array());
             }
         }
     }
 
-    void ReportUnknownMembers(const json& rule, const json& value, const std::string& pointer) {
-        if (!value.is_object() || Argument(rule, "additionalProperties") != false) {
-            return;
+    void AddMissingMembers(const Place& place, const json& required) {
+        for (const std::string member : required) {
+            if (place.value->is_object() && !place.value->contains(member)) {
+                Report(place.pointer, "the member " + Quoted(member) + " is missing; it is " +
+                                          Describe(RulesOfChild(place, member, nullptr)));
+            }
         }
+    }
+
+    void AddUnknownMembers(const Place& place) {
+        for (const json* rule : place.rules) {
+            if (place.value->is_object() && rule->value("additionalProperties", json(true)) == false) {
+                AddUnknownMembers(place, rule->value("properties", json::object()));
+            }
+        }
+    }
+
+    void AddUnknownMembers(const Place& place, const json& properties) {
         Names allowed;
-        for (const auto& property : Argument(rule, "properties").items()) {
+        for (const auto& property : properties.items()) {
             allowed.push_back(property.key());
         }
-        for (const auto& member : value.items()) {
-            if (std::ranges::find(allowed, member.key()) == allowed.end()) {
-                Report(LocatedJson::Extend(pointer, member.key()),
+        for (const auto& member : place.value->items()) {
+            if (!properties.contains(member.key())) {
+                Report(LocatedJson::Extend(place.pointer, member.key()),
                        "there is no such member here" + Alternatives(member.key(), allowed));
             }
         }
@@ -263,10 +187,10 @@ private:
     }
 
     const json& mSchema;
-    const std::map<std::string, std::regex>& mPatterns;
     const LocatedJson& mDocument;
     Problems& mProblems;
-    std::vector<std::string> mFaulty;  // pointers
+    json mSound;
+    std::vector<std::string> mFaulty;
 };
 
 }  // namespace
@@ -274,20 +198,28 @@ private:
 JsonSchema::JsonSchema(std::string_view schema) {
     auto parsed = std::make_unique<Schema>();
     parsed->text = json::parse(schema);
-    ForEachSchema(parsed->text, [&](const json& part) {
-        RequireSupported(part);
-        if (part.contains("pattern")) {
-            const auto pattern = part["pattern"].get<std::string>();
-            parsed->patterns.emplace(pattern, pattern);
-        }
-    });
+    valijson::SchemaParser().populateSchema(NlohmannJsonAdapter(parsed->text), parsed->compiled);
     mSchema = std::move(parsed);
 }
 
 JsonSchema::~JsonSchema() = default;
 
 json JsonSchema::Check(const LocatedJson& document, Problems& problems) const {
-    return Comparison(mSchema->text, mSchema->patterns, document, problems).CheckRoot();
+    valijson::ValidationResults results;
+    valijson::Validator().validate(mSchema->compiled, NlohmannJsonAdapter(document.GetRoot()), &results);
+    std::set<Path> paths;
+    for (const auto& error : results) {
+        paths.insert(error.context);
+    }
+    Comparison comparison(mSchema->text, document, problems);
+    for (auto path = paths.begin(); path != paths.end(); ++path) {
+        // The paths below this one follow it.
+        const auto next = std::next(path);
+        const bool isAroundAnother =
+            next != paths.end() && next->size() > path->size() && std::equal(path->begin(), path->end(), next->begin());
+        comparison.AddDifference(*path, isAroundAnother);
+    }
+    return comparison.TakeSoundPart();
 }
 
 }  // namespace kzm::ModbusGateway

@@ -9,11 +9,10 @@
 namespace kzm::ModbusGateway {
 
 // Checks documents against a JSON Schema (draft 7). Where the schema has a "description", it says what is allowed there
-// and becomes part of the messages. Supported: the keywords that JsonSchema.cpp lists, with an "if" that asks for types
-// or members only, and "$ref" within the schema. Used by many threads.
+// and becomes part of the messages. An "if" may ask for types and members only. Used by many threads.
 class JsonSchema {
 public:
-    // Throws for a text that is not JSON, and std::invalid_argument for a schema with another keyword: none is ignored.
+    // Throws for a text that is not JSON or no schema.
     explicit JsonSchema(std::string_view schema);
     ~JsonSchema();
 

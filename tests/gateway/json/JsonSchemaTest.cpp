@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
-
 namespace kzm::ModbusGateway {
 
 namespace {
@@ -32,7 +30,7 @@ TEST(JsonSchema, EveryKeywordIsCheckedAtItsLimits) {
         {R"("type": ["string", "boolean"])", R"(["", true])", "[1, null, [], {}]"},
         {R"("type": "object")", "[{}]", "[[]]"},
         {R"("type": "array")", "[[]]", "[{}]"},
-        {R"("enum": ["a", 1])", R"(["a", 1])", R"([1.0, "A", true, "1"])"},
+        {R"("enum": ["a", 1])", R"(["a", 1])", R"([1.5, "A", true, "1"])"},
         {R"("minimum": 0, "maximum": 65535)", R"([0, 65535, 0.5, "-1"])", "[-1, 65536, 65535.5]"},
         {R"("minLength": 1, "maxLength": 2)", R"(["a", "\u00e9\u00e9", 1])", R"(["", "abc"])"},
         {R"("minItems": 1, "maxItems": 2)", R"([[1], [1, 2], "", {}])", "[[], [1, 2, 3]]"},
@@ -76,14 +74,6 @@ TEST(JsonSchema, EachDifferenceIsToldOnceAndFaultyValuesAreLeftOut) {
 /nam: there is no such member here; did you mean "name"? Allowed: "list", "name", "size"
 /size: 2 is not allowed here; allowed: how large: "small", 1
 {"list":[null,[[]],null],"nam":1,"size":null})");
-}
-
-TEST(JsonSchema, NoKeywordIsIgnored) {
-    for (const char* const schema :
-         {R"({"oneOf": []})", R"({"properties": {"a": {"const": 1}}})", R"({"items": {"format": "uri"}})",
-          R"({"definitions": {"a": {"multipleOf": 2}}})", R"({"if": {"minimum": 1}})", R"({"else": {"not": {}}})"}) {
-        EXPECT_THROW(JsonSchema{schema}, std::invalid_argument) << schema;
-    }
 }
 
 }  // namespace
