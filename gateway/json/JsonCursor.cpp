@@ -1,5 +1,6 @@
 #include "gateway/json/JsonCursor.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace kzm::ModbusGateway {
@@ -24,6 +25,11 @@ std::string JsonCursor::Text() const {
 }
 
 std::optional<std::uint64_t> JsonCursor::Number() const {
+    if (mValue->is_number_float()) {  // 3.0 is 3 to a JSON Schema, too
+        const auto number = mValue->get<double>();
+        const auto whole = static_cast<std::uint64_t>(std::clamp(number, 0.0, 0x1p53));
+        return static_cast<double>(whole) == number ? std::optional(whole) : std::nullopt;
+    }
     return mValue->is_number_unsigned() ? mValue->get<std::uint64_t>() : ParseNumber(Text());
 }
 

@@ -224,7 +224,7 @@ TEST(ProfileServices, EachFaultGivesOneProblem) {
 
     const std::string moreFrames =
         Replaced(PROFILE, "\"count\": 4}]", R"("count": 4}, {"name": "c", "function": 3, "addresses": [60, 61]},
-{"name": "d", "function": 3, "address": 100, "count": 124}])");
+{"name": "d", "function": 3.0, "address": 100, "count": 124}])");
     ExpectOneProblemEach(moreFrames, R"(
 "address": 4, => "address": 61, => 22 /services/0/elements/limit: the frame "c" (2 of 60 to 61) cannot => more than one request
 "address": 4, => "address": 100, => 22 /services/0/elements/limit: the frame "d" (100 to 223) cannot => at most 123 registers)");
