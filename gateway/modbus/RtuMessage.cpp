@@ -1,5 +1,7 @@
 #include "gateway/modbus/RtuMessage.h"
 
+#include <algorithm>
+
 #include "DeviceProfile/ModbusFunctionCode.h"
 #include "gateway/modbus/RequestLimits.h"
 #include "gateway/modbus/Requests.h"
@@ -41,8 +43,9 @@ std::size_t RtuMessage::SizeOfAnswer(std::span<const std::uint8_t> start) {
 }
 
 Bytes RtuMessage::Make(std::uint8_t unit, std::span<const std::uint8_t> content) {
-    Bytes message{unit};
-    message.insert(message.end(), content.begin(), content.end());
+    Bytes message(1 + content.size());
+    message.front() = unit;
+    std::copy(content.begin(), content.end(), message.begin() + 1);
     const std::uint16_t checksum = ChecksumOf(message);
     message.push_back(static_cast<std::uint8_t>(checksum & 0xFF));
     message.push_back(static_cast<std::uint8_t>(checksum >> 8));
