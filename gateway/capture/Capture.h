@@ -15,10 +15,13 @@ namespace kzm::ModbusGateway {
 // The frames of a device at one or more instants, as text that can be kept, replayed and sent with a bug report. A
 // value type: different captures may be used by different threads. Nothing of it logs.
 struct KZM_GATEWAY_EXPORT Capture {
+    // One frame of the device.
     struct Frame {
-        std::uint8_t frameIndex;
-        RegisterCache::Frame content;
+        std::uint8_t frameIndex;       // among the frames of the device
+        RegisterCache::Frame content;  // as the register cache held it
     };
+
+    // The frames at one instant.
     struct Snapshot {
         std::uint64_t time = 0;     // milliseconds since 1970
         std::vector<Frame> frames;  // those that had been received

@@ -17,6 +17,7 @@ enum class ChainResult { NUMBER, BOOLEAN, LABEL };
 
 // A processing chain that a program brings along. A profile names it with "chain", like those of the library.
 struct CustomChain {
+    // The base class of all chains.
     using Chain = ModbusDeviceModel::ProcessingChain;
 
     // As profiles write it; not empty.

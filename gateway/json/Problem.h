@@ -16,14 +16,16 @@ namespace kzm::ModbusGateway {
 // otherwise the class that its header names. A reader of documents turns such an exception into a Problem, because it
 // knows the place. A look-up that finds nothing returns null or nullopt, which is not an error.
 struct Problem {
+    // A document with an error cannot be used; a warning tells of what is probably not meant.
     enum class Severity { ERROR, WARNING };
 
-    Severity severity = Severity::ERROR;
-    std::size_t line = 0;  // from 1 on
-    std::string pointer;   // JSON pointer (RFC 6901) to the faulty value; "" is the whole document
-    std::string message;   // what is wrong, and what is allowed or near
+    Severity severity = Severity::ERROR;  // whether the document can be used
+    std::size_t line = 0;                 // from 1 on
+    std::string pointer;                  // JSON pointer (RFC 6901) to the faulty value; "" is the whole document
+    std::string message;                  // what is wrong, and what is allowed or near
 };
 
+// All that is wrong with a document.
 using Problems = std::vector<Problem>;
 
 // Whether one of them is an error, not a warning.

@@ -9,6 +9,7 @@
 // What a misspelt name may have meant: of profiles, captures, commands and options alike.
 namespace kzm::ModbusGateway {
 
+// Names that are known, or that are to be shown.
 using Names = std::vector<std::string>;
 
 // Up to three of the known names that an unknown one may stand for, likeliest first; none if nothing is near. Upper and

@@ -21,11 +21,13 @@ public:
     // is fed by the device element of that id, otherwise those that are spelt like the text. Empty if nothing is near.
     KZM_GATEWAY_EXPORT static std::string Suggestion(std::string_view text);
 
+    // The key as it was given, the name of its element, its alias, unit and data-model class.
     const std::string& GetText() const { return mText; }
     const std::string& GetName() const { return mName; }
     const std::string& GetAlias() const { return mAlias; }  // any bytes; only custom ones have one
     KZM_GATEWAY_EXPORT std::string GetUnit() const;         // may be empty
     KZM_GATEWAY_EXPORT std::string GetClassName() const;    // empty if it depends on the type of the value
+    // Whether it is the key of a custom alarm.
     KZM_GATEWAY_EXPORT bool IsCustomAlarm() const;
 
     // The element paths of the object that device elements feed, the one of its main value first.

@@ -19,7 +19,7 @@ namespace kzm::ModbusGateway {
 struct LoadedProfile {
     // An object that the profile publishes.
     struct Object {
-        std::string name;
+        std::string name;   // with the alias, what requests to the model name
         std::string alias;  // may be empty
         std::string unit;   // may be empty
         std::string key;    // its id in the data model; empty for an object without
@@ -32,16 +32,16 @@ struct LoadedProfile {
 
     // A computed alarm of the model, under the name and alias of its object.
     struct Alarm {
-        std::string name;
-        std::string alias;
+        std::string name;          // of its object
+        std::string alias;         // may be empty
         nlohmann::json structure;  // the object before its first evaluation
         std::shared_ptr<ModbusDeviceModel::DataModel::ComputedAlarmElement> element;  // never null
     };
 
     // An object that a service writes.
     struct Service {
-        std::string name;
-        std::string alias;
+        std::string name;   // of the object
+        std::string alias;  // may be empty
     };
 
     // The frames of the model with their names, e.g. for a Capture.

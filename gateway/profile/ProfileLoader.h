@@ -13,6 +13,7 @@ namespace kzm::ModbusGateway {
 // Makes a device model from a device profile: JSON with comments, as docs/profile.md and the JSON Schema describe it.
 class KZM_GATEWAY_EXPORT ProfileLoader {
 public:
+    // A loaded profile, or why there is none.
     struct Result {
         // Null if there is an error: nothing half-built comes out.
         std::unique_ptr<LoadedProfile> profile;
