@@ -3,13 +3,11 @@
 import json
 import pathlib
 import re
-import socket
 import subprocess
 import sys
-import threading
 import unittest
 
-from program import COMMAND, PROFILES, start
+from program import COMMAND, PROFILES, device, run
 
 DOCUMENTS = sorted((PROFILES.parent / "docs").glob("*.md"))
 INSIDE = (PROFILES.parent / "docs/inside.md").read_text(encoding="utf-8")
@@ -30,19 +28,14 @@ def output_of(command):
     return re.sub(r"(?m)^(.*?)\[\d+\](?=\[)", r"\1", done.stdout)  # without the threads' numbers
 
 
-def requests_of_a_round(arguments):
+def requests_of_a_round(*arguments):
     """What a device is asked that answers nothing but exceptions."""
     requests = []
-    listener = socket.create_server(("127.0.0.1", 0))
 
-    def serve():
-        with listener, listener.accept()[0] as client:
-            while request := client.recv(300):
-                requests.append(request)
-                client.sendall(request[:4] + bytes([0, 3, request[6], request[7] | 0x80, 2]))
-    threading.Thread(target=serve, daemon=True).start()
-    poll = start(*arguments, "--tcp", "127.0.0.1:%d" % listener.getsockname()[1], "--count", 1)
-    poll.communicate(timeout=30)
+    def answer_to(request):
+        requests.append(request)
+        return request[:4] + bytes([0, 3, request[6], request[7] | 0x80, 2])
+    run(*arguments, "--tcp", device(answer_to), "--count", 1)
     return requests
 
 
@@ -61,7 +54,7 @@ class Documents(unittest.TestCase):
         element = re.search(r"```jsonc\n(.*)\n```", WALK)[1]
         self.assertIn(element, (PROFILES / "energy-meter.jsonc").read_text(encoding="utf-8"))
         request = bytes.fromhex(re.search(r"transaction number: `(.*?)`", WALK)[1])
-        self.assertIn(request, [asked[2:] for asked in requests_of_a_round(["poll", PROFILES / "energy-meter.jsonc"])])
+        self.assertIn(request, [asked[2:] for asked in requests_of_a_round("poll", PROFILES / "energy-meter.jsonc")])
         capture = json.loads((PROFILES / "energy-meter.capture.json").read_text(encoding="utf-8"))
         classic = next(frame for frame in capture["snapshots"][0]["frames"] if frame["frame"] == "classic")
         data = bytes.fromhex("".join(classic["registers"]))

@@ -4,9 +4,11 @@ import contextlib
 import json
 import pathlib
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
+import threading
 
 COMMAND = sys.argv[1:]
 PROFILES = pathlib.Path(__file__).resolve().parents[2] / "profiles"
@@ -89,6 +91,18 @@ def simulator(profile, capture, address="127.0.0.1:0"):
     finally:
         status = end(process)
     assert status == 0, status
+
+
+def device(answer_to):
+    """Serves one client with what a function makes of its requests; gives its address."""
+    listener = socket.create_server(("127.0.0.1", 0))
+
+    def serve():
+        with listener, listener.accept()[0] as client:
+            while request := client.recv(300):
+                client.sendall(answer_to(request))
+    threading.Thread(target=serve, daemon=True).start()
+    return "127.0.0.1:%d" % listener.getsockname()[1]
 
 
 @contextlib.contextmanager

@@ -1,14 +1,12 @@
 """write against a Modbus server from elsewhere, and against devices that do not do what they are told."""
 
 import re
-import socket
 import struct
 import subprocess
 import sys
-import threading
 import unittest
 
-from program import PUMP, capture_of, file, pymodbus, run, simulator
+from program import PUMP, capture_of, device, file, pymodbus, run, simulator
 
 PROFILE = file("breaker.jsonc", """{
     "frames": [
@@ -46,18 +44,11 @@ def registers_at(address):
     return " ".join(re.findall(r"0x(\w{4})", done.stdout))
 
 
-def deaf_device():
-    """Answers one client: registers read as 1, writes are confirmed and not done; gives its address."""
-    listener = socket.create_server(("127.0.0.1", 0))
-
-    def serve():
-        with listener, listener.accept()[0] as client:
-            while request := client.recv(300):
-                count = struct.unpack(">H", request[10:12])[0]
-                body = request[7:12] if request[7] == 16 else b"\x03" + bytes([2 * count]) + b"\0\1" * count
-                client.sendall(request[:4] + struct.pack(">HB", len(body) + 1, request[6]) + body)
-    threading.Thread(target=serve, daemon=True).start()
-    return "127.0.0.1:%d" % listener.getsockname()[1]
+def deaf_answer(request):
+    """Registers are read as 1, writes are confirmed and not done."""
+    count = struct.unpack(">H", request[10:12])[0]
+    body = request[7:12] if request[7] == 16 else b"\x03" + bytes([2 * count]) + b"\0\1" * count
+    return request[:4] + struct.pack(">HB", len(body) + 1, request[6]) + body
 
 
 class WriteTest(unittest.TestCase):
@@ -106,7 +97,7 @@ class WriteTest(unittest.TestCase):
         capture = file("capture.json", capture_of((1, [("settings", "0000 " * 10, 0, {})])))
         with simulator(PROFILE, capture) as reading:
             for address, reason in [(reading, "the device did not accept the write: Illegal function"),
-                                    (deaf_device(), "register 104 was written as 7 and reads back as 1")]:
+                                    (device(deaf_answer), "register 104 was written as 7 and reads back as 1")]:
                 status, _, error = self.write(address, "Breaker/q1", "low=7", "--send")
                 self.assertEqual((status, error), (9, reason))
 
