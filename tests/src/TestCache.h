@@ -4,6 +4,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "DataModel/DataObjectAdapter.h"
 #include "DeviceCache/CacheReadAccessInterface.h"
 #include "DeviceProfile/FrameData.h"
 #include "kz/orba/VortaORBAObject.h"
@@ -52,6 +53,13 @@ inline std::shared_ptr<TestCache> MakeCache(const std::string& hex) {
     const auto cache = std::make_shared<TestCache>();
     cache->frames[0].bytes = Hex(hex);
     return cache;
+}
+
+// An object whose value is read from an element.
+inline std::shared_ptr<DataObjectAdapter> ObjectOf(const Traits& traits) {
+    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
+    object->SetAdapter(VALUE, MakeConverter(traits));
+    return object;
 }
 
 inline int Number(StatusCode status) {

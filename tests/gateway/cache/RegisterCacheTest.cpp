@@ -27,14 +27,6 @@ const std::vector<FrameData> FRAMES{
     FrameData(HOLDING, false, 0, 4, std::uint16_t{100}),  // never received
 };
 
-struct ReadRow {
-    std::uint8_t frame;
-    std::uint16_t address;
-    std::uint8_t count;
-    std::uint32_t capacity;
-    Bytes expected;  // empty: no data
-};
-
 TEST(RegisterCache, GivesExactlyTheRegistersOfTheFrame) {
     RegisterCache cache(FRAMES);
     cache.Update(0, Registers{0x0102, 0x0304, 0xF5F6, 0x0708}, 1000);
@@ -42,38 +34,27 @@ TEST(RegisterCache, GivesExactlyTheRegistersOfTheFrame) {
     cache.Update(2, Registers{0xFEFE, 0xFFFF}, 1000);
     cache.Update(3, Registers{0x0505, 0x0606}, 1000);
     cache.Update(4, Registers{}, 1000);
-    const ReadRow rows[] = {
-        {0, 100, 4, 256, {1, 2, 3, 4, 0xF5, 0xF6, 7, 8}},
-        {0, 102, 1, 2, {0xF5, 0xF6}},
+    // Frame, address, count, capacity of the buffer, and the data; without data nothing is given.
+    // clang-format off
+    const std::tuple<std::uint8_t, std::uint16_t, std::uint8_t, std::uint32_t, Bytes> rows[] = {
+        {0, 100, 4, 256, {1, 2, 3, 4, 0xF5, 0xF6, 7, 8}}, {0, 102, 1, 2, {0xF5, 0xF6}},
         {0, 100, 2, 3, {}},  // more than the buffer holds
-        {0, 99, 1, 256, {}},
-        {0, 99, 2, 256, {}},
-        {0, 103, 2, 256, {}},
-        {0, 104, 1, 256, {}},
-        {0, 100, 0, 256, {}},
+        {0, 99, 1, 256, {}}, {0, 99, 2, 256, {}}, {0, 103, 2, 256, {}}, {0, 104, 1, 256, {}}, {0, 100, 0, 256, {}},
         {1, 20, 3, 256, {0x20, 0x20, 0x21, 0x21, 0x22, 0x22}},  // by address, whatever the order
-        {1, 40, 1, 256, {0x40, 0x40}},                          // the first of an address listed twice
-        {1, 22, 2, 256, {}},
-        {1, 19, 2, 256, {}},
-        {1, 41, 1, 256, {}},
-        {2, 65534, 2, 256, {0xFE, 0xFE, 0xFF, 0xFF}},
-        {2, 65535, 2, 256, {}},
-        {3, 5, 2, 256, {5, 5, 6, 6}},
-        {4, 0, 1, 256, {}},
-        {5, 100, 1, 256, {}},
-        {6, 100, 1, 256, {}},
-        {255, 100, 1, 256, {}},
+        {1, 40, 1, 256, {0x40, 0x40}},  // the first of an address listed twice
+        {1, 22, 2, 256, {}}, {1, 19, 2, 256, {}}, {1, 41, 1, 256, {}},
+        {2, 65534, 2, 256, {0xFE, 0xFE, 0xFF, 0xFF}}, {2, 65535, 2, 256, {}}, {3, 5, 2, 256, {5, 5, 6, 6}},
+        {4, 0, 1, 256, {}}, {5, 100, 1, 256, {}}, {6, 100, 1, 256, {}}, {255, 100, 1, 256, {}},
     };
-    for (const ReadRow& row : rows) {
-        Bytes buffer(row.capacity + 1, 0xEE);
+    // clang-format on
+    for (const auto& [frame, address, count, capacity, expected] : rows) {
+        Bytes buffer(capacity + 1, 0xEE);
         RegisterCache::Quality quality = QUALITY_BAD;
-        const std::uint32_t size =
-            cache.ReadFrame(row.frame, row.address, row.count, buffer.data(), row.capacity, quality);
-        SCOPED_TRACE(testing::Message() << "frame " << +row.frame << " address " << row.address << " count "
-                                        << +row.count);
-        EXPECT_EQ(Bytes(buffer.begin(), buffer.begin() + size), row.expected);
-        EXPECT_EQ(quality, row.expected.empty() ? QUALITY_UNINITIALISED : QUALITY_GOOD);
-        EXPECT_EQ(std::count(buffer.begin() + size, buffer.end(), 0xEE), row.capacity + 1 - size);
+        const std::uint32_t size = cache.ReadFrame(frame, address, count, buffer.data(), capacity, quality);
+        SCOPED_TRACE(testing::Message() << "frame " << +frame << " address " << address << " count " << +count);
+        EXPECT_EQ(Bytes(buffer.begin(), buffer.begin() + size), expected);
+        EXPECT_EQ(quality, expected.empty() ? QUALITY_UNINITIALISED : QUALITY_GOOD);
+        EXPECT_EQ(std::count(buffer.begin() + size, buffer.end(), 0xEE), capacity + 1 - size);
     }
 }
 

@@ -46,13 +46,7 @@ TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
 }
 
 TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
-    const struct {
-        const char* old;
-        const char* replacement;
-        std::size_t line;
-        const char* pointer;
-        const char* message;
-    } rows[] = {
+    const std::tuple<const char*, const char*, std::size_t, const char*, const char*> rows[] = {
         {"\"snapshots\": [", "\"snapshots\": [1, ", 2, "/snapshots/0", "1 is not allowed"},
         {"\"main\"", "\"mian\"", 4, "/snapshots/0/frames/0/frame", "did you mean \"main\"?"},
         {"\"bits\"", "\"main\"", 5, "/snapshots/0/frames/1/frame", "already"},
@@ -71,15 +65,15 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
         {"\"frames\": []", "\"frame\": []", 6, "/snapshots/1", "\"frames\" is missing"},
         {"\"M\"", "\"N", 1, "", "this is not JSON"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [old, replacement, line, pointer, message] : rows) {
         mProblems.clear();
         std::string text = CAPTURE;
-        text.replace(text.find(row.old), std::string(row.old).size(), row.replacement);
-        EXPECT_TRUE(Parse(text).snapshots.empty()) << row.replacement;
-        ASSERT_FALSE(mProblems.empty()) << row.replacement;
-        EXPECT_EQ(mProblems[0].line, row.line) << row.replacement;
-        EXPECT_EQ(mProblems[0].pointer, row.pointer);
-        EXPECT_NE(mProblems[0].message.find(row.message), std::string::npos) << mProblems[0].message;
+        text.replace(text.find(old), std::string(old).size(), replacement);
+        EXPECT_TRUE(Parse(text).snapshots.empty()) << replacement;
+        ASSERT_FALSE(mProblems.empty()) << replacement;
+        EXPECT_EQ(mProblems[0].line, line) << replacement;
+        EXPECT_EQ(mProblems[0].pointer, pointer);
+        EXPECT_NE(mProblems[0].message.find(message), std::string::npos) << mProblems[0].message;
     }
 }
 

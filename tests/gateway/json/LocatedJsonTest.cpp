@@ -20,24 +20,18 @@ TEST(LocatedJson, EachValueKnowsItsLine) {
     EXPECT_TRUE(problems.empty());
     EXPECT_EQ(document.GetRoot(), nlohmann::json::parse(text, nullptr, true, /*ignore_comments=*/true));
 
-    const struct {
-        const char* pointer;
-        std::size_t line;
-    } rows[] = {{"", 2},   {"/a", 2},   {"/b~0~1c", 3}, {"/b~0~1c/1", 3}, {"/b~0~1c/2", 4},
-                {"/d", 6}, {"/d/e", 7}, {"/x", 2},      {"/d/x/y", 6},    {"/b~0~1c/3", 3}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(document.GetLine(row.pointer), row.line) << row.pointer;
+    const std::pair<const char*, std::size_t> rows[] = {
+        {"", 2},   {"/a", 2},   {"/b~0~1c", 3}, {"/b~0~1c/1", 3}, {"/b~0~1c/2", 4},
+        {"/d", 6}, {"/d/e", 7}, {"/x", 2},      {"/d/x/y", 6},    {"/b~0~1c/3", 3}};
+    for (const auto& [pointer, line] : rows) {
+        EXPECT_EQ(document.GetLine(pointer), line) << pointer;
     }
 }
 
 TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
     const std::string bomb(100000, '[');
     const std::string longName = "{\"" + std::string(LocatedJson::MAX_NAME_LENGTH + 1, 'n') + "\": 1}";
-    const struct {
-        std::string text;
-        std::size_t line;
-        const char* message;
-    } rows[] = {
+    const std::tuple<std::string, std::size_t, const char*> rows[] = {
         {"", 1, "this is not JSON: unexpected end of input"},
         {"{\n\"a\": 1\n\"b\": 2}", 3, "unexpected string literal; expected '}'"},
         {"[1,\n\n]", 3, "unexpected ']'; expected '[', '{', or a literal; is there a comma too many before it?"},
@@ -51,32 +45,28 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
         {bomb, 1, "more than 64 deep"},
         {longName, 1, "longer than"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [text, line, message] : rows) {
         Problems problems;
-        const LocatedJson document = LocatedJson::Parse(row.text, problems);
-        ASSERT_EQ(problems.size(), 1U) << row.text.substr(0, 80);
-        EXPECT_EQ(problems[0].line, row.line) << row.text.substr(0, 80);
+        const LocatedJson document = LocatedJson::Parse(text, problems);
+        ASSERT_EQ(problems.size(), 1U) << text.substr(0, 80);
+        EXPECT_EQ(problems[0].line, line) << text.substr(0, 80);
         EXPECT_EQ(problems[0].message.find("json.exception"), std::string::npos);
-        EXPECT_NE(problems[0].message.find(row.message), std::string::npos) << problems[0].message;
+        EXPECT_NE(problems[0].message.find(message), std::string::npos) << problems[0].message;
         EXPECT_FALSE(document.IsRead());
         EXPECT_TRUE(document.GetRoot().is_null());
     }
 }
 
 TEST(LocatedJson, NestingAndNamesReachTheirLimitsAndNoFurther) {
-    const struct {
-        std::size_t depth;
-        std::size_t nameLength;
-        bool isRead;
-    } rows[] = {{LocatedJson::MAX_DEPTH, LocatedJson::MAX_NAME_LENGTH, true},
-                {LocatedJson::MAX_DEPTH + 1, LocatedJson::MAX_NAME_LENGTH, false},
-                {LocatedJson::MAX_DEPTH, LocatedJson::MAX_NAME_LENGTH + 1, false}};
-    for (const auto& row : rows) {
+    const auto depth = LocatedJson::MAX_DEPTH, length = LocatedJson::MAX_NAME_LENGTH;
+    const std::tuple<std::size_t, std::size_t, bool> rows[] = {
+        {depth, length, true}, {depth + 1, length, false}, {depth, length + 1, false}};
+    for (const auto& [nesting, nameLength, isRead] : rows) {
         Problems problems;
-        const std::string text = std::string(row.depth - 1, '[') + "{\"" + std::string(row.nameLength, 'n') + "\": 1}" +
-                                 std::string(row.depth - 1, ']');
-        EXPECT_EQ(LocatedJson::Parse(text, problems).IsRead(), row.isRead) << row.depth << ' ' << row.nameLength;
-        EXPECT_EQ(problems.empty(), row.isRead);
+        const std::string text = std::string(nesting - 1, '[') + "{\"" + std::string(nameLength, 'n') + "\": 1}" +
+                                 std::string(nesting - 1, ']');
+        EXPECT_EQ(LocatedJson::Parse(text, problems).IsRead(), isRead) << nesting << ' ' << nameLength;
+        EXPECT_EQ(problems.empty(), isRead);
     }
 }
 

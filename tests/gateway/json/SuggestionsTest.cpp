@@ -14,27 +14,19 @@ namespace {
 TEST(SuggestionsTest, TheLikeliestNamesComeFirstWhateverTheirCase) {
     const Names known{"maximum", "minimum",         "urn",         "unit", "Van", "Vab", "Hz", "float32",
                       "uint32",  "float32-swapped", "enum-float32"};
-    const struct {
-        const char* unknown;
-        Names suggestions;
-    } rows[] = {
-        {"FLOAT32", {"float32"}},  // the same but for the case
-        {"van", {"Van"}},
-        {"hz", {"Hz"}},
+    // clang-format off
+    const std::pair<const char*, Names> rows[] = {
+        {"FLOAT32", {"float32"}}, {"van", {"Van"}}, {"hz", {"Hz"}},  // the same but for the case
         {"float", {"float32", "enum-float32", "float32-swapped"}},  // contain it, the shortest first
-        {"min", {"minimum"}},
-        {"m", {}},               // too short to tell
+        {"float32_be", {"float32"}}, {"min", {"minimum"}}, {"imum", {"maximum", "minimum"}},  // likewise
+        {"m", {}}, {"", {}},  // too short to tell
         {"uint23", {"uint32"}},  // neighbours swapped
-        {"imum", {"maximum", "minimum"}},
-        {"mximun", {"maximum"}},  // two of six differ, of the other three
-        {"Vax", {"Van", "Vab"}},
-        {"urm", {"urn"}},
-        {"mrm", {}},                  // two of three differ
-        {"float32_be", {"float32"}},  // contains it
-        {"", {}},
+        {"mximun", {"maximum"}}, {"mrm", {}},  // two of six differ, of the other three
+        {"Vax", {"Van", "Vab"}}, {"urm", {"urn"}},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Suggest(row.unknown, known), row.suggestions) << row.unknown;
+    // clang-format on
+    for (const auto& [unknown, suggestions] : rows) {
+        EXPECT_EQ(Suggest(unknown, known), suggestions) << unknown;
     }
     EXPECT_EQ(Suggestion("va", {"Van", "Vab", "Var"}), "; did you mean \"Van\", \"Vab\" or \"Var\"?");
     EXPECT_EQ(Suggestion("x", {"Van"}), "");
@@ -44,29 +36,18 @@ TEST(SuggestionsTest, TheLikeliestNamesComeFirstWhateverTheirCase) {
 
 TEST(SuggestionsTest, NumbersHaveTheShortestTextOfTheirPrecision) {
     using enum NumberPrecision;
-    const struct {
-        double number;
-        NumberPrecision precision;
-        const char* text;
-    } rows[] = {
-        {29 * 0.1, DIGITS_15, "2.9"},
-        {29 * 0.1, DOUBLE, "2.9000000000000004"},
-        {0.1F, FLOAT, "0.1"},
-        {0.1F, DOUBLE, "0.10000000149011612"},
-        {16777217, DIGITS_15, "16777217"},
-        {-0.0, FLOAT, "-0"},
-        {1e12, DIGITS_15, "1e+12"},
-        {999999999999.0, DIGITS_15, "999999999999"},
-        {0.0001, DOUBLE, "0.0001"},
-        {0.00001F, FLOAT, "1e-05"},
-        {3.4028234663852886e38, FLOAT, "3.4028235e+38"},
-        {1e300, FLOAT, "1e+300"},
-        {1.7976931348623157e308, DIGITS_15, "1.7976931348623157e+308"},
-        {-INFINITY, FLOAT, "-inf"},
+    // clang-format off
+    const std::tuple<double, NumberPrecision, const char*> rows[] = {
+        {29 * 0.1, DIGITS_15, "2.9"}, {29 * 0.1, DOUBLE, "2.9000000000000004"}, {0.1F, FLOAT, "0.1"},
+        {0.1F, DOUBLE, "0.10000000149011612"}, {16777217, DIGITS_15, "16777217"}, {-0.0, FLOAT, "-0"},
+        {1e12, DIGITS_15, "1e+12"}, {999999999999.0, DIGITS_15, "999999999999"}, {0.0001, DOUBLE, "0.0001"},
+        {0.00001F, FLOAT, "1e-05"}, {3.4028234663852886e38, FLOAT, "3.4028235e+38"}, {1e300, FLOAT, "1e+300"},
+        {1.7976931348623157e308, DIGITS_15, "1.7976931348623157e+308"}, {-INFINITY, FLOAT, "-inf"},
         {NAN, DIGITS_15, "nan"},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(NumberText(row.number, row.precision), row.text);
+    // clang-format on
+    for (const auto& [number, precision, text] : rows) {
+        EXPECT_EQ(NumberText(number, precision), text);
     }
 }
 

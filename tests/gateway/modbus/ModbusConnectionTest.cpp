@@ -95,26 +95,19 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
     constexpr auto COILS = ModbusFunctionCode::READ_COILS;
     constexpr auto INPUTS = ModbusFunctionCode::READ_DISCRETE_INPUTS;
     constexpr auto HOLDING = ModbusFunctionCode::READ_HOLDING_REGISTERS;
+    // clang-format off
     const AnswerRow rows[] = {
-        {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF, 0xFE}, 0, {0x1234, 0xFFFE}},
-        {HOLDING, 2, {3, 2, 0x12, 0x34}, EMBBADDATA},
-        {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF}, EMBBADDATA},
-        {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF, 0xFE, 0}, EMBBADDATA},
+        {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF, 0xFE}, 0, {0x1234, 0xFFFE}}, {HOLDING, 2, {3, 2, 0x12, 0x34}, EMBBADDATA},
+        {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF}, EMBBADDATA}, {HOLDING, 2, {3, 4, 0x12, 0x34, 0xFF, 0xFE, 0}, EMBBADDATA},
         {HOLDING, 2, {3, 2, 0x12, 0x34, 0xFF, 0xFE}, EMBBADDATA},
-        {HOLDING, 2, {4, 4, 0x12, 0x34, 0xFF, 0xFE}, EMBBADDATA},
-        {HOLDING, 2, {3}, EMBBADDATA},
-        {HOLDING, 2, {}, EMBBADDATA},
-        {COILS, 8, {1, 1, 0x81}, 0, {1, 0, 0, 0, 0, 0, 0, 1}},
-        {INPUTS, 9, {2, 2, 0x40, 0x01}, 0, {0, 0, 0, 0, 0, 0, 1, 0, 1}},
-        {COILS, 9, {1, 1, 0x81}, EMBBADDATA},
-        {HOLDING, 2, {0x83, 2}, EMBXILADD},
-        {HOLDING, 2, {0x83, 11}, EMBXGTAR},
-        {HOLDING, 2, {0x83, 0}, EMBBADEXC},
-        {HOLDING, 2, {0x83, 9}, EMBBADEXC},
-        {HOLDING, 2, {0x83, 12}, EMBBADEXC},
-        {HOLDING, 2, {0x84, 2}, EMBBADDATA},
+        {HOLDING, 2, {4, 4, 0x12, 0x34, 0xFF, 0xFE}, EMBBADDATA}, {HOLDING, 2, {3}, EMBBADDATA},
+        {HOLDING, 2, {}, EMBBADDATA}, {COILS, 8, {1, 1, 0x81}, 0, {1, 0, 0, 0, 0, 0, 0, 1}},
+        {INPUTS, 9, {2, 2, 0x40, 0x01}, 0, {0, 0, 0, 0, 0, 0, 1, 0, 1}}, {COILS, 9, {1, 1, 0x81}, EMBBADDATA},
+        {HOLDING, 2, {0x83, 2}, EMBXILADD}, {HOLDING, 2, {0x83, 11}, EMBXGTAR}, {HOLDING, 2, {0x83, 0}, EMBBADEXC},
+        {HOLDING, 2, {0x83, 9}, EMBBADEXC}, {HOLDING, 2, {0x83, 12}, EMBBADEXC}, {HOLDING, 2, {0x84, 2}, EMBBADDATA},
         {HOLDING, 2, {0x83, 2, 0}, EMBBADDATA},
     };
+    // clang-format on
     for (const auto& [functionCode, count, answer, error, expected] : rows) {
         std::vector<std::uint16_t> values(count, UNTOUCHED);
         EXPECT_EQ(TakeValues(ReadRequest(functionCode, 100, count), answer, values.data()), error)

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 #include "edm/modbus/Vorta.h"
 #include "gateway/profile/ProfileTesting.h"
 #include "kzm/StandIn/Clock.h"
@@ -90,21 +92,14 @@ TEST(ProfileKeys, AnObjectThatIsAKeyHasTheDictionarysStructureFilled) {
               (json{"Measurement.Feeder", "kA", "east"}));
     EXPECT_EQ(Filled(profile, 5, cache)["datetime"], nullptr);
     EXPECT_EQ(Filled(profile, 6, cache)["name"], "PhysicalIdentification.SerialNumber");
-}
-
-TEST(ProfileKeys, TheModelKnowsUnitsAndRegistersByKey) {
-    const auto loaded = ProfileLoader::Load(PROFILE);
-    ASSERT_TRUE(loaded.profile);
-    const auto information = loaded.profile->model->GetMeasurementInformation("DTMinIA;MinIA");
+    const auto information = profile.model->GetMeasurementInformation("DTMinIA;MinIA");
     EXPECT_EQ(information.mUnit, "A");
     EXPECT_EQ(static_cast<int>(information.mNumberOfRegisters), 1);
 }
 
 TEST(ProfileKeys, CustomKeysCarryAliasesOfAnyBytes) {
-    std::string everyByte;
-    for (int byte = 0; byte < 256; ++byte) {
-        everyByte += static_cast<char>(byte);
-    }
+    std::string everyByte(256, '\0');
+    std::iota(everyByte.begin(), everyByte.end(), '\0');
     for (const std::string& alias : {everyByte, std::string("\xE7\x9B\xA4\xE5\x86\x85"), std::string(1, '\0'),
                                      std::string("_5f"), std::string("\xFF\xC3\x28")}) {
         std::string key = alias;

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/capture/Capture.h"
 #include "gateway/chains/ChainTable.h"
@@ -37,12 +34,6 @@ const std::string PROFILE = R"({
 "a/b": {"value": {"address": 501, "type": "boolean"}, "quality": {"constant": "Good"}}}},
 {"name": "Plain", "plain": true, "value": {"address": 103, "type": "text", "count": 2, "order": 1}}
 ]})";
-
-std::string ReadFile(const std::string& name) {
-    std::ifstream file(KZM_SOURCE_DIR "/" + name);
-    EXPECT_TRUE(file) << name;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 TEST(ProfileLoader, AnObjectOfSeveralValuesFillsAllAndGivesTheFirstFailure) {
     const auto profile = std::move(ProfileLoader::Load(PROFILE).profile);
@@ -144,42 +135,37 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 }
 
 TEST(ProfileLoader, AMaskThatCannotGiveALabelsRawValueIsToldWhereverItsBitsAre) {
-    const struct {
-        const char* type;
-        const char* mask;
-        const char* raw;
-        const char* warning;
-    } rows[] = {
-        {"enum16", "0x0FF0", "0xFF", ""},
-        {"enum16", "0x0FF0", "0x100", "raw value 256"},
-        {"enum16", "0x8001", "0x8001", ""},
-        {"enum16", "0x8001", "2", "raw value 2"},
-        {"enum16-unshifted", "0xF000", "0x1000", ""},
-        {"enum16-unshifted", "0xF000", "1", "raw value 1"},
-        {"enum32", "0x0FFFF000", "0xFFFF", ""},
-        {"enum32", "0x0FFFF000", "0x10000", "raw value 65536"},
-    };
-    for (const auto& row : rows) {
+    const char* const rows[][4] = {{"enum16", "0x0FF0", "0xFF", ""},
+                                   {"enum16", "0x0FF0", "0x100", "raw value 256"},
+                                   {"enum16", "0x8001", "0x8001", ""},
+                                   {"enum16", "0x8001", "2", "raw value 2"},
+                                   {"enum16-unshifted", "0xF000", "0x1000", ""},
+                                   {"enum16-unshifted", "0xF000", "1", "raw value 1"},
+                                   {"enum32", "0x0FFFF000", "0xFFFF", ""},
+                                   {"enum32", "0x0FFFF000", "0x10000", "raw value 65536"}};
+    for (const auto& [type, mask, raw, warning] : rows) {
         const auto loaded = ProfileLoader::Load(
             R"({"frames": [{"name": "a", "function": 3, "address": 0, "count": 2}], "enumerations": {"e": {")" +
-            std::string(row.raw) + R"(": "On"}}, "objects": [{"name": "o", "value": {"address": 0, "enumeration": "e",
+            std::string(raw) + R"(": "On"}}, "objects": [{"name": "o", "value": {"address": 0, "enumeration": "e",
             "frame": "a", "type": ")" +
-            row.type + R"(", "mask": ")" + row.mask + R"("}}]})");
+            type + R"(", "mask": ")" + mask + R"("}}]})");
         const std::string problems = Written(loaded.problems);
-        EXPECT_EQ(problems.empty(), std::string(row.warning).empty()) << row.mask << ' ' << problems;
-        EXPECT_NE(problems.find(row.warning), std::string::npos) << problems;
+        EXPECT_EQ(problems.empty(), std::string(warning).empty()) << mask << ' ' << problems;
+        EXPECT_NE(problems.find(warning), std::string::npos) << problems;
     }
 }
 
 TEST(ProfileLoader, AllFaultsAreToldInTheOrderOfTheLines) {
-    std::string text =
-        Replaced(PROFILE, "\"count\": 2, \"order\": 1", "\"count\": 2, \"order\": 7, \"mask\": \"0xFF\"");
-    text = Replaced(text, "\"count\": 20", "\"count\": \"20\"");
-    text = Replaced(
-        text, "\"address\": 500, \"count\": 4",
-        "\"address\": 500, \"count\": 4}, {\"name\": \"far\", \"function\": \"x\", \"address\": 65535, \"count\": 2");
-    text = Replaced(text, "\"alias\": \"x\"", "\"alias\": 1, \"alias\": 2");
-    text = Replaced(text, "\"offset\": 1", "\"ofset\": 1, \"count\": 9");
+    std::string text = PROFILE;
+    const std::pair<const char*, const char*> changes[] = {
+        {R"("count": 2, "order": 1)", R"("count": 2, "order": 7, "mask": "0xFF")"},
+        {R"("count": 20)", R"("count": "20")"},
+        {R"("count": 4})", R"("count": 4}, {"name": "far", "function": "x", "address": 65535, "count": 2})"},
+        {R"("alias": "x")", R"("alias": 1, "alias": 2)"},
+        {R"("offset": 1)", R"("ofset": 1, "count": 9)"}};
+    for (const auto& [old, replacement] : changes) {
+        text = Replaced(text, old, replacement);
+    }
     std::string pointers;
     for (const Problem& problem : ProfileLoader::Load(text).problems) {
         pointers += problem.pointer + ' ';

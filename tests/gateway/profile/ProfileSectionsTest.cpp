@@ -124,14 +124,9 @@ TEST(ProfileComputations, AValueTakesABoundedNumberOfElementsAndComputations) {
 
 TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
     Device device;
-    const struct {
-        std::uint16_t raw;  // above 65536
-        std::uint16_t exponent;
-        RegisterCache::Quality quality;  // of the raw value
-        RegisterCache::Quality exponentsQuality;
-        int status;
-        json expected;
-    } rows[] = {
+    // The raw value above 65536, the exponent, their qualities, the status and the value.
+    using Quality = RegisterCache::Quality;
+    const std::tuple<std::uint16_t, std::uint16_t, Quality, Quality, int, json> rows[] = {
         {0, 0, QUALITY_GOOD, QUALITY_GOOD, 0, {65536.0, "Good"}},
         {1, 0xFFFE, QUALITY_QUESTIONABLE, QUALITY_GOOD, 0, {655.37, "Questionable"}},
         {1, 22, QUALITY_QUESTIONABLE, QUALITY_BAD, 0, {65537e22, "Bad"}},
@@ -139,10 +134,10 @@ TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
         {1, 0x8001, QUALITY_GOOD, QUALITY_GOOD, 28, {nullptr, "Bad"}},
         {1, 0x8000, QUALITY_GOOD, QUALITY_GOOD, 42, {nullptr, "Bad"}},
     };
-    for (const auto& row : rows) {
-        device.Set(0, {0, 0, 0, row.exponent}, row.exponentsQuality);
-        device.Set(1, {0, 1, row.raw}, row.quality);
-        EXPECT_EQ(device.ValueOf("Energy", row.status), row.expected) << row.exponent;
+    for (const auto& [raw, exponent, quality, exponentsQuality, status, expected] : rows) {
+        device.Set(0, {0, 0, 0, exponent}, exponentsQuality);
+        device.Set(1, {0, 1, raw}, quality);
+        EXPECT_EQ(device.ValueOf("Energy", status), expected) << exponent;
     }
     device.Set(1, {0, 0, 0xFFFE});
     EXPECT_EQ(device.ValueOf("Energy", 42), json({nullptr, "Bad"}));

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -13,6 +15,12 @@
 #include "kz/orba/VortaORBAObject.h"
 
 namespace kzm::ModbusGateway {
+
+inline std::string ReadFile(const std::string& name) {
+    std::ifstream file(KZM_SOURCE_DIR "/" + name);
+    EXPECT_TRUE(file) << name;
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 inline std::string Replaced(std::string text, const std::string& old, const std::string& replacement) {
     const auto place = text.find(old);

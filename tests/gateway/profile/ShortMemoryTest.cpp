@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "Allocator.h"
 #include "gateway/capture/Capture.h"
 #include "gateway/profile/ProfileTesting.h"
@@ -21,20 +18,14 @@ using nlohmann::json;
 using StandIn::StoppedClock;
 using Testing::RunShortOfMemory;
 
-std::string ReadExample(const std::string& name) {
-    std::ifstream file(KZM_SOURCE_DIR "/profiles/" + name);
-    EXPECT_TRUE(file) << name;
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // A profile of profiles/ and one of its captures.
 struct ExampleProfile {
     explicit ExampleProfile(const std::string& name) : ExampleProfile(name, name) {}
     ExampleProfile(const std::string& name, const std::string& captureName) {
-        ProfileLoader::Result loaded = ProfileLoader::Load(ReadExample(name + ".jsonc"));
+        ProfileLoader::Result loaded = ProfileLoader::Load(ReadFile("profiles/" + name + ".jsonc"));
         profile = std::move(loaded.profile);
-        capture =
-            Capture::Parse(ReadExample(captureName + ".capture.json"), profile->GetDeviceFrames(), loaded.problems);
+        capture = Capture::Parse(ReadFile("profiles/" + captureName + ".capture.json"), profile->GetDeviceFrames(),
+                                 loaded.problems);
         EXPECT_EQ(Written(loaded.problems), "");
     }
 

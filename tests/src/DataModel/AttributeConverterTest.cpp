@@ -27,36 +27,33 @@ std::string Ask(AttributeConverter& converter, const std::shared_ptr<CacheReadAc
 TEST(AttributeConverter, OnlyAFrameUpdatedWithinTheLastTwelveSecondsIsFresh) {
     const auto cache = MakeCache("0007");
     const auto converter = MakeConverter({});
-    const struct {
-        std::uint64_t now, timestamp;
-        bool ignoreCacheAge;
-        const char* expected;
-    } ROWS[] = {{NOW, NOW, false, "0 Good 7"},
-                {NOW + (1ULL << 42), NOW + (1ULL << 42) - 12000, false, "0 Good 7"},  // past 2038 and 2106
-                {0, 1, false, "42 Questionable \"before\""},
-                {NOW, ~0ULL, false, "42 Questionable \"before\""},
-                {NOW, NOW - 12000, false, "0 Good 7"},
-                {NOW, NOW - 12001, false, "42 Questionable \"before\""},
-                {NOW, NOW + 1, false, "42 Questionable \"before\""},
-                {5, 0, false, "42 Questionable \"before\""},
-                {NOW, 0, true, "0 Good 7"},
-                {NOW, NOW - 12001, true, "0 Good 7"},
-                {NOW, NOW + 1, true, "0 Good 7"}};
-    for (const auto& row : ROWS) {
-        const StoppedClock clock(row.now);
-        cache->frames[0].timestamp = row.timestamp;
-        EXPECT_EQ(Ask(*converter, cache, row.ignoreCacheAge), row.expected) << row.timestamp << row.ignoreCacheAge;
+    const std::tuple<std::uint64_t, std::uint64_t, bool, const char*> ROWS[] = {
+        {NOW, NOW, false, "0 Good 7"},
+        {NOW + (1ULL << 42), NOW + (1ULL << 42) - 12000, false, "0 Good 7"},  // past 2038 and 2106
+        {0, 1, false, "42 Questionable \"before\""},
+        {NOW, ~0ULL, false, "42 Questionable \"before\""},
+        {NOW, NOW - 12000, false, "0 Good 7"},
+        {NOW, NOW - 12001, false, "42 Questionable \"before\""},
+        {NOW, NOW + 1, false, "42 Questionable \"before\""},
+        {5, 0, false, "42 Questionable \"before\""},
+        {NOW, 0, true, "0 Good 7"},
+        {NOW, NOW - 12001, true, "0 Good 7"},
+        {NOW, NOW + 1, true, "0 Good 7"}};
+    for (const auto& [now, timestamp, ignoreCacheAge, expected] : ROWS) {
+        const StoppedClock clock(now);
+        cache->frames[0].timestamp = timestamp;
+        EXPECT_EQ(Ask(*converter, cache, ignoreCacheAge), expected) << timestamp << ignoreCacheAge;
     }
 }
 
 TEST(AttributeConverter, TheCachesQualityIsPassedOnAndOnlyUninitialisedIsNoValue) {
     const StoppedClock clock(NOW);
     const auto cache = MakeCache("0007");
-    const char* const expected[] = {"42 Uninitialised \"before\"", "0 Good 7", "0 Bad 7", "0 Questionable 7",
-                                    "0 UNKNOWN 7"};
-    for (int quality = 0; quality < 5; ++quality) {
+    const char* const expected[] = {
+        "0 UNKNOWN 7", "42 Uninitialised \"before\"", "0 Good 7", "0 Bad 7", "0 Questionable 7", "0 UNKNOWN 7"};
+    for (int quality = -1; quality < 5; ++quality) {
         cache->frames[0].quality = static_cast<_Quality_t>(quality);
-        EXPECT_EQ(Ask(*MakeConverter({}), cache, true), expected[quality]);
+        EXPECT_EQ(Ask(*MakeConverter({}), cache, true), expected[quality + 1]);
     }
 }
 

@@ -106,9 +106,7 @@ TEST(ComputedAlarm, APreviousValueIsReadAgedUnderTheAlarmsNameAndItsOwn) {
 TEST(ComputedAlarm, AMeasurementIsReadFromItsSource) {
     const StoppedClock clock(NOW);
     const auto cache = MakeCache("0007");
-    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
-    object->SetAdapter(VALUE, MakeConverter({.frame = 0}));
-    const MeasurementComputedAlarmOperand ofObject("left", object), ofNothing("left", std::monostate{}),
+    const MeasurementComputedAlarmOperand ofObject("left", ObjectOf({})), ofNothing("left", std::monostate{}),
         ofNull("left", std::shared_ptr<ElementData>());
     auto quality = QUALITY_BAD;
     json value = "before";
@@ -119,8 +117,7 @@ TEST(ComputedAlarm, AMeasurementIsReadFromItsSource) {
     EXPECT_EQ(value, 7);
     EXPECT_EQ(quality, QUALITY_GOOD);
     EXPECT_EQ(ofObject.GetFrameIndexes(), std::set<std::uint8_t>{0});
-    const auto half = std::make_shared<DataObjectAdapter>("", "urn");
-    half->SetAdapter(VALUE, MakeConverter({.frame = 3}));
+    const auto half = ObjectOf({.frame = 3});
     half->SetAdapter(TIMESTAMP, MakeConverter({.frame = 255}));
     const CapturedLog quiet(OrbaLogLevel::NONE);
     EXPECT_EQ(MeasurementComputedAlarmOperand("left", half).GetFrameIndexes(), std::set<std::uint8_t>{3});
@@ -142,29 +139,25 @@ TEST(ComputedAlarm, ItsOutcomeFollowsOperandsThenChain) {
     const auto differ = std::make_shared<Differ>();
     const auto seven = Constant(7, "right");
     const auto noFrame = Measurement({.frame = 255});
-    const struct {
-        Operand left, right;
-        std::shared_ptr<ProcessingChain> chain;
-        std::shared_ptr<TestCache> cache;
-        const char* expected;
-    } ROWS[] = {{Measurement(), seven, differ, good, "0 Good \"Inactive\""},
-                {Measurement(), Constant(8, "right"), differ, good, "0 Good \"Active\""},
-                {Measurement(), seven, differ, doubtful, "0 Questionable \"Inactive\""},
-                {Measurement(), seven, differ, bad, "42 Bad \"before\""},
-                {Measurement(), seven, differ, stale, "42 Bad \"before\""},
-                {Measurement(), seven, differ, nullptr, "42 Bad \"before\""},
-                {noFrame, seven, differ, good, "42 Bad \"before\""},
-                {seven, Measurement(), differ, bad, "42 Bad \"before\""},
-                {Previous("x", "left"), Measurement({}, "right"), differ, bad, "42 Bad \"before\""},
-                {Previous("x", "left"), Measurement({}, "right"), differ, good, "0 Bad \"Inactive\""},
-                {nullptr, seven, differ, good, "1 Bad \"before\""},
-                {seven, nullptr, differ, good, "1 Bad \"before\""},
-                {Measurement(), seven, nullptr, good, "1 Bad \"before\""},
-                {Measurement(), seven, MakeChain({}), good, "28 Bad \"before\""},
-                {Measurement(), seven, MakeChain({{}}, 9), good, "9 Bad \"before\""},
-                {Measurement(), seven, MakeChain({{}}, 0, 1), good, "0 Bad \"before\""}};
-    for (const auto& row : ROWS) {
-        EXPECT_EQ(Evaluate(MakeAlarm(row.left, row.right, row.chain), row.cache, MakePrevious()), row.expected);
+    const std::tuple<Operand, Operand, std::shared_ptr<ProcessingChain>, std::shared_ptr<TestCache>, const char*>
+        ROWS[] = {{Measurement(), seven, differ, good, "0 Good \"Inactive\""},
+                  {Measurement(), Constant(8, "right"), differ, good, "0 Good \"Active\""},
+                  {Measurement(), seven, differ, doubtful, "0 Questionable \"Inactive\""},
+                  {Measurement(), seven, differ, bad, "42 Bad \"before\""},
+                  {Measurement(), seven, differ, stale, "42 Bad \"before\""},
+                  {Measurement(), seven, differ, nullptr, "42 Bad \"before\""},
+                  {noFrame, seven, differ, good, "42 Bad \"before\""},
+                  {seven, Measurement(), differ, bad, "42 Bad \"before\""},
+                  {Previous("x", "left"), Measurement({}, "right"), differ, bad, "42 Bad \"before\""},
+                  {Previous("x", "left"), Measurement({}, "right"), differ, good, "0 Bad \"Inactive\""},
+                  {nullptr, seven, differ, good, "1 Bad \"before\""},
+                  {seven, nullptr, differ, good, "1 Bad \"before\""},
+                  {Measurement(), seven, nullptr, good, "1 Bad \"before\""},
+                  {Measurement(), seven, MakeChain({}), good, "28 Bad \"before\""},
+                  {Measurement(), seven, MakeChain({{}}, 9), good, "9 Bad \"before\""},
+                  {Measurement(), seven, MakeChain({{}}, 0, 1), good, "0 Bad \"before\""}};
+    for (const auto& [left, right, chain, cache, expected] : ROWS) {
+        EXPECT_EQ(Evaluate(MakeAlarm(left, right, chain), cache, MakePrevious()), expected);
     }
 }
 
@@ -173,24 +166,20 @@ TEST(ComputedAlarm, AHasChangedAlarmKeepsTheMeasurementForTheNextEvaluation) {
     const auto previous = MakePrevious();
     const auto alarm = MakeAlarm(Measurement(), Previous("state"), std::make_shared<Differ>());
     const CapturedLog quiet(OrbaLogLevel::NONE);
-    const struct {
-        std::uint64_t time;
-        const char* registers;
-        _Quality_t quality;
-        const char* expected;
-    } HISTORY[] = {{0, "0001", QUALITY_GOOD, "0 Bad \"Inactive\""},  // no previous value yet
-                   {10'000, "0001", QUALITY_GOOD, "0 Good \"Inactive\""},
-                   {20'000, "0002", QUALITY_GOOD, "0 Good \"Active\""},
-                   {30'000, "0002", QUALITY_GOOD, "0 Good \"Inactive\""},
-                   {40'000, "0003", QUALITY_BAD, "42 Bad \"before\""},    // kept nevertheless
-                   {50'000, "0003", QUALITY_GOOD, "0 Bad \"Inactive\""},  // against a Bad previous value
-                   {50'000 + LIMIT, "0004", QUALITY_GOOD, "0 Good \"Active\""},
-                   {50'001 + 2 * LIMIT, "0005", QUALITY_GOOD, "0 Bad \"Inactive\""}};  // the previous value is too old
-    for (const auto& step : HISTORY) {
-        const StoppedClock clock(NOW + step.time);
-        cache->frames[0] = {Hex(step.registers), NOW + step.time, step.quality};
-        EXPECT_EQ(Evaluate(alarm, cache, previous), step.expected) << step.time;
-        EXPECT_EQ((*previous)["alarmstate"].timestamp, NOW + step.time);
+    const std::tuple<std::uint64_t, const char*, _Quality_t, const char*> HISTORY[] = {
+        {0, "0001", QUALITY_GOOD, "0 Bad \"Inactive\""},  // no previous value yet
+        {10'000, "0001", QUALITY_GOOD, "0 Good \"Inactive\""},
+        {20'000, "0002", QUALITY_GOOD, "0 Good \"Active\""},
+        {30'000, "0002", QUALITY_GOOD, "0 Good \"Inactive\""},
+        {40'000, "0003", QUALITY_BAD, "42 Bad \"before\""},    // kept nevertheless
+        {50'000, "0003", QUALITY_GOOD, "0 Bad \"Inactive\""},  // against a Bad previous value
+        {50'000 + LIMIT, "0004", QUALITY_GOOD, "0 Good \"Active\""},
+        {50'001 + 2 * LIMIT, "0005", QUALITY_GOOD, "0 Bad \"Inactive\""}};  // the previous value is too old
+    for (const auto& [time, registers, quality, expected] : HISTORY) {
+        const StoppedClock clock(NOW + time);
+        cache->frames[0] = {Hex(registers), NOW + time, quality};
+        EXPECT_EQ(Evaluate(alarm, cache, previous), expected) << time;
+        EXPECT_EQ((*previous)["alarmstate"].timestamp, NOW + time);
     }
     EXPECT_EQ(previous->size(), 1U);
     // A value that could not be had is not kept.

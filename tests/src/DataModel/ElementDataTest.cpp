@@ -13,20 +13,19 @@ std::string Swapped(void (*swap)(unsigned char*, unsigned), const std::string& t
 }  // namespace
 
 TEST(ElementData, SwapsReverseWordsAndBytesOfTheLengthsTheyKnow) {
-    const struct {
-        const char *bytes, *words, *inWords, *both;
-    } ROWS[] = {{"A", "A", "A", "A"},
-                {"AB", "AB", "BA", "BA"},
-                {"ABC", "ABC", "ABC", "ABC"},
-                {"ABCD", "CDAB", "BADC", "DCBA"},
-                {"ABCDE", "ABCDE", "ABCDE", "ABCDE"},
-                {"ABCDEF", "EFCDAB", "BADCFE", "FEDCBA"},
-                {"ABCDEFGH", "GHEFCDAB", "BADCFEHG", "HGFEDCBA"},
-                {"ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ"}};
-    for (const auto& row : ROWS) {
-        EXPECT_EQ(Swapped(ElementData::WordSwap, row.bytes), row.words);
-        EXPECT_EQ(Swapped(ElementData::ByteSwap, row.bytes), row.inWords);
-        EXPECT_EQ(Swapped(ElementData::ByteAndWordSwap, row.bytes), row.both);
+    const std::tuple<const char*, const char*, const char*, const char*> ROWS[] = {
+        {"A", "A", "A", "A"},
+        {"AB", "AB", "BA", "BA"},
+        {"ABC", "ABC", "ABC", "ABC"},
+        {"ABCD", "CDAB", "BADC", "DCBA"},
+        {"ABCDE", "ABCDE", "ABCDE", "ABCDE"},
+        {"ABCDEF", "EFCDAB", "BADCFE", "FEDCBA"},
+        {"ABCDEFGH", "GHEFCDAB", "BADCFEHG", "HGFEDCBA"},
+        {"ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ", "ABCDEFGHIJ"}};
+    for (const auto& [bytes, words, inWords, both] : ROWS) {
+        EXPECT_EQ(Swapped(ElementData::WordSwap, bytes), words);
+        EXPECT_EQ(Swapped(ElementData::ByteSwap, bytes), inWords);
+        EXPECT_EQ(Swapped(ElementData::ByteAndWordSwap, bytes), both);
     }
     ElementData::ByteAndWordSwap(nullptr, 4);
 }

@@ -64,33 +64,27 @@ TEST(ExtendedElementData, TakesTheBytesAsTheyWereReadWhateverOrderAndMask) {
 }
 
 TEST(ExtendedElementData, ThePatternIsComparedAsTextWithoutLeadingZeros) {
-    const struct {
-        const char *pattern, *bytes, *expected;
-    } ROWS[] = {{"0xFFFF", "FFFF", "null!"}, {"0xffff", "FFFF", "u65535"}, {"0xFF", "00FF", "null!"},
-                {"0x00FF", "00FF", "u255"},  {"0x0", "0000", "null!"},     {"0x1234", "12345678", "null!"}};
-    for (const auto& row : ROWS) {
-        EXPECT_EQ(Extended({.code = 2, .pattern = row.pattern}, row.bytes), row.expected) << row.pattern;
+    const std::tuple<const char*, const char*, const char*> ROWS[] = {
+        {"0xFFFF", "FFFF", "null!"}, {"0xffff", "FFFF", "u65535"}, {"0xFF", "00FF", "null!"},
+        {"0x00FF", "00FF", "u255"},  {"0x0", "0000", "null!"},     {"0x1234", "12345678", "null!"}};
+    for (const auto& [pattern, bytes, expected] : ROWS) {
+        EXPECT_EQ(Extended({.code = 2, .pattern = pattern}, bytes), expected) << pattern;
     }
 }
 
 TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) {
+    // clang-format off
     const struct {
         std::map<std::string, json> answers;
         double scale;
         const char* expected;
-    } ROWS[] = {{{}, 1, "f12345.0"},
-                {{{"a", -2}}, 1, "f123.45"},
-                {{{"a", 3U}}, 2, "f24690000.0"},
-                {{{"a", 1}, {"b", "-1"}}, 1, "f1234.5"},
-                {{{"a", 1}, {"b", "one"}}, 1, "f123450.0"},
-                {{{"a", 1.0}, {"b", true}}, 0.5, "f61720.0"},
-                {{{"a", 400}}, 1, "null!"},
-                {{{"a", -400}}, 1, "f0.0"},
-                {{}, -1, "null!"},
-                {{}, 1e18, "null!"},
-                {{}, 3e19, "null!"},
-                {{}, INFINITY, "null!"},
-                {{}, NAN, "null!"}};
+    } ROWS[] = {
+        {{}, 1, "f12345.0"}, {{{"a", -2}}, 1, "f123.45"}, {{{"a", 3U}}, 2, "f24690000.0"},
+        {{{"a", 1}, {"b", "-1"}}, 1, "f1234.5"}, {{{"a", 1}, {"b", "one"}}, 1, "f123450.0"},
+        {{{"a", 1.0}, {"b", true}}, 0.5, "f61720.0"}, {{{"a", 400}}, 1, "null!"}, {{{"a", -400}}, 1, "f0.0"},
+        {{}, -1, "null!"}, {{}, 1e18, "null!"}, {{}, 3e19, "null!"}, {{}, INFINITY, "null!"}, {{}, NAN, "null!"},
+    };
+    // clang-format on
     for (const auto& row : ROWS) {
         for (const int code : {34, 35, 36, 37}) {
             const CapturedLog log;

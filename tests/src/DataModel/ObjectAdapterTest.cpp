@@ -81,37 +81,33 @@ TEST(SimpleObjectAdapter, AFailureLeavesTheObjectAsItWas) {
 }
 
 TEST(ElementPath, IsSplitAsAJsonPointerAndMakesMissingParentsObjects) {
-    const struct {
-        const char *path, *before, *after;
-    } ROWS[] = {{"a", "{}", R"({"elements":{"a":{"value":1}}})"},
-                {"a/b", R"({"elements": {"a": null}})", R"({"elements":{"a":{"b":{"value":1}}}})"},
-                {"0", "null", R"({"elements":{"0":{"value":1}}})"},
-                {"1", R"({"elements": [{}, {"x": 2}]})", R"({"elements":[{},{"value":1,"x":2}]})"},
-                {"0", R"({"elements": []})", R"({"elements":[{"value":1}]})"},
-                {"2/a", R"({"elements": [5]})", R"({"elements":[5,null,{"a":{"value":1}}]})"},
-                {"-", R"({"elements": [{}]})", R"({"elements":[{},{"value":1}]})"},
-                {"a~1b~0", "{}", R"({"elements":{"a/b~":{"value":1}}})"},
-                {"/", "{}", R"({"elements":{"":{"":{"value":1}}}})"}};
-    for (const auto& row : ROWS) {
-        SimpleObjectAdapter adapter(row.path, Constant(1));
-        EXPECT_EQ(Fill(adapter, nullptr, row.before), std::string("0 ") + row.after) << row.path;
+    const std::tuple<const char*, const char*, const char*> ROWS[] = {
+        {"a", "{}", R"({"elements":{"a":{"value":1}}})"},
+        {"a/b", R"({"elements": {"a": null}})", R"({"elements":{"a":{"b":{"value":1}}}})"},
+        {"0", "null", R"({"elements":{"0":{"value":1}}})"},
+        {"1", R"({"elements": [{}, {"x": 2}]})", R"({"elements":[{},{"value":1,"x":2}]})"},
+        {"0", R"({"elements": []})", R"({"elements":[{"value":1}]})"},
+        {"2/a", R"({"elements": [5]})", R"({"elements":[5,null,{"a":{"value":1}}]})"},
+        {"-", R"({"elements": [{}]})", R"({"elements":[{},{"value":1}]})"},
+        {"a~1b~0", "{}", R"({"elements":{"a/b~":{"value":1}}})"},
+        {"/", "{}", R"({"elements":{"":{"":{"value":1}}}})"}};
+    for (const auto& [path, before, after] : ROWS) {
+        SimpleObjectAdapter adapter(path, Constant(1));
+        EXPECT_EQ(Fill(adapter, nullptr, before), std::string("0 ") + after) << path;
     }
-    const struct {
-        const char *path, *before;
-        int error;
-    } FAILURES[] = {{"xy", R"({"elements": []})", 109},
-                    {"01", R"({"elements": [1, 2]})", 106},
-                    {"99999999999999999999", R"({"elements": []})", 404},
-                    {"x", R"({"elements": 5})", 404},
-                    {"x", "5", 404},
-                    {"", "5", 305}};
-    for (const auto& row : FAILURES) {
-        SimpleObjectAdapter adapter(row.path, Constant(1));
+    const std::tuple<const char*, const char*, int> FAILURES[] = {{"xy", R"({"elements": []})", 109},
+                                                                  {"01", R"({"elements": [1, 2]})", 106},
+                                                                  {"99999999999999999999", R"({"elements": []})", 404},
+                                                                  {"x", R"({"elements": 5})", 404},
+                                                                  {"x", "5", 404},
+                                                                  {"", "5", 305}};
+    for (const auto& [path, before, id] : FAILURES) {
+        SimpleObjectAdapter adapter(path, Constant(1));
         try {
-            Fill(adapter, nullptr, row.before);
-            ADD_FAILURE() << row.path << " in " << row.before;
+            Fill(adapter, nullptr, before);
+            ADD_FAILURE() << path << " in " << before;
         } catch (const json::exception& error) {
-            EXPECT_EQ(error.id, row.error) << row.path;
+            EXPECT_EQ(error.id, id) << path;
         }
     }
     EXPECT_THROW(SimpleObjectAdapter("a~2", Constant(1)), json::parse_error);
@@ -136,38 +132,34 @@ TEST(DataObjectAdapter, WritesValueQualityAndDateTime) {
 
 TEST(DataObjectAdapter, TheQualityAdaptersTextIsGoodOrBad) {
     const StoppedClock clock(NOW);
-    const struct {
-        json text;
-        const char* expected;
-    } ROWS[] = {{"Good", "Good"}, {"Questionable", "Bad"}, {"good", "Bad"}, {1, "Uninitialised"}};
+    const std::pair<json, const char*> ROWS[] = {
+        {"Good", "Good"}, {"Questionable", "Bad"}, {"good", "Bad"}, {1, "Uninitialised"}};
     const CapturedLog quiet(OrbaLogLevel::NONE);
-    for (const auto& row : ROWS) {
-        const auto object = MakeObject({{VALUE, Constant(1)}, {QUALITY, Constant(row.text)}});
-        EXPECT_EQ(Fill(*object), "0 {" + DATE + ",\"quality\":\"" + row.expected + "\",\"value\":1}") << row.text;
+    for (const auto& [text, expected] : ROWS) {
+        const auto object = MakeObject({{VALUE, Constant(1)}, {QUALITY, Constant(text)}});
+        EXPECT_EQ(Fill(*object), "0 {" + DATE + ",\"quality\":\"" + expected + "\",\"value\":1}") << text;
     }
 }
 
 TEST(DataObjectAdapter, WithoutAValueTheQualityIsBadAndTheReasonIsReturned) {
     const StoppedClock clock(NOW);
-    const struct {
-        std::map<AttributeAdapterType, Adapter> adapters;
-        int status;
-    } ROWS[] = {{{{VALUE, Fail(42)}}, 42},
-                {{}, 1},
-                {{{VALUE, Fail(44)}}, 1},
-                {{{VALUE, Fail(7)}}, 7},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant(false)}}, 63},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Constant("true")}}, 1},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(42)}}, 42},
-                {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(1)}}, 1},
-                {{{VALUE, Constant(1)}, {QUALITY, Fail(42)}}, 42},
-                {{{VALUE, Constant(1)}, {QUALITY, Fail(20)}}, 20}};
+    const std::pair<std::map<AttributeAdapterType, Adapter>, int> ROWS[] = {
+        {{{VALUE, Fail(42)}}, 42},
+        {{}, 1},
+        {{{VALUE, Fail(44)}}, 1},
+        {{{VALUE, Fail(7)}}, 7},
+        {{{VALUE, Constant(1)}, {AVAILABILITY, Constant(false)}}, 63},
+        {{{VALUE, Constant(1)}, {AVAILABILITY, Constant("true")}}, 1},
+        {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(42)}}, 42},
+        {{{VALUE, Constant(1)}, {AVAILABILITY, Fail(1)}}, 1},
+        {{{VALUE, Constant(1)}, {QUALITY, Fail(42)}}, 42},
+        {{{VALUE, Constant(1)}, {QUALITY, Fail(20)}}, 20}};
     CapturedLog log;
     std::string lines;
-    for (const auto& row : ROWS) {
+    for (const auto& [adapters, status] : ROWS) {
         log.Clear();
-        EXPECT_EQ(Fill(*MakeObject(row.adapters), nullptr, R"({"value": "old"})"),
-                  std::to_string(row.status) + " {" + DATE + R"(,"quality":"Bad","value":"old"})");
+        EXPECT_EQ(Fill(*MakeObject(adapters), nullptr, R"({"value": "old"})"),
+                  std::to_string(status) + " {" + DATE + R"(,"quality":"Bad","value":"old"})");
         for (const auto& line : log.Lines()) {
             // Without the traces of the value and the missing timestamp adapter.
             if (line.text.find("urn='urn', value=") == std::string::npos &&

@@ -1,6 +1,5 @@
 #include "Allocator.h"
 #include "DataModel/ComputedAlarmElement.h"
-#include "DataModel/DataObjectAdapter.h"
 #include "DataModel/MeasurementComputedAlarmOperand.h"
 #include "DataModel/PreviousMeasurementComputedAlarmOperand.h"
 #include "Device/DeviceModel.h"
@@ -14,8 +13,7 @@ using Testing::CountAllocations;
 TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     const StoppedClock clock(NOW);
     const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");
-    const auto adapter = std::make_shared<DataObjectAdapter>("", "urn");
-    adapter->SetAdapter(VALUE, MakeConverter({.code = 14, .registers = 2}));
+    const auto adapter = ObjectOf({.code = 14, .registers = 2});
     const std::string name = "ElectricalMeasurement.RmsCurrentPhsA";
     const Device::DeviceModel model(Device::DeviceModel::ObjectAdapters{{{name, ""}, adapter}}, {}, {}, {}, {}, true);
     VortaORBAObject object("id", name, "", nullptr);
@@ -65,6 +63,9 @@ TEST(CustomAlarm, AnOutcomeIsWrittenWhereverItsPreviousValueWasReplaced) {
     const auto state = [&](const char* leaf) { return object.GetValue()["elements"]["state"][leaf]; };
     const std::string late = "2023-11-14T22:13:25.000Z";
     std::size_t early = 0;
+    prepare();
+    EXPECT_EQ(Number(model.GetCustomAlarmVortaObjectValue(cache, false, object, previous)), 0);
+    EXPECT_EQ(state("datetime"), late) << "the date-time is that after the evaluation";
     prepare();
     Testing::RunShortOfMemory([&] { model.GetCustomAlarmVortaObjectValue(cache, false, object, previous); },
                               [&] {

@@ -74,26 +74,6 @@ TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     EXPECT_TRUE(instantaneous);
 }
 
-TEST(CustomAlarm, ItsDateTimeIsThatAfterTheEvaluation) {
-    const StoppedClock clock(NOW);
-    struct SlowChain : ProcessingChain {
-        SlowChain() : ProcessingChain({{}}, "slow", false) {}
-        StatusCode Process(const json&, json& result) const override {
-            StandIn::SetClock(NOW + 5000);
-            result = true;
-            return StatusCode{};
-        }
-    };
-    const auto constant = std::make_shared<ConstantComputedAlarmOperand>("a", 1);
-    const auto alarm = std::make_shared<ComputedAlarmElement>("", false, "", "", "", std::make_shared<SlowChain>(),
-                                                              constant, constant);
-    const DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {}, {{{"Alarm", ""}, alarm}}, true);
-    VortaORBAObject object("id", "Alarm", "", STRUCTURE);
-    const auto previous = std::make_shared<PreviousMeasurements::element_type>();
-    EXPECT_EQ(Number(model.GetCustomAlarmVortaObjectValue(nullptr, false, object, previous)), 0);
-    EXPECT_EQ(object.GetValue()["elements"]["state"]["datetime"], "2023-11-14T22:13:25.000Z");
-}
-
 TEST(ServiceMapping, BindsAServicesElementsToTheFrames) {
     CapturedLog log(OrbaLogLevel::INFORMATION);
     const auto holding = ModbusFunctionCode::READ_HOLDING_REGISTERS;

@@ -3,7 +3,6 @@
 #include <future>
 
 #include "DataModel/AttributeConstant.h"
-#include "DataModel/DataObjectAdapter.h"
 #include "src/TestCache.h"
 
 namespace kzm::ModbusDeviceModel::Test {
@@ -14,15 +13,9 @@ namespace {
 
 const std::string NAME = "ElectricalMeasurement.RmsCurrentPhsA";
 
-std::shared_ptr<DataObjectAdapter> MakeObject(const Traits& traits) {
-    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
-    object->SetAdapter(VALUE, MakeConverter(traits));
-    return object;
-}
-
 std::unique_ptr<DeviceModel> MakeModel(bool bigEndian = true) {
-    DeviceModel::ObjectAdapters adapters{{{NAME, ""}, MakeObject({.code = 14, .registers = 2})},
-                                         {{NAME, "second"}, MakeObject({})},
+    DeviceModel::ObjectAdapters adapters{{{NAME, ""}, ObjectOf({.code = 14, .registers = 2})},
+                                         {{NAME, "second"}, ObjectOf({})},
                                          {{"null", ""}, nullptr}};
     return std::make_unique<DeviceModel>(
         std::move(adapters),

@@ -1,5 +1,4 @@
 #include "DataModel/ComputedAlarmElement.h"
-#include "DataModel/DataObjectAdapter.h"
 #include "DataModel/ExtendedElementData.h"
 #include "DataModel/LogicCodeDependency.h"
 #include "DataModel/MeasurementComputedAlarmOperand.h"
@@ -25,12 +24,6 @@ std::vector<FrameData> MakeFrames(std::uint16_t count) {
 
 std::shared_ptr<ElementData> ElementOf(std::uint8_t frame) {
     return std::make_shared<ElementData>(MakeElement({.code = 31, .registers = 2, .frame = frame}));
-}
-
-std::shared_ptr<DataObjectAdapter> ObjectOf(std::uint8_t frame) {
-    const auto object = std::make_shared<DataObjectAdapter>("", "urn");
-    object->SetAdapter(VALUE, MakeConverter({.scale = 0.5, .frame = frame}));
-    return object;
 }
 
 // Indexes of the frames, each with its first register, which is its index.
@@ -66,8 +59,8 @@ TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
     edm::modbus::Vorta::GetCustomMeasurementNameCodec().Encode(custom);
     CapturedLog log(OrbaLogLevel::ERROR);
     const DeviceModel ofObjects(
-        DeviceModel::ObjectAdapters{{{CUSTOM, "my pump"}, ObjectOf(0)}, {{"null", ""}, nullptr}}, MakeFrames(1),
-        {{custom, "bar"}}, {}, {}, true);
+        DeviceModel::ObjectAdapters{{{CUSTOM, "my pump"}, ObjectOf({.scale = 0.5})}, {{"null", ""}, nullptr}},
+        MakeFrames(1), {{custom, "bar"}}, {}, {}, true);
     const auto pump = ofObjects.GetMeasurementInformation(custom);
     EXPECT_EQ(pump.mRegisterAddress, 100);
     EXPECT_EQ(pump.mScaleFactor, 0.5);
@@ -106,9 +99,9 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     const auto operand = std::make_shared<MeasurementComputedAlarmOperand>("a", ElementOf(2));
     const auto alarm = std::make_shared<ComputedAlarmElement>("alarm", false, "LOW", "", "", nullptr, operand, operand);
     CapturedLog log;
-    const DeviceModel ofObjects(DeviceModel::ObjectAdapters{{{"object", ""}, ObjectOf(1)},
-                                                            {{"alarm", ""}, ObjectOf(1)},
-                                                            {{"lost", ""}, ObjectOf(9)},
+    const DeviceModel ofObjects(DeviceModel::ObjectAdapters{{{"object", ""}, ObjectOf({.frame = 1})},
+                                                            {{"alarm", ""}, ObjectOf({.frame = 1})},
+                                                            {{"lost", ""}, ObjectOf({.frame = 9})},
                                                             {{"null", ""}, nullptr}},
                                 MakeFrames(3), {}, {}, {{{"alarm", ""}, alarm}}, true);
     const auto ask = [&](const DeviceModel& model, const char* name, const char* alias = "") {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "Device/CustomMeasureClassName.h"
-#include "DeviceCache/Quality.h"
 #include "DeviceProfile/LogicCodeTable.h"
 #include "kzm/StandIn/CapturedLog.h"
 
@@ -52,11 +51,7 @@ TEST(LogicCode, TheClassNameFollowsTheKindOfValue) {
     }
 }
 
-TEST(LogicCode, EachHasItsRowAndAnotherHasNoConversion) {
-    for (const auto& row : LogicCodeRows()) {
-        EXPECT_EQ(&RowOf(LogicCodeIdentifier{row.code}), &row);
-        EXPECT_NE(row.family, Family::NONE) << row.name;
-    }
+TEST(LogicCode, AnUnknownOneHasNoConversion) {
     const auto& unknown = RowOf(LogicCodeIdentifier{255});
     EXPECT_EQ(unknown.family, Family::NONE);
     EXPECT_EQ(unknown.valueClass, ValueClass::NONE);
@@ -83,13 +78,6 @@ TEST(EnumerationPairData, MatchesItsOwnTypeExactly) {
     EXPECT_FALSE(text.matches("ab") || text.matches("") || empty.matches("a") || empty.matches(0U));
     EXPECT_FALSE(text.matches(nullptr) || empty.matches(nullptr) || number.matches(nullptr));
     EXPECT_THROW(EnumerationPairData(static_cast<const char*>(nullptr), "label"), std::logic_error);
-}
-
-TEST(Quality, HasATextForEachNumber) {
-    const char* const texts[] = {"UNKNOWN", "Uninitialised", "Good", "Bad", "Questionable", "UNKNOWN"};
-    for (int quality = -1; quality <= 4; ++quality) {
-        EXPECT_EQ(DeviceCache::ConvertToString(static_cast<DeviceCache::_Quality_t>(quality)), texts[quality + 1]);
-    }
 }
 
 }  // namespace kzm::ModbusDeviceModel::DeviceProfile

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <stdexcept>
 
 #include "dictionary/DeviceElementLookUp.h"
@@ -12,14 +13,6 @@ namespace {
 
 using kz::orba::VortaExtensionModbus::Device::DeviceElementLookUp;
 using kzm::Vorta::VortaId;
-
-std::string EveryByte() {
-    std::string bytes;
-    for (int byte = 0; byte < 256; ++byte) {
-        bytes += static_cast<char>(byte);
-    }
-    return bytes;
-}
 
 }  // namespace
 
@@ -38,9 +31,11 @@ TEST(Naming, AnAliasBecomesPartOfAnIdAndBack) {
         Vorta::GetCustomMeasurementNameCodec().Encode(text);
         EXPECT_EQ(text, "7b8" + encoded);
     }
-    const std::string encoded = VortaId::EncodeCustomAlias(EveryByte());
+    std::string everyByte(256, '\0');
+    std::iota(everyByte.begin(), everyByte.end(), '\0');
+    const std::string encoded = VortaId::EncodeCustomAlias(everyByte);
     EXPECT_EQ(encoded.size(), 62U + 3 * 194);
-    EXPECT_EQ(VortaId::DecodeAliasSuffix(encoded), EveryByte());
+    EXPECT_EQ(VortaId::DecodeAliasSuffix(encoded), everyByte);
 }
 
 TEST(Naming, OnlyWhatTheEncoderMakesIsDecoded) {
