@@ -27,6 +27,18 @@ termios SettingsOf(const ScriptedDevice& device, const SerialPort& port) {
     return settings;
 }
 
+// QEMU's user mode knows no speed above 460800.
+bool SystemKnows(const ScriptedDevice& device, speed_t speed) {
+    termios settings{};
+    tcgetattr(device.GetOtherEnd(), &settings);
+    const termios before = settings;
+    cfsetspeed(&settings, speed);
+    tcsetattr(device.GetOtherEnd(), TCSANOW, &settings);
+    tcgetattr(device.GetOtherEnd(), &settings);
+    tcsetattr(device.GetOtherEnd(), TCSANOW, &before);
+    return cfgetospeed(&settings) == speed;
+}
+
 TEST(ModbusConnection, SetsTheSerialLineAsItIsTold) {
     const ScriptedDevice device(0ms);
     for (const auto& [baud, speed] : std::initializer_list<std::pair<int, speed_t>>{
@@ -35,6 +47,9 @@ TEST(ModbusConnection, SetsTheSerialLineAsItIsTold) {
              {115200, B115200},   {230400, B230400},   {460800, B460800},   {500000, B500000},   {576000, B576000},
              {921600, B921600},   {1000000, B1000000}, {1152000, B1152000}, {1500000, B1500000}, {2500000, B2500000},
              {3000000, B3000000}, {3500000, B3500000}, {4000000, B4000000}}) {
+        if (speed > B460800 && !SystemKnows(device, speed)) {
+            continue;
+        }
         const termios settings = SettingsOf(device, {.device = device.GetLineName(), .baud = baud});
         EXPECT_EQ(cfgetospeed(&settings), speed) << baud;
         EXPECT_EQ(cfgetispeed(&settings), speed) << baud;
