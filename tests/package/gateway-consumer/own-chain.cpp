@@ -1,5 +1,4 @@
-// Loads a profile that names a processing chain of one's own beside the library's, feeds its registers as a reader of
-// one's own would, and prints an object.
+// A processing chain of one's own, which a profile names beside the library's.
 #include <iostream>
 
 #include "gateway/cache/RegisterCache.h"
