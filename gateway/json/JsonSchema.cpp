@@ -43,7 +43,10 @@ public:
         AddMissingMembers(place);
         AddUnknownMembers(place);
         if (mProblems.size() == before && (!isAroundAnother || HasWrongSize(place))) {
-            Report(place.pointer, Cited(*place.value) + " is not allowed here; allowed: " + Describe(place.rules));
+            const std::string cited = Cited(*place.value);
+            const std::string text = place.value->is_string() ? place.value->get<std::string>() : "";
+            Report(place.pointer,
+                   cited + " is not allowed here" + Alternatives(text, ChoicesOf(place.rules), Describe(place.rules)));
             mFaulty.push_back(place.pointer);
         }
     }
@@ -130,6 +133,19 @@ private:
             }
         }
         return description;
+    }
+
+    // The texts that are allowed where only some are.
+    static Names ChoicesOf(const Rules& rules) {
+        Names choices;
+        for (const json* rule : rules) {
+            for (const auto& value : rule->value("enum", json::array())) {
+                if (value.is_string()) {
+                    choices.push_back(value);
+                }
+            }
+        }
+        return choices;
     }
 
     // Whether a list or an object has too few or too many items, whatever else is wrong within it.

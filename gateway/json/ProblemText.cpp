@@ -1,7 +1,7 @@
 #include "gateway/json/ProblemText.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <set>
 
 namespace kzm::ModbusGateway {
 
@@ -29,14 +29,18 @@ std::string Quoted(std::string_view text) {
 }
 
 std::string ListOf(const Names& names) {
+    std::set<std::string_view> listed;
     std::string list;
-    for (std::size_t i = 0; i < std::min(names.size(), MOST_LISTED_NAMES); ++i) {
-        list += (i == 0 ? "" : ", ") + Quoted(names[i]);
+    for (const std::string& name : names) {
+        if (!listed.insert(name).second) {
+            continue;
+        }
+        if (listed.size() > MOST_LISTED_NAMES) {
+            return list + ", ...";
+        }
+        list += (list.empty() ? "" : ", ") + Quoted(name);
     }
-    if (names.empty()) {
-        return "none";
-    }
-    return names.size() > MOST_LISTED_NAMES ? list + ", ..." : list;
+    return list.empty() ? "none" : list;
 }
 
 std::string Cited(const nlohmann::json& value) {

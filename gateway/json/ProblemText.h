@@ -13,7 +13,7 @@ namespace kzm::ModbusGateway {
 // The text between quotation marks; after 200 bytes "..." stands for the rest.
 KZM_GATEWAY_EXPORT std::string Quoted(std::string_view text);
 
-// `"a", "b", "c"`, "..." after 20 names; "none" for no names.
+// `"a", "b", "c"`, each name once, "..." after 20; "none" for no names.
 KZM_GATEWAY_EXPORT std::string ListOf(const Names& names);
 
 // A JSON value as text, "..." after 40 bytes; "this list" or "this object" for what has members.

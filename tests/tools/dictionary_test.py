@@ -64,6 +64,7 @@ class DictionaryTest(unittest.TestCase):
     def test_what_is_not_there_has_its_status_and_tells_what_is_near(self):
         rows = [
             (5, ["MinIA"], 'no key "MinIA"; did you mean "DTMinIA;MinIA"'),
+            (5, ["rmscurrent"], 'no key "rmscurrent"; --search TEXT searches names, too'),
             (5, ["--search", "no such text"], "no element of the dictionary matches the options"),
             (2, ["--table", "alarms"], "alarm"),
             (2, ["Hz", "--table", "alarm"], "cannot be combined with"),

@@ -56,6 +56,12 @@ std::string Reword(const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
         return text.substr(0, text.find(':')) + " needs a value";
     }
+    const std::size_t choice = text.find(" option from [");
+    if (choice != text.npos) {
+        const std::size_t names = text.find('[') + 1;
+        const std::string list = text.substr(names, text.find(']') - names);
+        return "exactly one of " + CLI::detail::find_and_replace(list, ",", ", ") + " is required";
+    }
     const auto* excludes = dynamic_cast<const CLI::ExcludesError*>(&error);
     return excludes ? CLI::detail::find_and_replace(text, " excludes ", " cannot be combined with ") : text;
 }
@@ -70,7 +76,9 @@ std::string DescribeUsage(const CLI::App& app, const CLI::App& command, const CL
         CollectOptions(command, names);
         CollectOptions(app, names);
         const std::string name = option->substr(0, option->find('='));
-        return "no option " + Quoted(name) + Suggestion(name, names);
+        const bool isMisplaced = std::find(names.begin(), names.end(), name) != names.end();
+        return isMisplaced ? name + " must come after the command"
+                           : "no option " + Quoted(name) + Suggestion(name, names);
     }
     const bool isExtra = dynamic_cast<const CLI::ExtrasError*>(&error) && !unknown.empty();
     return isExtra ? "unexpected argument " + Quoted(unknown.front()) : Reword(error);

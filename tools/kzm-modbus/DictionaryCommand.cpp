@@ -128,13 +128,19 @@ void PrintElement(const Element& element) {
     PrintTable(rows);
 }
 
+std::string WhyNothingIsFound(const DictionaryOptions& options) {
+    if (options.key.empty()) {
+        return "no element of the dictionary matches the options";
+    }
+    const std::string suggestion = ModbusGateway::ElementKey::Suggestion(options.key);
+    return "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
+           (suggestion.empty() ? "; --search TEXT searches names, too" : suggestion);
+}
+
 ExitStatus ShowDictionary(const DictionaryOptions& options) {
     const std::vector<Element> elements = Select(options);
     if (elements.empty()) {
-        throw Failure(ExitStatus::NOT_FOUND, options.key.empty()
-                                                 ? "no element of the dictionary matches the options"
-                                                 : "the dictionary has no key " + ModbusGateway::Quoted(options.key) +
-                                                       ModbusGateway::ElementKey::Suggestion(options.key));
+        throw Failure(ExitStatus::NOT_FOUND, WhyNothingIsFound(options));
     }
     if (options.json) {
         std::cout << (options.key.empty() ? ToJson(elements) : ToJson(elements.front())) << '\n';

@@ -17,6 +17,7 @@ std::string ObjectSuggestion(const std::string& wanted, const LoadedProfile& pro
     Names names;
     for (const LoadedProfile::Object& object : profile.objects) {
         names.push_back(NameAndAlias(object));
+        names.push_back(object.key);
     }
     return Suggestion(wanted, names);
 }

@@ -108,6 +108,7 @@ const Row ROWS[] = {
     {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "3", "0030"},
     {{.code = 0, .mask = "0030", .pairs = SPEEDS}, "Turbo", "Turbo does not fit the mask"},
     {{.code = 0, .pairs = SPEEDS}, "Slaw", "\"Slaw\" is not a label; did you mean \"Slow\"? Allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
+    {{.code = 0, .pairs = SHARED}, "of", "\"of\" is not a label; did you mean \"Off\"? Allowed: \"On\", \"Off\", \"Idle\""},
     {{.code = 0, .pairs = SPEEDS}, "1", "\"1\" is not a label; allowed: \"Stop\", \"Slow\", \"Fast\", \"Turbo\""},
     {{.code = 0, .mask = "0007", .pairs = SHARED}, "Off", "0004"}, {{.code = 0, .mask = "0003", .pairs = SHARED}, "Off", "Off does not fit the mask"},
     {{.code = 0, .mask = "0005", .pairs = SHARED}, "Off", "0004"}, {{.code = 23, .mask = "0003", .pairs = SPEEDS}, "2", "0002"},

@@ -160,7 +160,7 @@ TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
 
 TEST(ProfileAlarms, EachFaultGivesOneProblem) {
     ExpectOneProblemEach(PROFILE, R"(
-"HIGH" => "high" => 17 /alarms/0/priority: "high" is not => "LOW", "MEDIUM", "HIGH"
+"HIGH" => "high" => 17 /alarms/0/priority: "high" is not allowed here; did you mean "HIGH"? Allowed: => "LOW", "MEDIUM", "HIGH"
 "greater" => "sum" => 17 /alarms/0/chain: the chain "sum" does not give true or false => greater
 "deadBand": 0.5 => "deadBand": -1 => 17 /alarms/0/settings/deadBand: => from 0 on
 "right": {"constant": 5}, => => 17 /alarms/0: the chain "greater" needs the operand => right
