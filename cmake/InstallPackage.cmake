@@ -50,7 +50,10 @@ function(kzm_install_program)
     install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kzm-modbus.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     install(FILES tools/kzm-modbus/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
             RENAME kzm-modbus COMPONENT tools)
-    install(FILES gateway/profile/profile.schema.json gateway/capture/capture.schema.json DESTINATION ${data} COMPONENT tools)
+    # Where the profiles' "$schema" finds it.
+    foreach(kind IN ITEMS profile capture)
+        install(FILES gateway/${kind}/${kind}.schema.json DESTINATION ${data}/gateway/${kind} COMPONENT tools)
+    endforeach()
     install(FILES docs/kzm-modbus.md docs/profile.md docs/troubleshooting.md
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzm-modbus COMPONENT tools)
     install(DIRECTORY profiles DESTINATION ${data} COMPONENT tools PATTERN *.expected.json EXCLUDE)
