@@ -269,8 +269,9 @@ private:
 
     std::vector<Attempt> AttemptsNear(double raw) const {
         const double rounded = std::round(raw);
-        const double above = std::nextafter(std::fabs(rounded), std::numeric_limits<double>::infinity());
-        const auto step = static_cast<std::uint64_t>(std::clamp(above - std::fabs(rounded), 1.0, 0x1p53));
+        const double size = std::min(std::fabs(rounded), 0x1p64);  // a scale of 0 makes it infinite
+        const double above = std::nextafter(size, std::numeric_limits<double>::infinity());
+        const auto step = static_cast<std::uint64_t>(std::clamp(above - size, 1.0, 0x1p53));
         if (rounded >= -0x1p63 && rounded < 0x1p62) {
             return AttemptsNear(static_cast<std::int64_t>(rounded), step);
         }
