@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
-
 constexpr const char* FUNCTION_NAMES[] = {"coils", "discrete inputs", "holding", "input"};
 
 ModbusFunctionCode FunctionCodeOf(const JsonCursor& function) {
