@@ -56,6 +56,18 @@ bool IsEscapedRight(const std::string& path) {
     return true;
 }
 
+// Whether the path names an array's item past 255: the library would fill the array up to it.
+bool HasLargeIndex(const std::string& path) {
+    for (std::size_t begin = 0; begin < path.size();) {
+        const auto end = std::min(path.find('/', begin), path.size());
+        if (ParseNumber(path.substr(begin, end - begin)).value_or(0) > 255) {
+            return true;
+        }
+        begin = end + 1;
+    }
+    return false;
+}
+
 // The path among `paths` one of whose attributes `path` leads through; empty for none.
 std::string PathInTheWay(const std::string& path, const nlohmann::json& paths) {
     for (auto end = path.find('/'); end != std::string::npos; end = path.find('/', end + 1)) {
@@ -150,6 +162,8 @@ void ProfileObjects::ReadPaths(Draft& draft) {
             roles.Error(
                 "this is not an element path; allowed: names separated by \"/\", with \"~0\" for \"~\" and \"~1\" for "
                 "\"/\"");
+        } else if (HasLargeIndex(path)) {
+            roles.Error("this path has an index above 255; allowed: 0 to 255");
         } else if (!other.empty()) {
             roles.Error("this path leads through an attribute of the element path " + Quoted(other));
         } else if (std::find(paths.begin(), paths.end(), path) == paths.end()) {
