@@ -25,7 +25,7 @@ std::string_view WithoutZeroFraction(std::string_view text) {
 
 }  // namespace
 
-std::optional<json> ParseNumber(std::string_view text) {
+std::optional<json> ParseDecimal(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-")) {
         text.remove_prefix(1);
     }

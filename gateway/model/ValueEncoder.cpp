@@ -5,13 +5,13 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
 
 #include "DeviceProfile/LogicCodeTable.h"
+#include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
 #include "gateway/model/NumberParsing.h"
 
@@ -124,7 +124,7 @@ bool IsSame(const json& decoded, const json& wanted, double tolerance) {
 }
 
 bool HasRawValue(const EnumerationPairData& pair, const std::string& text) {
-    const json number = ParseNumber(text).value_or(nullptr);
+    const json number = ParseDecimal(text).value_or(nullptr);
     switch (pair.mType) {
         case EnumerationType::UNSIGNED_INTEGER:
             return number.is_number() && number == pair.mValue.mUnsigned;
@@ -226,7 +226,7 @@ private:
     }
 
     json Number() const {
-        if (auto number = ParseNumber(mText)) {
+        if (auto number = ParseDecimal(mText)) {
             return *std::move(number);
         }
         throw CannotEncode(Quoted(mText) + " is not a number");
@@ -488,10 +488,9 @@ private:
 std::string TextOf(const json& value) {
     if (value.is_number_float()) {
         const double number = value.get<double>();
-        std::array<char, 32> text;
-        const bool isWhole = std::trunc(number) == number && std::fabs(number) < 0x1p64;
-        std::snprintf(text.data(), text.size(), isWhole ? "%.0f" : "%.15g", number);
-        return text.data();
+        const bool isWhole = std::trunc(number) == number && std::fabs(number) < 0x1p63;
+        return isWhole ? std::to_string(static_cast<std::int64_t>(number))
+                       : NumberText(number, NumberPrecision::DIGITS_15);
     }
     return value.is_null() ? "not available" : value.dump(-1, ' ', false, json::error_handler_t::replace);
 }

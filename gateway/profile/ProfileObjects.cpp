@@ -58,12 +58,12 @@ bool IsEscapedRight(const std::string& path) {
 
 // Whether the path names an array's item past 255: the library would fill the array up to it.
 bool HasLargeIndex(const std::string& path) {
-    for (std::size_t begin = 0; begin < path.size();) {
-        const auto end = std::min(path.find('/', begin), path.size());
-        if (ParseNumber(path.substr(begin, end - begin)).value_or(0) > 255) {
+    for (nlohmann::json::json_pointer rest("/" + path); !rest.empty(); rest.pop_back()) {
+        const std::string& token = rest.back();
+        const bool isIndex = !token.empty() && token.find_first_not_of("0123456789") == token.npos;
+        if (isIndex && (token.size() > 3 || std::stoi(token) > 255)) {
             return true;
         }
-        begin = end + 1;
     }
     return false;
 }
