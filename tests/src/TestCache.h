@@ -66,4 +66,11 @@ inline int Number(StatusCode status) {
     return static_cast<int>(status);
 }
 
+// "status quality value" as a call leaves a caller's quality and value.
+template <typename Call>
+std::string OutcomeOf(Call call, _Quality_t quality = QUALITY_QUESTIONABLE, json value = "before") {
+    const StatusCode status = call(quality, value);
+    return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
+}
+
 }  // namespace kzm::ModbusDeviceModel::Test

@@ -75,17 +75,21 @@ inline std::string Typed(const json& value) {
     return type + value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-// What Build makes of bytes: the typed value, "!" behind it when invalid, "refused" when it returns false.
-inline std::string Decode(const Traits& traits, const std::string& hex, bool deviceBigEndian = true) {
-    ElementData element = MakeElement(traits);
+// What Build makes of bytes: the typed value or "refused" when it returns false, "!" behind it when invalid.
+inline std::string Built(ElementData& element, const std::string& hex, bool deviceBigEndian = true,
+                         ServiceImpl::IValueProcesser* processer = nullptr) {
     Bytes bytes = Hex(hex);
     bool invalid = false;
-    json value;
-    if (!element.Build(bytes.data(), static_cast<unsigned>(bytes.size()), deviceBigEndian, 2000, invalid, value,
-                       nullptr)) {
-        return invalid ? "refused!" : "refused";
-    }
-    return Typed(value) + (invalid ? "!" : "");
+    json value = "before";
+    const bool isBuilt = element.Build(bytes.data(), static_cast<unsigned>(bytes.size()), deviceBigEndian, 2000,
+                                       invalid, value, processer);
+    EXPECT_TRUE(isBuilt || value == "before");
+    return (isBuilt ? Typed(value) : "refused") + (invalid ? "!" : "");
+}
+
+inline std::string Decode(const Traits& traits, const std::string& hex, bool deviceBigEndian = true) {
+    ElementData element = MakeElement(traits);
+    return Built(element, hex, deviceBigEndian);
 }
 
 }  // namespace kzm::ModbusDeviceModel::Test

@@ -1,7 +1,6 @@
 """The computed alarms of recorded series and of a live device."""
 
 import json
-import sys
 import unittest
 
 from program import PUMP, capture_of, end, file, run, simulator, start
@@ -56,8 +55,6 @@ def history(lines):
 
 
 class AlarmsTest(unittest.TestCase):
-    maxDiff = None
-
     def test_a_series_is_replayed_with_the_clock_and_the_previous_values_of_its_snapshots(self):
         done = run("alarms", PROFILE, "--capture", SERIES, "--json")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
@@ -105,7 +102,3 @@ class AlarmsTest(unittest.TestCase):
                                   ([PROFILE, "--tcp", "127.0.0.1:1", "--count", 1], 4)]:
             with self.subTest(arguments=arguments):
                 self.assertEqual(run("alarms", *arguments).returncode, status)
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

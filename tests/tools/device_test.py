@@ -9,7 +9,6 @@ import re
 import signal
 import socket
 import subprocess
-import sys
 import threading
 import time
 import unittest
@@ -86,8 +85,6 @@ def without_time(text):
 
 
 class DeviceTest(unittest.TestCase):
-    maxDiff = None
-
     def test_a_served_capture_is_polled_and_captured_as_the_objects_it_holds(self):
         recorded = file("recorded.json", "what stood there before")
         shown = run("show", PROFILE, "--capture", CAPTURE, "--json").stdout
@@ -222,7 +219,3 @@ class DeviceTest(unittest.TestCase):
             done = run("simulate", PROFILE, "--capture", CAPTURE, "--listen", taken)
         self.assertEqual((done.returncode, done.stderr),
                          (4, "kzm-modbus: cannot listen on %s: Address already in use\n" % taken))
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

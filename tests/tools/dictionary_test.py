@@ -1,7 +1,6 @@
 """dictionary: what it tells of an element, what it finds, and the whole as JSON."""
 
 import json
-import sys
 import unittest
 
 from program import run
@@ -14,8 +13,6 @@ def dictionary(*arguments):
 
 
 class DictionaryTest(unittest.TestCase):
-    maxDiff = None
-
     def test_a_key_shows_its_element_with_all_attributes(self):
         self.assertEqual(dictionary("DTMinIA;MinIA").splitlines(), [
             "key    DTMinIA;MinIA",
@@ -73,7 +70,3 @@ class DictionaryTest(unittest.TestCase):
             done = run("dictionary", *arguments)
             self.assertEqual((done.returncode, done.stdout), (status, ""), arguments)
             self.assertIn(text, done.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

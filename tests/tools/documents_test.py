@@ -4,7 +4,6 @@ import json
 import pathlib
 import re
 import subprocess
-import sys
 import unittest
 
 from program import COMMAND, PROFILES, device, run
@@ -40,8 +39,6 @@ def requests_of_a_round(*arguments):
 
 
 class Documents(unittest.TestCase):
-    maxDiff = None
-
     def test_sessions_print_what_is_shown_below_their_command(self):
         shown = [(document.name, *session) for document in DOCUMENTS
                  for session in sessions(document.read_text(encoding="utf-8"))]
@@ -60,7 +57,3 @@ class Documents(unittest.TestCase):
         data = bytes.fromhex("".join(classic["registers"]))
         self.assertEqual(len(data), int(re.search(r"answer has (\d+) bytes", WALK)[1]))
         self.assertEqual(data[12:16], bytes.fromhex(re.search(r"the two registers: `(.*?)`", WALK)[1]))
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

@@ -4,7 +4,6 @@ import contextlib
 import json
 import pathlib
 import re
-import sys
 import unittest
 
 from program import MAIN, PROFILES, PUMP, capture_of, file, run
@@ -17,8 +16,6 @@ POLL = ["poll", PROFILE, "--count", "1"]
 
 
 class FilesTest(unittest.TestCase):
-    maxDiff = None
-
     def test_every_failure_has_its_status_and_one_line_that_tells_why(self):
         rows = [
             (0, [], ["--help"], r"(?s)check.*show.*poll.*capture.*simulate.*Exit status:"),
@@ -197,7 +194,3 @@ class FilesTest(unittest.TestCase):
         for level, shown in [((), False), (("--log", "6"), True), (("--log", "information"), True)]:
             done = run(*SHOW, CAPTURE, "--object", "Spare", *level)
             self.assertEqual("[DataModel::" in done.stderr, shown, done.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

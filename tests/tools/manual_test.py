@@ -5,7 +5,6 @@ import pathlib
 import re
 import shlex
 import subprocess
-import sys
 import unittest
 
 import program
@@ -75,7 +74,3 @@ class Completion(unittest.TestCase):
         for words, offered in rows:
             with self.subTest(words):
                 self.assertEqual(complete(*words), offered)
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

@@ -1,19 +1,22 @@
-"""Runs kzm-modbus, whose command (with an emulator before it, where there is one) the test gets as its arguments."""
+"""Runs kzm-modbus: KZM_MODBUS is its command, with an emulator before it where there is one."""
 
 import contextlib
 import json
+import os
 import pathlib
+import shlex
 import signal
 import socket
 import subprocess
-import sys
 import tempfile
 import threading
+import unittest
 
-COMMAND = sys.argv[1:]
+COMMAND = shlex.split(os.environ["KZM_MODBUS"])
 PROFILES = pathlib.Path(__file__).resolve().parents[2] / "profiles"
 SERVER = pathlib.Path(__file__).resolve().parent / "pymodbus_server.py"
 FOLDER = tempfile.TemporaryDirectory()
+unittest.TestCase.maxDiff = None
 
 PUMP = """{
     "device": {"model": "Pump"},

@@ -6,7 +6,6 @@ import pty
 import signal
 import struct
 import subprocess
-import sys
 import termios
 import unittest
 
@@ -57,7 +56,3 @@ class TerminalTest(unittest.TestCase):
             # As high as the terminal, the cursor's line included: title, headings, 3 rows, the note, 2 errors.
             self.assertEqual(screen.count(b"\r\n"), 8, screen)
             self.assertRegex(screen, rb"(?s)Pump at .*NAME.*Flow.*\.\.\. 9 more.*frame slow: .*frame never: ")
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

@@ -3,7 +3,6 @@
 import re
 import struct
 import subprocess
-import sys
 import unittest
 
 from program import PUMP, capture_of, device, file, pymodbus, run, simulator
@@ -52,8 +51,6 @@ def deaf_answer(request):
 
 
 class WriteTest(unittest.TestCase):
-    maxDiff = None
-
     def write(self, address, *arguments, profile=PROFILE):
         done = run("write", profile, *arguments, "--tcp", address)
         return done.returncode, done.stdout, done.stderr.removeprefix("kzm-modbus: ").rstrip()
@@ -100,7 +97,3 @@ class WriteTest(unittest.TestCase):
                                     (device(deaf_answer), "register 104 was written as 7 and reads back as 1")]:
                 status, _, error = self.write(address, "Breaker/q1", "low=7", "--send")
                 self.assertEqual((status, error), (9, reason))
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])

@@ -6,8 +6,7 @@
 #include <array>
 #include <stdexcept>
 
-namespace kzm::ModbusGateway {
-namespace {
+namespace kzm::ModbusGateway::RegisterCacheTest {
 
 using namespace ModbusDeviceModel;
 using namespace ModbusDeviceModel::DeviceCache;
@@ -44,8 +43,7 @@ TEST(RegisterCache, GivesExactlyTheRegistersOfTheFrame) {
         {1, 40, 1, 256, {0x40, 0x40}},  // the first of an address listed twice
         {1, 22, 2, 256, {}}, {1, 19, 2, 256, {}}, {1, 41, 1, 256, {}},
         {2, 65534, 2, 256, {0xFE, 0xFE, 0xFF, 0xFF}}, {2, 65535, 2, 256, {}}, {3, 5, 2, 256, {5, 5, 6, 6}},
-        {4, 0, 1, 256, {}}, {5, 100, 1, 256, {}}, {6, 100, 1, 256, {}}, {255, 100, 1, 256, {}},
-    };
+        {4, 0, 1, 256, {}}, {5, 100, 1, 256, {}}, {6, 100, 1, 256, {}}, {255, 100, 1, 256, {}}};
     // clang-format on
     for (const auto& [frame, address, count, capacity, expected] : rows) {
         Bytes buffer(capacity + 1, 0xEE);
@@ -75,5 +73,4 @@ TEST(RegisterCache, KeepsWhatAFrameHeldWhenItIsMarkedOrRefused) {
     EXPECT_EQ(cache.GetFrameTimestamp(6), 0U);
 }
 
-}  // namespace
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::RegisterCacheTest

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::CaptureTest {
 
 using ModbusDeviceModel::ModbusFunctionCode;
 using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
@@ -63,8 +61,7 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
         {"59.001Z", "59.+01Z", 5, "/snapshots/0/frames/1/time", "is not a time"},
         {"54.000Z", "53.588Z", 6, "/snapshots/1/time", "sort snapshots by time"},
         {"\"frames\": []", "\"frame\": []", 6, "/snapshots/1", "\"frames\" is missing"},
-        {"\"M\"", "\"N", 1, "", "this is not JSON"},
-    };
+        {"\"M\"", "\"N", 1, "", "this is not JSON"}};
     for (const auto& [old, replacement, line, pointer, message] : rows) {
         mProblems.clear();
         std::string text = CAPTURE;
@@ -84,6 +81,4 @@ TEST_F(CaptureTest, OfAnotherModelGivesAWarning) {
     EXPECT_FALSE(HasError(mProblems));
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::CaptureTest

@@ -2,18 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "gateway/profile/ProfileTesting.h"
-#include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::ChainRegistryTest {
 
 using ModbusDeviceModel::ProcessingChain;
-using nlohmann::json;
 constexpr auto NUMBER = ModbusDeviceModel::ProcessingChainOperandType::NUMBER;
 
 // "value" above a limit.
@@ -59,10 +54,8 @@ TEST(ChainRegistry, AProfileNamesTheChainsOfItsProgram) {
     const auto loaded = ProfileLoader::Load(PROFILE, chains);
     ASSERT_EQ(Written(loaded.problems), "");
     EXPECT_EQ(loaded.profile->alarms.size(), 1U);
-    const auto cache = std::make_shared<RegisterCache>(loaded.profile->model->GetFrames());
-    const StandIn::StoppedClock clock(1'000'000);
-    cache->Update(0, std::vector<std::uint16_t>{11, 0}, 1'000'000, ModbusDeviceModel::DeviceCache::QUALITY_GOOD);
-    EXPECT_EQ(ObjectOf(*loaded.profile, cache, "High")["value"], true);
+    const StoppedClock clock(NOW);
+    EXPECT_EQ(ObjectOf(*loaded.profile, CacheOf(*loaded.profile, {11}), "High")["value"], true);
     const char* const rows[][3] = {
         {R"("limit": 10}}})", R"("limt": 10}}})", R"(5 /objects/0/value/settings: the chain "above": )"},
         {R"("chain": "above", )", R"("chain": "none", )", R"(5 /objects/0/value/settings: the chain "none": it could)"},
@@ -98,6 +91,4 @@ TEST(ChainRegistry, RefusesWhatNoProfileCouldName) {
     EXPECT_EQ(chains.GetChains().size(), 1U);
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ChainRegistryTest

@@ -11,9 +11,7 @@
 #include "gateway/chains/ChainTable.h"
 #include "kzm/StandIn/CapturedLog.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::ChainTest {
 
 using nlohmann::json;
 
@@ -112,8 +110,7 @@ const Row ROWS[] = {
     {"choice by value", R"({"labels": {"ABC": "Right", "true": "Yes"}})", R"({"v": true})", R"("Yes")"},
     {"choice by bit", R"({"labels": [{"bit": 4, "label": "F"}, {"bit": 0, "label": "W"}]})", R"({"v": 17})", R"("F")"},
     {"choice by bit", R"({"labels": [{"bit": 4, "label": "F"}, {"bit": 0, "label": "W"}]})", R"({"v": 1})", R"("W")"},
-    {"choice by bit", R"({"labels": [{"bit": 4, "label": "F"}]})", R"({"v": 2})", "status 42"},
-};
+    {"choice by bit", R"({"labels": [{"bit": 4, "label": "F"}]})", R"({"v": 2})", "status 42"}};
 // clang-format on
 
 TEST(Chain, AResultIsExactOrThereIsAStatus) {
@@ -210,6 +207,4 @@ TEST(ChainFactory, AllLabelsAreTold) {
     EXPECT_EQ(ChainFactory::Make("choice by value", {"v"}, settings).labels, (Names{"a", "b", "c"}));
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ChainTest

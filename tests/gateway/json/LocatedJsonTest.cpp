@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::LocatedJsonTest {
 
 TEST(LocatedJson, EachValueKnowsItsLine) {
     const char* text =
@@ -43,8 +41,7 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
         {"{}\n{}", 2, "expected end of input"},
         {"/* open", 1, "missing closing '*/'"},
         {bomb, 1, "more than 64 deep"},
-        {longName, 1, "longer than"},
-    };
+        {longName, 1, "longer than"}};
     for (const auto& [text, line, message] : rows) {
         Problems problems;
         const LocatedJson document = LocatedJson::Parse(text, problems);
@@ -82,6 +79,4 @@ TEST(LocatedJson, TheFirstOfTwoMembersOfOneNameCounts) {
     EXPECT_EQ(problems[1].pointer, "/a/b");
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::LocatedJsonTest

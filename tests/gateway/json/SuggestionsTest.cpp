@@ -7,9 +7,7 @@
 #include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::SuggestionsTest {
 
 TEST(SuggestionsTest, TheLikeliestNamesComeFirstWhateverTheirCase) {
     const Names known{"maximum", "minimum",         "urn",         "unit", "Van", "Vab", "Hz", "float32",
@@ -22,8 +20,7 @@ TEST(SuggestionsTest, TheLikeliestNamesComeFirstWhateverTheirCase) {
         {"m", {}}, {"", {}},  // too short to tell
         {"uint23", {"uint32"}},  // neighbours swapped
         {"mximun", {"maximum"}}, {"mrm", {}},  // two of six differ, of the other three
-        {"Vax", {"Van", "Vab"}}, {"urm", {"urn"}},
-    };
+        {"Vax", {"Van", "Vab"}}, {"urm", {"urn"}}};
     // clang-format on
     for (const auto& [unknown, suggestions] : rows) {
         EXPECT_EQ(Suggest(unknown, known), suggestions) << unknown;
@@ -43,14 +40,11 @@ TEST(SuggestionsTest, NumbersHaveTheShortestTextOfTheirPrecision) {
         {1e12, DIGITS_15, "1e+12"}, {999999999999.0, DIGITS_15, "999999999999"}, {0.0001, DOUBLE, "0.0001"},
         {0.00001F, FLOAT, "1e-05"}, {3.4028234663852886e38, FLOAT, "3.4028235e+38"}, {1e300, FLOAT, "1e+300"},
         {1.7976931348623157e308, DIGITS_15, "1.7976931348623157e+308"}, {-INFINITY, FLOAT, "-inf"},
-        {NAN, DIGITS_15, "nan"},
-    };
+        {NAN, DIGITS_15, "nan"}};
     // clang-format on
     for (const auto& [number, precision, text] : rows) {
         EXPECT_EQ(NumberText(number, precision), text);
     }
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::SuggestionsTest

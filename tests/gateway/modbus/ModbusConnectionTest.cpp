@@ -10,8 +10,7 @@
 #include "gateway/modbus/Requests.h"
 #include "gateway/modbus/ScriptedDevice.h"
 
-namespace kzm::ModbusGateway {
-namespace {
+namespace kzm::ModbusGateway::ModbusConnectionTest {
 
 using namespace std::chrono_literals;
 using ModbusDeviceModel::ModbusFunctionCode;
@@ -120,8 +119,7 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
         {INPUTS, 9, {2, 2, 0x40, 0x01}, 0, {0, 0, 0, 0, 0, 0, 1, 0, 1}}, {COILS, 9, {1, 1, 0x81}, EMBBADDATA},
         {HOLDING, 2, {0x83, 2}, EMBXILADD}, {HOLDING, 2, {0x83, 11}, EMBXGTAR}, {HOLDING, 2, {0x83, 0}, EMBBADEXC},
         {HOLDING, 2, {0x83, 9}, EMBBADEXC}, {HOLDING, 2, {0x83, 12}, EMBBADEXC}, {HOLDING, 2, {0x84, 2}, EMBBADDATA},
-        {HOLDING, 2, {0x83, 2, 0}, EMBBADDATA},
-    };
+        {HOLDING, 2, {0x83, 2, 0}, EMBBADDATA}};
     // clang-format on
     for (const auto& [functionCode, count, answer, error, expected] : rows) {
         std::vector<std::uint16_t> values(count, UNTOUCHED);
@@ -138,5 +136,4 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
     EXPECT_EQ(TakeConfirmation(request, {0x90, 1}), EMBXILFUN);
 }
 
-}  // namespace
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ModbusConnectionTest

@@ -16,8 +16,7 @@
 #include "kzm/StandIn/CapturedLog.h"
 #include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
-namespace {
+namespace kzm::ModbusGateway::ModbusReaderTest {
 
 using namespace std::chrono_literals;
 using namespace ModbusDeviceModel;
@@ -35,8 +34,7 @@ ModbusSettings To(std::uint16_t port) {
 
 const std::vector<FrameData> SCRIPTED_FRAMES{
     FrameData(HOLDING, false, 0, 4, std::uint16_t{10}),
-    FrameData(HOLDING, false, 0, 4, std::vector<std::uint16_t>{40, 21, 20, 30}),
-};
+    FrameData(HOLDING, false, 0, 4, std::vector<std::uint16_t>{40, 21, 20, 30})};
 const Registers SCRIPTED_VALUES[] = {{10, 11, 12, 13}, {40, 21, 20, 30}};
 
 struct FaultRow {
@@ -72,9 +70,9 @@ void ExpectFaultHitsOneFrameOnce(ScriptedDevice& device, const ModbusSettings& s
     }
 }
 
-TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnTcp) {
+TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswers) {
     using enum Treatment;
-    const FaultRow rows[] = {
+    const FaultRow onTcp[] = {
         {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
         {"exception within a frame", {ANSWER, ANSWER, EXCEPTION}, 1, "Slave device or server failure", QUALITY_BAD},
         {"closed while idle", {CLOSE}, {}, ""},
@@ -85,24 +83,18 @@ TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnTcp) {
         {"too few registers", {TOO_FEW}, 0, "Invalid data"},
         {"every answer twice", {TWICE, TWICE, TWICE, TWICE}, {}, ""},
         {"answer to another request", {MISFIT}, 0, "Connection timed out"},
-        {"garbage", {GARBAGE}, 0, "Invalid data"},
-    };
-    for (const FaultRow& row : rows) {
+        {"garbage", {GARBAGE}, 0, "Invalid data"}};
+    for (const FaultRow& row : onTcp) {
         ScriptedDevice device(0);
         ExpectFaultHitsOneFrameOnce(device, To(device.GetPort()), row);
     }
-}
-
-TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswersOnASerialLine) {
-    using enum Treatment;
-    const FaultRow rows[] = {
+    const FaultRow onASerialLine[] = {
         {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
         // A request for as many registers comes next, and the answer does not tell to which it belongs.
         {"late", {ANSWER, ANSWER, LATE}, 1, "Connection timed out"},
         {"too few registers", {TOO_FEW}, 0, "Invalid data"},
-        {"disturbed", {MISFIT}, 0, "Invalid CRC"},
-    };
-    for (const FaultRow& row : rows) {
+        {"disturbed", {MISFIT}, 0, "Invalid CRC"}};
+    for (const FaultRow& row : onASerialLine) {
         ScriptedDevice device(600ms);
         ExpectFaultHitsOneFrameOnce(device, {.line = SerialPort{device.GetLineName()}, .timeout = 400ms}, row);
     }
@@ -234,5 +226,4 @@ TEST(ModbusReader, TriesAnUnreachableDeviceAfterGrowingPausesAndTellsOnce) {
               std::vector<std::string>{"[ModbusConnection] [Read] " + name + " answers again"});
 }
 
-}  // namespace
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ModbusReaderTest

@@ -11,15 +11,10 @@
 #include "kzm/DateTime/DateTime.h"
 #include "kzm/Log/RootLogger.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::ThreadsTest {
 
 using kzm::Log::RootLogger;
 using ModbusDeviceModel::DataModel::PreviousMeasurements;
-using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
-using ModbusDeviceModel::DeviceCache::QUALITY_QUESTIONABLE;
-using nlohmann::json;
 using std::chrono::steady_clock;
 
 constexpr std::uint16_t REGISTERS = 100;
@@ -134,6 +129,4 @@ TEST(ThreadsOnOneDevice, ReadersSeeEveryFrameWholeAndFreshWhileItIsWritten) {
     }
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ThreadsTest

@@ -4,8 +4,7 @@
 
 #include "src/TestElement.h"
 
-namespace kzm::ModbusGateway {
-namespace {
+namespace kzm::ModbusGateway::ValueEncoderTest {
 
 using namespace ModbusDeviceModel::Test;
 using ModbusDeviceModel::ByteOrderingEnum;
@@ -133,8 +132,7 @@ const Row ROWS[] = {
     {{.code = 61, .pairs = TEXTS, .registers = 1}, "Second", "6300"},
     {{.code = 61, .pairs = TEXTS, .registers = 1}, "ab", "6162"},
     {{.code = 57, .registers = 2}, "0070000", "0001 1170"},
-    {{.code = 44, .registers = 4}, "2026", "the type datetime-iec870 cannot be written"},
-};
+    {{.code = 44, .registers = 4}, "2026", "the type datetime-iec870 cannot be written"}};
 // clang-format on
 
 TEST(ValueEncoder, GivesRegistersThatReadBackAsTheValueOrTheReason) {
@@ -147,5 +145,4 @@ TEST(ValueEncoder, FollowsTheWordOrderOfTheDeviceWhereTheElementHasNone) {
     EXPECT_EQ(Write({.code = 13, .registers = 2}, "-2", /*deviceBigEndian=*/false), "FFFE FFFF");
 }
 
-}  // namespace
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ValueEncoderTest

@@ -4,16 +4,10 @@
 
 #include "edm/modbus/Vorta.h"
 #include "gateway/profile/ProfileTesting.h"
-#include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
+namespace kzm::ModbusGateway::ProfileKeysTest {
 
-namespace {
-
-using nlohmann::json;
-
-constexpr std::uint64_t NOW = 1'000'000;
-constexpr const char* NOW_TEXT = "1970-01-01T00:16:40.000Z";
+using namespace nlohmann::literals;
 
 // One element or object a line, so that the rows of the tests can name lines.
 const std::string PROFILE = R"({
@@ -36,12 +30,6 @@ const std::string PROFILE = R"({
 {"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}}]
 })";
 
-std::shared_ptr<RegisterCache> CacheOf(const LoadedProfile& profile, const std::vector<std::uint16_t>& registers) {
-    auto cache = std::make_shared<RegisterCache>(profile.model->GetFrames());
-    cache->Update(0, registers, NOW, ModbusDeviceModel::DeviceCache::QUALITY_GOOD);
-    return cache;
-}
-
 json Filled(const LoadedProfile& profile, std::size_t index, const std::shared_ptr<RegisterCache>& cache) {
     const auto& object = profile.objects.at(index);
     kz::orba::VortaORBAObject target(object.key, object.name, object.alias, object.structure);
@@ -50,40 +38,30 @@ json Filled(const LoadedProfile& profile, std::size_t index, const std::shared_p
 }
 
 json Snapshot(const char* name, const json& value) {
-    return {{"name", name},
-            {"mode", "Ro"},
-            {"unit", "A"},
-            {"value", value},
-            {"quality", value.is_null() ? json() : "Good"},
-            {"datetime", value.is_null() ? json() : NOW_TEXT}};
+    json snapshot{{"name", name}, {"mode", "Ro"}, {"unit", "A"}, {"value", value}};
+    snapshot["quality"] = value.is_null() ? json() : "Good";
+    snapshot["datetime"] = value.is_null() ? json() : NOW_TEXT;
+    return snapshot;
 }
 
 TEST(ProfileKeys, AnObjectThatIsAKeyHasTheDictionarysStructureFilled) {
-    const StandIn::StoppedClock clock(NOW);
+    const StoppedClock clock(NOW);
     const auto loaded = ProfileLoader::Load(PROFILE);
     ASSERT_EQ(Written(loaded.problems), "");
     const LoadedProfile& profile = *loaded.profile;
     const auto cache = CacheOf(profile, {21, 0x0302, 0x7E0E, 0x0521, 0x0005, 1180, 3, 65535});
-    const char* const moment = "2026-03-02T14:05:33.000+00:00";
-    EXPECT_EQ(Filled(profile, 0, cache), (json{{"_id", "DTMinIA;MinIA"},
-                                               {"name", "ElectricalMeasurement.RmsMinCurrentPhsA"},
-                                               {"value", 21},
-                                               {"mode", "Ro"},
-                                               {"datetime", moment},
-                                               {"quality", "Good"},
-                                               {"unit", "A"}}));
+    EXPECT_EQ(Filled(profile, 0, cache), R"({"_id": "DTMinIA;MinIA", "name": "ElectricalMeasurement.RmsMinCurrentPhsA",
+        "value": 21, "mode": "Ro", "datetime": "2026-03-02T14:05:33.000+00:00", "quality": "Good", "unit": "A"})"_json);
     const json trip = Filled(profile, 1, cache);
     EXPECT_EQ((json{trip["_id"], trip["value"], trip["quality"]}), (json{"795", true, "Bad"}));
     const json alarm = Filled(profile, 2, cache);
-    EXPECT_EQ(alarm["elements"]["state"], (json{{"name", "Alarm.ActiveState"},
-                                                {"value", "Active"},
-                                                {"mode", "Ro"},
-                                                {"datetime", NOW_TEXT},
-                                                {"quality", "Good"}}));
+    EXPECT_EQ(alarm["elements"]["state"], R"({"name": "Alarm.ActiveState", "value": "Active", "mode": "Ro",
+        "datetime": "1970-01-01T00:16:40.000Z", "quality": "Good"})"_json);
     EXPECT_EQ(alarm["elements"]["criticality"]["value"], "High");
     // What is stated counts, the rest is the dictionary's; nothing feeds phase C.
     const json loss = Filled(profile, 3, cache)["elements"];
-    EXPECT_EQ((json{loss["state"]["value"], loss["state"]["datetime"]}), (json{"Active", moment}));
+    EXPECT_EQ((json{loss["state"]["value"], loss["state"]["datetime"]}),
+              (json{"Active", "2026-03-02T14:05:33.000+00:00"}));
     EXPECT_EQ(loss["snapshot_rms_current_phs_a"], Snapshot("ElectricalMeasurement.SnapshotRmsCurrentPhsA", 7));
     EXPECT_EQ(loss["snapshot_rms_current_phs_b"], Snapshot("ElectricalMeasurement.SnapshotRmsCurrentPhsB", 1180));
     EXPECT_EQ(loss["snapshot_rms_current_phs_c"], Snapshot("ElectricalMeasurement.SnapshotRmsCurrentPhsC", nullptr));
@@ -114,7 +92,7 @@ TEST(ProfileKeys, CustomKeysCarryAliasesOfAnyBytes) {
         ASSERT_EQ(Written(loaded.problems), "");
         const LoadedProfile& profile = *loaded.profile;
         const auto cache = CacheOf(profile, {91});
-        const StandIn::StoppedClock clock(NOW);
+        const StoppedClock clock(NOW);
         EXPECT_EQ(profile.objects[0].alias, alias);
         const json object = Filled(profile, 0, cache);
         EXPECT_EQ((json{object["_id"], object["name"], object["unit"], object["value"]}),
@@ -162,6 +140,4 @@ TEST(ProfileKeys, FaultsAreToldWithTheirRemedy) {
 "alias": "west", "unit": "kA" => "alias": "west", "unit": "mA" => warning 17 /objects/5/unit: all objects of one key share one unit => "kA" is used here, too, instead of "mA")");
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ProfileKeysTest

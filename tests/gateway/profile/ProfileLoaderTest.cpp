@@ -6,15 +6,8 @@
 #include "gateway/capture/Capture.h"
 #include "gateway/chains/ChainTable.h"
 #include "gateway/profile/ProfileTesting.h"
-#include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
-
-using nlohmann::json;
-
-constexpr std::uint64_t NOW = 1'000'000;
+namespace kzm::ModbusGateway::ProfileLoaderTest {
 
 // One member, element or object a line, so that the rows of the tests can name lines.
 const std::string PROFILE = R"({
@@ -38,13 +31,12 @@ const std::string PROFILE = R"({
 TEST(ProfileLoader, AnObjectOfSeveralValuesFillsAllAndGivesTheFirstFailure) {
     const auto profile = std::move(ProfileLoader::Load(PROFILE).profile);
     ASSERT_TRUE(profile);
-    const StandIn::StoppedClock clock(NOW);
+    const StoppedClock clock(NOW);
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     cache->Update(1, std::vector<std::uint16_t>{9, 0xFFFF, 0xFFFF}, NOW);
-    cache->Update(2, std::vector<std::uint16_t>{0, 1, 0, 0}, NOW, ModbusDeviceModel::DeviceCache::QUALITY_BAD);
-    const json now = "1970-01-01T00:16:40.000Z";
-    json expected{{"quality", "Bad"}, {"datetime", now}};
-    expected["elements"]["a"]["b"] = {{"value", true}, {"quality", "Good"}, {"datetime", now}};
+    cache->Update(2, std::vector<std::uint16_t>{0, 1, 0, 0}, NOW, QUALITY_BAD);
+    json expected{{"quality", "Bad"}, {"datetime", NOW_TEXT}};
+    expected["elements"]["a"]["b"] = {{"value", true}, {"quality", "Good"}, {"datetime", NOW_TEXT}};
     EXPECT_EQ(ObjectOf(*profile, cache, "Group", "", 42), expected);
     EXPECT_EQ(profile->objects[2].adapter->GetFrameIndexes(), (std::set<std::uint8_t>{1, 2}));
     EXPECT_EQ(profile->model->GetMeasurementInformation("Group").mRegisterAddress, 5);
@@ -213,6 +205,4 @@ TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeAndChain) {
     }
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ProfileLoaderTest

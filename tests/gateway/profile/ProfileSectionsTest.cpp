@@ -3,18 +3,8 @@
 #include "gateway/json/ProblemText.h"
 #include "gateway/profile/ProfileTesting.h"
 #include "kzm/StandIn/CapturedLog.h"
-#include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
-
-using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
-using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
-using ModbusDeviceModel::DeviceCache::QUALITY_QUESTIONABLE;
-using nlohmann::json;
-
-constexpr std::uint64_t NOW = 1'000'000;
+namespace kzm::ModbusGateway::ProfileSectionsTest {
 
 // One element or object a line, so that the rows of the tests can name lines.
 const std::string PROFILE = R"({
@@ -46,8 +36,7 @@ const std::string PROFILE = R"({
 struct Device {
     explicit Device(const std::string& text = PROFILE) : loaded(ProfileLoader::Load(text)) {
         EXPECT_EQ(Written(loaded.problems), "");
-        cache = std::make_shared<RegisterCache>(loaded.profile->model->GetFrames());
-        Set(0, {});
+        cache = CacheOf(*loaded.profile, {});
         Set(1, {});
     }
     void Set(std::uint8_t frame, std::vector<std::uint16_t> registers, RegisterCache::Quality quality = QUALITY_GOOD) {
@@ -59,7 +48,7 @@ struct Device {
         return {object.value("value", json()), object["quality"]};
     }
 
-    StandIn::StoppedClock clock{NOW};
+    StoppedClock clock{NOW};
     StandIn::CapturedLog unseen;
     ProfileLoader::Result loaded;
     std::shared_ptr<RegisterCache> cache;
@@ -132,8 +121,7 @@ TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
         {1, 22, QUALITY_QUESTIONABLE, QUALITY_BAD, 0, {65537e22, "Bad"}},
         {1, 23, QUALITY_GOOD, QUALITY_GOOD, 28, {nullptr, "Bad"}},
         {1, 0x8001, QUALITY_GOOD, QUALITY_GOOD, 28, {nullptr, "Bad"}},
-        {1, 0x8000, QUALITY_GOOD, QUALITY_GOOD, 42, {nullptr, "Bad"}},
-    };
+        {1, 0x8000, QUALITY_GOOD, QUALITY_GOOD, 42, {nullptr, "Bad"}}};
     for (const auto& [raw, exponent, quality, exponentsQuality, status, expected] : rows) {
         device.Set(0, {0, 0, 0, exponent}, exponentsQuality);
         device.Set(1, {0, 1, raw}, quality);
@@ -147,9 +135,7 @@ TEST(ProfileScaledPowers, TakeTheirExponentFromAnotherElement) {
     device.cache->Update(0, std::vector<std::uint16_t>(10), NOW - 12'001);
     EXPECT_EQ(device.ValueOf("Energy", 42), json({nullptr, "Bad"}));
     EXPECT_EQ(device.loaded.profile->objects[3].adapter->GetFrameIndexes(), (std::set<std::uint8_t>{0, 1}));
-    EXPECT_EQ(
-        static_cast<int>(device.loaded.profile->objects[3].adapter->GetModbusMeasurementInformation().mRegisterAddress),
-        51);
+    EXPECT_EQ(device.loaded.profile->objects[3].adapter->GetModbusMeasurementInformation().mRegisterAddress, 51);
 
     ExpectOneProblemEach(PROFILE, R"(
 , "exponent": {"address": 3, "type": "int16", "notAvailable": "0x8000"} => => 14 /objects/3/value: the type "scaled-power-36" needs => "exponent"
@@ -183,8 +169,7 @@ TEST(ProfileAlarms, OfAFaultyObjectGiveNoProblemOfTheirOwn) {
         {R"("key": "1d", "value": {"address": 99, "type": "int16"})", R"("1d")", "address: no frame holds"},
         {R"("name": "Flow", "alias": "x", "value": {"address": 99, "type": "int16"})", R"("Flow", "alias": "x")",
          "address: no frame holds"},
-        {R"("key": "minia", "value": {"constant": 1})", R"("minia")", "key: the dictionary has no key"},
-    };
+        {R"("key": "minia", "value": {"constant": 1})", R"("minia")", "key: the dictionary has no key"}};
     for (const auto& [object, operand, problem] : rows) {
         const auto loaded = ProfileLoader::Load(
             R"({"frames": [{"name": "a", "function": 3, "address": 0, "count": 1}], "objects": [{)" +
@@ -239,6 +224,4 @@ TEST(ProfileSubgraphs, AreTheModels) {
 "8": [" => "9": [" => 23 /subgraphs/9: there is no such member => "8")");
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ProfileSectionsTest

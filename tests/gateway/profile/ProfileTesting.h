@@ -13,8 +13,18 @@
 #include "gateway/cache/RegisterCache.h"
 #include "gateway/profile/ProfileLoader.h"
 #include "kz/orba/VortaORBAObject.h"
+#include "kzm/StandIn/Clock.h"
 
 namespace kzm::ModbusGateway {
+
+using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
+using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
+using ModbusDeviceModel::DeviceCache::QUALITY_QUESTIONABLE;
+using nlohmann::json;
+using StandIn::StoppedClock;
+
+inline constexpr std::uint64_t NOW = 1'000'000;
+inline constexpr const char* NOW_TEXT = "1970-01-01T00:16:40.000Z";
 
 inline std::string ReadFile(const std::string& name) {
     std::ifstream file(KZM_SOURCE_DIR "/" + name);
@@ -37,9 +47,17 @@ inline std::string Written(const Problems& problems) {
     return text;
 }
 
-inline nlohmann::json ObjectOf(const LoadedProfile& profile, const std::shared_ptr<RegisterCache>& cache,
-                               const std::string& name, const std::string& alias = "", int status = 0) {
-    kz::orba::VortaORBAObject object("", name, alias, nlohmann::json::object());
+// A cache whose first frame was received now.
+inline std::shared_ptr<RegisterCache> CacheOf(const LoadedProfile& profile, std::vector<std::uint16_t> registers) {
+    auto cache = std::make_shared<RegisterCache>(profile.model->GetFrames());
+    registers.resize(profile.model->GetFrames()[0].mLength);
+    cache->Update(0, registers, NOW);
+    return cache;
+}
+
+inline json ObjectOf(const LoadedProfile& profile, const std::shared_ptr<RegisterCache>& cache, const std::string& name,
+                     const std::string& alias = "", int status = 0) {
+    kz::orba::VortaORBAObject object("", name, alias, json::object());
     EXPECT_EQ(static_cast<int>(profile.model->GetVortaObjectValue(cache, /*flag=*/false, object)), status) << name;
     return object.GetValue();
 }

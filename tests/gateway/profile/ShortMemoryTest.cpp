@@ -6,16 +6,11 @@
 
 #include "gateway/model/ValueEncoder.h"
 #include "kzm/Log/RootLogger.h"
-#include "kzm/StandIn/Clock.h"
 
-namespace kzm::ModbusGateway {
-
-namespace {
+namespace kzm::ModbusGateway::ShortMemoryTest {
 
 using Log::OrbaLogLevel;
 using ModbusDeviceModel::DataModel::PreviousMeasurements;
-using nlohmann::json;
-using StandIn::StoppedClock;
 using Testing::RunShortOfMemory;
 
 // A profile of profiles/ and one of its captures.
@@ -154,6 +149,4 @@ TEST(ShortMemory, LeavesModelAndCacheAsTheyWere) {
     EXPECT_GT(RunShortOfMemory(ask, [&] { EXPECT_EQ(ask(), expected); }), 500U);
 }
 
-}  // namespace
-
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::ShortMemoryTest

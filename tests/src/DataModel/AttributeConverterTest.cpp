@@ -8,21 +8,25 @@
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 #include "src/TestCache.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::AttributeConverterTest {
 
-namespace {
-
-// Asks for the value as the caller's outputs come out: "status quality value".
 std::string Ask(AttributeConverter& converter, const std::shared_ptr<CacheReadAccessInterface>& cache,
                 bool ignoreCacheAge = false, bool edm = false) {
-    auto quality = QUALITY_QUESTIONABLE;
-    json value = "before";
-    const auto status = edm ? converter.GetEdmValue(cache, true, ignoreCacheAge, quality, value)
-                            : converter.GetIotValue("urn", cache, true, ignoreCacheAge, quality, value);
-    return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
+    return OutcomeOf([&](_Quality_t& quality, json& value) {
+        return edm ? converter.GetEdmValue(cache, true, ignoreCacheAge, quality, value)
+                   : converter.GetIotValue("urn", cache, true, ignoreCacheAge, quality, value);
+    });
 }
 
-}  // namespace
+// A cache that answers as it is told.
+struct ToldCache : TestCache {
+    std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
+                            std::uint32_t, _Quality_t& quality) const override {
+        buffer[0] = 1;
+        return read(quality);
+    }
+    std::function<std::uint32_t(_Quality_t&)> read;
+};
 
 TEST(AttributeConverter, OnlyAFrameUpdatedWithinTheLastTwelveSecondsIsFresh) {
     const auto cache = MakeCache("0007");
@@ -74,49 +78,28 @@ TEST(AttributeConverter, WhatCannotBeReadOrDecodedIsNoValue) {
 
 TEST(AttributeConverter, ACacheThatLiesIsNeverBelieved) {
     const StoppedClock clock(NOW);
-    CapturedLog log(OrbaLogLevel::ERROR);
-    struct LyingCache : CacheReadAccessInterface {
-        std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
-                                std::uint32_t, _Quality_t& quality) const override {
-            buffer[0] = 1;
-            return read(quality);
-        }
-        std::uint64_t GetFrameTimestamp(std::uint8_t) const override { return NOW; }
-        std::function<std::uint32_t(_Quality_t&)> read;
+    const CapturedLog quiet(OrbaLogLevel::NONE);
+    const auto cache = std::make_shared<ToldCache>();
+    const auto ask = [&](std::uint32_t size, const Traits& traits = {}) {
+        cache->read = [=](auto&) { return size; };
+        return Ask(*MakeConverter(traits), cache);
     };
-    const auto cache = std::make_shared<LyingCache>();
-    const auto expect = [&](const Traits& traits, const char* expected,
-                            std::function<std::uint32_t(_Quality_t&)> read) {
-        cache->read = std::move(read);
-        EXPECT_EQ(Ask(*MakeConverter(traits), cache), expected);
-    };
-    const auto sizes = [](std::uint32_t size) { return [=](auto&) { return size; }; };
-    expect({}, "42 Questionable \"before\"", sizes(257));
-    expect({}, "42 Questionable \"before\"", sizes(256));  // past what an element can hold
-    EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
-[DataModel::ElementData] [Build] Received data exceed the max buffer size. Received = 257 bytes, Max = 255 bytes
-[DataModel::ElementData] [Build] Received data exceed the max buffer size. Received = 256 bytes, Max = 255 bytes)");
-    log.Clear();
-    expect({}, "42 Questionable \"before\"", sizes(~0U));
-    expect({}, "0 Questionable 256", sizes(2));  // without a quality
-    expect({}, "0 Questionable 1", sizes(1));
-    expect({}, "42 Questionable \"before\"", sizes(0));
-    expect({.code = 14, .registers = 2}, "0 Questionable 65536", sizes(3));
-    expect({}, "42 Bad \"before\"",
-           [](auto& quality) -> std::uint32_t { throw quality = QUALITY_BAD, std::runtime_error("gone"); });
-    expect({}, "42 Questionable \"before\"", [](auto&) -> std::uint32_t { throw 7; });
+    const std::string nothing = "42 Questionable \"before\"";
+    EXPECT_EQ(ask(257), nothing);
+    EXPECT_EQ(ask(256), nothing);  // past what an element can hold
+    EXPECT_EQ(ask(~0U), nothing);
+    EXPECT_EQ(ask(2), "0 Questionable 256");  // without a quality
+    EXPECT_EQ(ask(1), "0 Questionable 1");
+    EXPECT_EQ(ask(0), nothing);
+    EXPECT_EQ(ask(3, {.code = 14, .registers = 2}), "0 Questionable 65536");
+    cache->read = [](auto& quality) -> std::uint32_t { throw quality = QUALITY_BAD, std::runtime_error("gone"); };
+    EXPECT_EQ(Ask(*MakeConverter({}), cache), "42 Bad \"before\"");
+    cache->read = [](auto&) -> std::uint32_t { throw 7; };
+    EXPECT_EQ(Ask(*MakeConverter({}), cache), nothing);
 }
 
 // What a request waits for is left by a thread that is cancelled, like any other call.
 TEST(ThreadsAttributeConverter, ACancelledThreadEndsWithinTheCacheAndWithinALogLine) {
-    struct WaitingCache : TestCache {
-        std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t*, std::uint32_t,
-                                _Quality_t&) const override {
-            wait();
-            return 0;
-        }
-        std::function<void()> wait;
-    };
     const auto isCancelled = [](std::function<void()> request, std::promise<void>& isWaiting) {
         pthread_t thread{};
         const auto run = [](void* function) -> void* {
@@ -132,15 +115,15 @@ TEST(ThreadsAttributeConverter, ACancelledThreadEndsWithinTheCacheAndWithinALogL
     };
     const CapturedLog restoring(OrbaLogLevel::ERROR);
     std::promise<void> inCache, inLog;
-    const auto waitIn = [](std::promise<void>& place) {
+    const auto waitIn = [](std::promise<void>& place) -> std::uint32_t {
         place.set_value();
         for (;;) {
             pthread_testcancel();  // ThreadSanitizer loses track of a thread that is cancelled in a system call
             sched_yield();
         }
     };
-    const auto cache = std::make_shared<WaitingCache>();
-    cache->wait = [&] { waitIn(inCache); };
+    const auto cache = std::make_shared<ToldCache>();
+    cache->read = [&](auto&) { return waitIn(inCache); };
     EXPECT_TRUE(isCancelled([&] { Ask(*MakeConverter({}), cache, true); }, inCache));
     Log::RootLogger::GetInstance().SetSink([&](auto, const char*) { waitIn(inLog); });
     EXPECT_TRUE(isCancelled([&] { Ask(*MakeConverter({}), nullptr); }, inLog));
@@ -206,13 +189,11 @@ TEST(AttributeConverter, AnEnumerationLabelIsTranslatedForTheUrn) {
 }
 
 TEST(AttributeConverter, DescribesItselfByItsElement) {
-    const auto converter = MakeConverter({.code = 44,
-                                          .scale = 0.5,
-                                          .offset = 2,
-                                          .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS,
-                                          .pairs = std::make_shared<Pairs>(),
-                                          .registers = 4,
-                                          .frame = 7});
+    Traits traits{.code = 44, .scale = 0.5, .offset = 2, .order = ByteOrderingEnum::LITTLE_ENDIAN_WORDS};
+    traits.pairs = std::make_shared<Pairs>();
+    traits.registers = 4;
+    traits.frame = 7;
+    const auto converter = MakeConverter(traits);
     const auto information = converter->GetModbusMeasurementInformation();
     EXPECT_EQ(information.mLogicCode, LogicCodeIdentifier{44});
     EXPECT_EQ(information.mOffset, 2.0F);
@@ -226,14 +207,14 @@ TEST(AttributeConverter, DescribesItselfByItsElement) {
 TEST(AttributeConstant, GivesCopiesOfItsValueAndKnowsNothingElse) {
     CapturedLog log;
     AttributeConstant constant(json::parse(R"({"a": null})"));
-    auto quality = QUALITY_BAD;
-    json value = {1, 2};
-    EXPECT_EQ(Number(constant.GetIotValue("urn", nullptr, true, true, quality, value)), 0);
-    EXPECT_EQ(value, json::parse(R"({"a": null})"));
-    value["a"] = 1;
-    EXPECT_EQ(Number(constant.GetEdmValue(nullptr, false, false, quality, value)), 0);
-    EXPECT_EQ(value, json::parse(R"({"a": null})"));
-    EXPECT_EQ(quality, QUALITY_GOOD);
+    const auto ask = [&](bool edm) {
+        return OutcomeOf([&](_Quality_t& quality, json& value) {
+            return edm ? constant.GetEdmValue(nullptr, false, false, quality, value)
+                       : constant.GetIotValue("urn", nullptr, true, true, quality, value);
+        });
+    };
+    EXPECT_EQ(ask(false), R"(0 Good {"a":null})");
+    EXPECT_EQ(ask(true), R"(0 Good {"a":null})");
     std::set<std::uint8_t> frames{4};
     std::string className = "before";
     EXPECT_EQ(Number(constant.ComputeAndGetFrameIndexes(frames)), 0);
@@ -248,4 +229,4 @@ TEST(AttributeConstant, GivesCopiesOfItsValueAndKnowsNothingElse) {
 3[DataModel::AttributeConstant] [GetModbusMeasurementInformation] Should not be called, empty value returned)");
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::AttributeConverterTest

@@ -7,11 +7,9 @@
 #include "src/TestCache.h"
 #include "src/TestChain.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::ComputedAlarmTest {
 
 using Operand = std::shared_ptr<ComputedAlarmOperand>;
-
-namespace {
 
 // One and a half periods of the stand-in's alarm engine.
 constexpr std::uint64_t LIMIT = 90'000;
@@ -48,16 +46,19 @@ ComputedAlarmElement MakeAlarm(Operand left, Operand right, std::shared_ptr<Proc
                                 std::move(right));
 }
 
-// "status quality value" of an evaluation.
 std::string Evaluate(ComputedAlarmElement alarm, const std::shared_ptr<TestCache>& cache,
                      const PreviousMeasurements& previous) {
-    auto quality = QUALITY_GOOD;
-    json value = "before";
-    const auto status = alarm.BuildVortaObjectValue(cache, true, false, previous, quality, value);
-    return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
+    return OutcomeOf([&](_Quality_t& quality, json& value) {
+        return alarm.BuildVortaObjectValue(cache, true, false, previous, quality, value);
+    });
 }
 
-}  // namespace
+std::string Ask(const ComputedAlarmOperand& operand, const std::shared_ptr<TestCache>& cache,
+                const PreviousMeasurements& previous) {
+    return OutcomeOf([&](_Quality_t& quality, json& value) {
+        return operand.GetValue(cache, true, false, previous, "alarm", quality, value);
+    });
+}
 
 TEST(ComputedAlarm, TheQualityOfTwoOperandsIsTheWorseOne) {
     // Rows: left 0 to 4, columns: right 0 to 4; U, G, B, Q as single letters.
@@ -86,18 +87,13 @@ TEST(ComputedAlarm, APreviousValueIsReadAgedUnderTheAlarmsNameAndItsOwn) {
     (*previous)["alarmold"] = {2, QUALITY_GOOD, NOW - LIMIT - 1};
     (*previous)["alarm"] = {3, QUALITY_GOOD, NOW};
     (*previous)["alarmahead"] = {4, QUALITY_GOOD, NOW + 1};
-    const auto ask = [&](const char* key, const PreviousMeasurements& map) {
-        auto quality = QUALITY_UNINITIALISED;
-        json value = "before";
-        const auto status = Previous(key)->GetValue(nullptr, true, false, map, "alarm", quality, value);
-        return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
-    };
+    const auto ask = [](const char* key, const PreviousMeasurements& map) { return Ask(*Previous(key), nullptr, map); };
     EXPECT_EQ(ask("state", previous), "0 Questionable 1");
     EXPECT_EQ(ask("old", previous), "0 Bad 2");
     EXPECT_EQ(ask("", previous), "0 Good 3");
     EXPECT_EQ(ask("ahead", previous), "0 Good 4") << "the clock was set back";
-    EXPECT_EQ(ask("other", previous), "42 Uninitialised \"before\"");
-    EXPECT_EQ(ask("state", nullptr), "42 Uninitialised \"before\"");
+    EXPECT_EQ(ask("other", previous), "42 Questionable \"before\"");
+    EXPECT_EQ(ask("state", nullptr), "42 Questionable \"before\"");
     EXPECT_EQ(previous->at("alarmold").quality, QUALITY_GOOD);
     const StoppedClock unset(LIMIT - 1);
     EXPECT_EQ(ask("", previous), "0 Bad 3") << "a clock that was never set tells no age";
@@ -108,14 +104,9 @@ TEST(ComputedAlarm, AMeasurementIsReadFromItsSource) {
     const auto cache = MakeCache("0007");
     const MeasurementComputedAlarmOperand ofObject("left", ObjectOf({})), ofNothing("left", std::monostate{}),
         ofNull("left", std::shared_ptr<ElementData>());
-    auto quality = QUALITY_BAD;
-    json value = "before";
-    EXPECT_EQ(Number(ofNothing.GetValue(cache, true, false, nullptr, "alarm", quality, value)), 42);
-    EXPECT_EQ(Number(ofNull.GetValue(cache, true, false, nullptr, "alarm", quality, value)), 42);
-    EXPECT_EQ(value, "before");
-    EXPECT_EQ(Number(ofObject.GetValue(cache, true, false, nullptr, "alarm", quality, value)), 0);
-    EXPECT_EQ(value, 7);
-    EXPECT_EQ(quality, QUALITY_GOOD);
+    EXPECT_EQ(Ask(ofNothing, cache, nullptr), "42 Questionable \"before\"");
+    EXPECT_EQ(Ask(ofNull, cache, nullptr), "42 Questionable \"before\"");
+    EXPECT_EQ(Ask(ofObject, cache, nullptr), "0 Good 7");
     EXPECT_EQ(ofObject.GetFrameIndexes(), std::set<std::uint8_t>{0});
     const auto half = ObjectOf({.frame = 3});
     half->SetAdapter(TIMESTAMP, MakeConverter({.frame = 255}));
@@ -207,4 +198,4 @@ TEST(ComputedAlarm, AnEvaluationIsLoggedInOrder) {
 3[DataModel::ComputedAlarmElement] BuildVortaObjectValue: Failed to get computed alarm value)");
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::ComputedAlarmTest

@@ -1,16 +1,12 @@
 #include "src/TestElement.h"
 
-namespace kzm::ModbusDeviceModel::Test {
-
-namespace {
+namespace kzm::ModbusDeviceModel::Test::ElementDataTest {
 
 std::string Swapped(void (*swap)(unsigned char*, unsigned), const std::string& text) {
     Bytes bytes(text.begin(), text.end());
     swap(bytes.data(), static_cast<unsigned>(bytes.size()));
     return {bytes.begin(), bytes.end()};
 }
-
-}  // namespace
 
 TEST(ElementData, SwapsReverseWordsAndBytesOfTheLengthsTheyKnow) {
     const std::tuple<const char*, const char*, const char*, const char*> ROWS[] = {
@@ -130,4 +126,4 @@ TEST(ElementData, BytesThatCannotBeDecodedAreRefused) {
     EXPECT_EQ(log.Texts(OrbaLogLevel::ERROR).size(), 2U);
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::ElementDataTest

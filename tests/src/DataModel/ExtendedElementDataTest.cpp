@@ -3,11 +3,9 @@
 #include "DataModel/IValueProcesser.h"
 #include "src/TestElement.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::ExtendedElementDataTest {
 
 using Dependencies = std::vector<DataModel::LogicCodeDependency>;
-
-namespace {
 
 // Answers by name; keeps what it was asked for.
 struct Answers : ServiceImpl::IValueProcesser {
@@ -36,16 +34,8 @@ ExtendedElementData MakeExtended(const Traits& traits) {
 
 std::string Extended(const Traits& traits, const std::string& hex, ServiceImpl::IValueProcesser* processer = nullptr) {
     auto element = MakeExtended(traits);
-    Bytes bytes = Hex(hex);
-    bool invalid = false;
-    json value = "before";
-    if (!element.Build(bytes.data(), static_cast<unsigned>(bytes.size()), false, 0, invalid, value, processer)) {
-        return invalid ? "refused!" : "refused";
-    }
-    return Typed(value) + (invalid ? "!" : "");
+    return Built(element, hex, /*deviceBigEndian=*/false, processer);
 }
-
-}  // namespace
 
 TEST(ExtendedElementData, TakesTheBytesAsTheyWereReadWhateverOrderAndMask) {
     EXPECT_EQ(Extended({.code = 14, .registers = 2}, "00010002"), "u65538");
@@ -82,8 +72,7 @@ TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) 
         {{}, 1, "f12345.0"}, {{{"a", -2}}, 1, "f123.45"}, {{{"a", 3U}}, 2, "f24690000.0"},
         {{{"a", 1}, {"b", "-1"}}, 1, "f1234.5"}, {{{"a", 1}, {"b", "one"}}, 1, "f123450.0"},
         {{{"a", 1.0}, {"b", true}}, 0.5, "f61720.0"}, {{{"a", 400}}, 1, "null!"}, {{{"a", -400}}, 1, "f0.0"},
-        {{}, -1, "null!"}, {{}, 1e18, "null!"}, {{}, 3e19, "null!"}, {{}, INFINITY, "null!"}, {{}, NAN, "null!"},
-    };
+        {{}, -1, "null!"}, {{}, 1e18, "null!"}, {{}, 3e19, "null!"}, {{}, INFINITY, "null!"}, {{}, NAN, "null!"}};
     // clang-format on
     for (const auto& row : ROWS) {
         for (const int code : {34, 35, 36, 37}) {
@@ -125,4 +114,4 @@ TEST(ExtendedElementData, APowerIsComputedFromARecordAlone) {
     }
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::ExtendedElementDataTest

@@ -5,12 +5,10 @@
 #include "src/TestCache.h"
 #include "src/TestChain.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::ProcessingTest {
 
 using Type = ProcessingChainOperandType;
 static_assert(std::is_convertible_v<Type, std::uint32_t> && NUMBER == 1, "a plain enumeration");
-
-namespace {
 
 // An input of a fixed answer.
 struct Input : AttributeConstant {
@@ -32,18 +30,15 @@ std::shared_ptr<AttributeAdapter> In(Arguments... arguments) {
     return std::make_shared<Input>(arguments...);
 }
 
-// "status quality value" of a computed attribute in both forms.
 std::string Compute(const AttributeProcessor::Inputs& inputs, std::shared_ptr<ProcessingChain> chain,
                     bool edm = false) {
     AttributeProcessor processor(inputs, std::move(chain));
-    auto quality = QUALITY_UNINITIALISED;
-    json value;
-    const auto status = edm ? processor.GetEdmValue(nullptr, true, false, quality, value)
-                            : processor.GetIotValue("urn", nullptr, true, false, quality, value);
-    return std::to_string(Number(status)) + " " + ConvertToString(quality) + " " + value.dump();
+    const auto ask = [&](_Quality_t& quality, json& value) {
+        return edm ? processor.GetEdmValue(nullptr, true, false, quality, value)
+                   : processor.GetIotValue("urn", nullptr, true, false, quality, value);
+    };
+    return OutcomeOf(ask, QUALITY_UNINITIALISED, nullptr);
 }
-
-}  // namespace
 
 TEST(ProcessingChain, AParameterMustHaveTheTypeOfItsSignature) {
     const json values[] = {json::object(), 2.5, 3, 3U, true, "a", nullptr, json::array(), json::binary({1})};
@@ -157,4 +152,4 @@ TEST(AttributeProcessor, ReadsTheFramesOfAllInputs) {
     EXPECT_FALSE(AttributeProcessor({}, MakeChain({{}}, 0, "High", true)).HasEnumOutput());
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::ProcessingTest

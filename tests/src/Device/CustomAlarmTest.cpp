@@ -6,11 +6,9 @@
 #include "src/TestCache.h"
 #include "src/TestChain.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::CustomAlarmTest {
 
 using namespace Device;
-
-namespace {
 
 std::shared_ptr<ComputedAlarmElement> MakeAlarm(const json& result, const char* priority, bool hasChanged = false) {
     const auto constant = std::make_shared<ConstantComputedAlarmOperand>("a", 1);
@@ -25,8 +23,6 @@ std::shared_ptr<ComputedAlarmElement> MakeAlarm(const json& result, const char* 
 const json STRUCTURE = json::parse(R"({"elements": {
     "state": {"value": "old", "datetime": "old", "quality": "old"}, "criticality": {"value": null},
     "type": {"value": null}, "customer_alarm_name": {"value": null}, "customer_alarm_description": {}}})");
-
-}  // namespace
 
 TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     const StoppedClock clock(NOW);
@@ -145,4 +141,4 @@ TEST(DynamicVorta, KeepsASortedListForEachOfNineCategories) {
     EXPECT_FALSE(model.IsSubgraphAvailable(category(8)));
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::CustomAlarmTest

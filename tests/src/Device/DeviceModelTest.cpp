@@ -5,11 +5,9 @@
 #include "DataModel/AttributeConstant.h"
 #include "src/TestCache.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::DeviceModelTest {
 
 using Device::DeviceModel;
-
-namespace {
 
 const std::string NAME = "ElectricalMeasurement.RmsCurrentPhsA";
 
@@ -22,8 +20,6 @@ std::unique_ptr<DeviceModel> MakeModel(bool bigEndian = true) {
         std::vector<FrameData>{{ModbusFunctionCode::READ_HOLDING_REGISTERS, false, 0, 2, std::uint16_t{100}}},
         DeviceModel::TextByName{{NAME, "A"}}, DeviceModel::TextByName{}, DeviceModel::ComputedAlarms{}, bigEndian);
 }
-
-}  // namespace
 
 TEST(DeviceModel, FillsTheObjectOfThatNameAndAlias) {
     const StoppedClock clock(NOW);
@@ -144,4 +140,4 @@ TEST(ThreadsDeviceModel, ALogSinkThatFailsOrHangsStopsNoRequest) {
     EXPECT_EQ(waiting.get(), "1");
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::DeviceModelTest

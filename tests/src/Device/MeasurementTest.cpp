@@ -6,11 +6,9 @@
 #include "edm/modbus/Vorta.h"
 #include "src/TestCache.h"
 
-namespace kzm::ModbusDeviceModel::Test {
+namespace kzm::ModbusDeviceModel::Test::MeasurementTest {
 
 using Device::DeviceModel;
-
-namespace {
 
 const std::string CUSTOM = "Measurement.CustomMeasurement";
 
@@ -35,8 +33,6 @@ std::vector<int> Indexes(const DeviceModel::Frames& frames) {
     }
     return indexes;
 }
-
-}  // namespace
 
 TEST(Measurement, ItsClassIsTheDictionarysUnlessThatIsOnlyNumerical) {
     const DeviceModel model(DeviceModel::ObjectAdapters{}, {}, {}, {{"mine", "my class"}, {"625", "not asked"}}, {},
@@ -152,4 +148,4 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     EXPECT_EQ(ask(Derived(ofElements), "power"), Expected{0});
 }
 
-}  // namespace kzm::ModbusDeviceModel::Test
+}  // namespace kzm::ModbusDeviceModel::Test::MeasurementTest

@@ -4,9 +4,7 @@
 #include "DeviceProfile/FrameDataValue.h"
 #include "kzm/StandIn/CapturedLog.h"
 
-namespace kzm::ModbusDeviceModel::DeviceProfile {
-
-namespace {
+namespace kzm::ModbusDeviceModel::DeviceProfile::FrameTest {
 
 using Addresses = std::vector<std::uint16_t>;
 
@@ -24,8 +22,6 @@ Addresses PointedAt(const FrameData& frame) {
 int Add(FrameData& frame, std::uint16_t first, std::uint16_t count) {
     return static_cast<int>(frame.AddAddressesToFrame(first, count));
 }
-
-}  // namespace
 
 TEST(FrameData, EachConstructorMakesItsKind) {
     const FrameData range(HOLDING, true, -3, 10, std::uint16_t{4000});
@@ -131,4 +127,4 @@ TEST(FrameDataValue, AMaskAddsBitsAndNeverClearsThem) {
 [FrameDataValue] SetValue bitmask (3) is bigger than value (2))");
 }
 
-}  // namespace kzm::ModbusDeviceModel::DeviceProfile
+}  // namespace kzm::ModbusDeviceModel::DeviceProfile::FrameTest

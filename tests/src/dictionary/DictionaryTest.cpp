@@ -10,38 +10,44 @@
 #include "dictionary/DeviceElementLookUp.h"
 #include "dictionary/DynamicDeviceClasses.h"
 
-namespace kz::orba::VortaExtensionModbus::Device {
-
-namespace {
+namespace kz::orba::VortaExtensionModbus::Device::DictionaryTest {
 
 using LookUp = DeviceElementLookUp;
 using nlohmann::json;
 using Sources = std::unordered_multimap<std::string, std::string>;
 using enum StructureTemplate;
 
-// The tables that the Check operations find a key in.
-std::set<std::string> TablesOf(const std::string& key) {
-    std::set<std::string> tables;
-    const std::map<std::string, bool> checks{{"alarm", LookUp::CheckAlmElement(key)},
-                                             {"measurement", LookUp::CheckMeasurementElement(key)},
-                                             {"protection", LookUp::CheckProtectionElement(key)},
-                                             {"circuit-breaker", LookUp::CheckSwitchgearCircuitBreakerElement(key)}};
-    for (const auto& [table, found] : checks) {
-        if (found) {
-            tables.insert(table);
-        }
+std::vector<std::string> Split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    std::istringstream stream(text);
+    for (std::string part; std::getline(stream, part, separator);) {
+        parts.push_back(part);
     }
-    return tables;
+    return parts;
+}
+
+// "path=id,path=id".
+Sources SourcesOf(const std::string& text) {
+    Sources sources;
+    for (const std::string& source : Split(text, ',')) {
+        const auto parts = Split(source, '=');
+        sources.emplace(parts.at(0), parts.at(1));
+    }
+    return sources;
+}
+
+// The names of the tables that the Check operations find a key in.
+std::string TablesOf(const std::string& key) {
+    return std::string(LookUp::CheckAlmElement(key) ? "alarm" : "") +
+           (LookUp::CheckMeasurementElement(key) ? "measurement" : "") +
+           (LookUp::CheckProtectionElement(key) ? "protection" : "") +
+           (LookUp::CheckSwitchgearCircuitBreakerElement(key) ? "circuit-breaker" : "");
 }
 
 // The table whose name is given.
 const DictionaryTable& TableOf(const std::string& name) {
-    for (const DictionaryTable* table : LookUp::GetTables()) {
-        if (table->GetName() == name) {
-            return *table;
-        }
-    }
-    throw std::out_of_range(name);
+    const auto tables = LookUp::GetTables();
+    return **std::find_if(tables.begin(), tables.end(), [&](const auto* table) { return table->GetName() == name; });
 }
 
 std::string_view KeyOf(std::string_view key) {
@@ -88,119 +94,78 @@ json SkeletonOf(const json& structure) {
     return structure.at("IoTElementDynamicClassForDevice");
 }
 
-json AlarmElement(const char* name, const json& value, const json& more) {
-    json element{{"name", name}, {"value", value}, {"mode", "Ro"}};
-    element.update(more);
-    return element;
+// An element of an alarm, with further members beside these three.
+json AlarmElement(const std::string& name, json more, const json& value = nullptr) {
+    more.update({{"name", name}, {"value", value}, {"mode", "Ro"}});
+    return more;
 }
 
 json Alarm(const char* criticality, const char* type, const json& more) {
-    json elements{{"state", AlarmElement("Alarm.ActiveState", nullptr, {{"datetime", nullptr}, {"quality", nullptr}})},
-                  {"criticality", AlarmElement("Alarm.Criticality", criticality, json::object())},
-                  {"type", AlarmElement("Alarm.Type", type, json::object())}};
+    json elements{{"state", AlarmElement("Alarm.ActiveState", {{"datetime", nullptr}, {"quality", nullptr}})},
+                  {"criticality", AlarmElement("Alarm.Criticality", json::object(), criticality)},
+                  {"type", AlarmElement("Alarm.Type", json::object(), type)}};
     elements.update(more);
     return {{"_id", nullptr}, {"name", nullptr}, {"elements", elements}};
 }
 
-}  // namespace
-
 TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
-    const std::string measurement = "$iot.measurement.", numerical = measurement + "NumericalMeasurementValue";
-    const std::string text = measurement + "DiscreteMeasurementValue<String>", electrical = "ElectricalMeasurement.";
-    struct Row {
-        std::string table, key;
-        Sources sources;
-        std::string name, unit, className;
-        StructureTemplate structure;
-    };
     // clang-format off
-    const std::vector<Row> rows{
-        {"alarm", "15", {{"elements.state.value", "XCBR1_Pos"}},
-         "Alarm.CircuitBreakerOpenedAlarm", "", "$iot.alm.CircuitBreakerOpenedAlarm", MEDIUM_PROTECTION},
-        {"alarm", "1d", {{"elements.state.value", "G_PTOC1_Op"}},
-         "Alarm.GroundFaultAlarm", "", "$iot.alm.GroundFaultAlarm", HIGH_PROTECTION},
-        {"alarm", "24", {{"elements.state.value", "CALH1_IOverloadVLoss3PhsAlm"},
-                         {"elements.snapshot_overcurrent_threshold.value", "CALH1_IOverloadThreshold"}},
-         "Alarm.OverCurrentVoltageLossAlarm", "", "$iot.alm.OverCurrentVoltageLossAlarm", HIGH_PROTECTION_PHASES_THRESHOLD},
-        {"alarm", "25", {{"elements.state.value", "CALH1_VLoss3PhsAlm"},
-                         {"elements.snapshot_rms_current_phs_a.value", "IA _VLoss"},
-                         {"elements.snapshot_rms_current_phs_b.value", "IB _VLoss"},
-                         {"elements.snapshot_rms_current_phs_c.value", "IC _VLoss"}},
-         "Alarm.VoltageLossAlarm", "", "$iot.alm.VoltageLossAlarm", HIGH_PROTECTION_PHASES},
-        {"alarm", "5dd", {{"elements.state.value", "EF_PTOC2_OpReq"}, {"elements.state.quality", "EF_PTOC2_OpReq_Qual"}},
-         "Alarm.EarthLeakageProtectionPreAlarm", "", "$iot.alm.EarthLeakageProtectionPreAlarm", MEDIUM_PROTECTION},
-        {"protection", "78b", {{"value", "EF_PTOC1_Op"}, {"quality", "EF_PTOC1_Op_Qual"}},
-         "ElPtoc.OperateStatus", "", "$iot.protection.el_ptoc.OperateStatus", TIMESTAMPED_VALUE},
-        {"protection", "8bf", {{"value", "GGIO1_ThmFault"}},
-         "Protection.TripThermalFaultStatus", "", "$iot.protection.TripThermalFaultStatus", TIMESTAMPED_VALUE},
-        {"circuit-breaker", "59", {{"value", "XCBR1_Pos"}, {"quality", "XCBR1_Pos_Qual"}},
-         "CircuitBreaker.PositionInformation", "", "$iot.switchgear.circuit_breaker.PositionInformation", TIMESTAMPED_VALUE},
-        {"circuit-breaker", "76e", {{"value", "SCBR1_TtlCumA2"}}, "CircuitBreaker.TotalCumulativeBreakingCurrent",
-         "A²", "$iot.switchgear.circuit_breaker.TotalCumulativeBreakingCurrent", UNIT_VALUE},
-        {"circuit-breaker", "76f", {{"value", "SCBR1_AccAbr_DT"}}, "CircuitBreaker.WorstAbrasionPhs",
-         "", "$iot.switchgear.circuit_breaker.WorstAbrasionPhs", PLAIN_VALUE},
-        {"measurement", "625", {{"value", "LPHD1_BatV"}},
-         "Measurement.BatteryVoltage", "V", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "85f", {{"value", "dV_dt_water"}},
-         "Measurement.WaterFlowRate", "m³/s", measurement + "WaterFlowRate", MEASUREMENT},
-        {"measurement", "9ae", {{"value", "SPDC1_AcqEnaPhsC"}},
-         "Measurement.ChannelMonitoringControlPhsC", "", measurement + "ChannelMonitoringControlPhs", ENUMERATED_VALUE},
-        {"measurement", "DTMinIA;MinIA", {{"datetime", "DTMinIA"}, {"value", "MinIA"}},
-         electrical + "RmsMinCurrentPhsA", "A", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "DTMinIG_KELO;MinIG_KELO", {{"datetime", "DTMinIG_KELO"}, {"value", "MinIG_KELO"}},
-         electrical + "RmsMinCurrentEarthLeakage", "A", numerical + "<Float>", MEASUREMENT},
+    const std::pair<StructureTemplate, const char*> rows[] = {  // table|key|sources|name|unit|class
+        {MEDIUM_PROTECTION, "alarm|15|elements.state.value=XCBR1_Pos|Alarm.CircuitBreakerOpenedAlarm||$iot.alm.CircuitBreakerOpenedAlarm"},
+        {HIGH_PROTECTION, "alarm|1d|elements.state.value=G_PTOC1_Op|Alarm.GroundFaultAlarm||$iot.alm.GroundFaultAlarm"},
+        {HIGH_PROTECTION_PHASES_THRESHOLD, "alarm|24|elements.state.value=CALH1_IOverloadVLoss3PhsAlm,"
+         "elements.snapshot_overcurrent_threshold.value=CALH1_IOverloadThreshold|Alarm.OverCurrentVoltageLossAlarm||$iot.alm.OverCurrentVoltageLossAlarm"},
+        {HIGH_PROTECTION_PHASES, "alarm|25|elements.state.value=CALH1_VLoss3PhsAlm,"
+         "elements.snapshot_rms_current_phs_a.value=IA _VLoss,elements.snapshot_rms_current_phs_b.value=IB _VLoss,elements.snapshot_rms_current_phs_c.value=IC _VLoss|Alarm.VoltageLossAlarm||$iot.alm.VoltageLossAlarm"},
+        {MEDIUM_PROTECTION, "alarm|5dd|elements.state.value=EF_PTOC2_OpReq,elements.state.quality=EF_PTOC2_OpReq_Qual|Alarm.EarthLeakageProtectionPreAlarm||$iot.alm.EarthLeakageProtectionPreAlarm"},
+        {TIMESTAMPED_VALUE, "protection|78b|value=EF_PTOC1_Op,quality=EF_PTOC1_Op_Qual|ElPtoc.OperateStatus||$iot.protection.el_ptoc.OperateStatus"},
+        {TIMESTAMPED_VALUE, "protection|8bf|value=GGIO1_ThmFault|Protection.TripThermalFaultStatus||$iot.protection.TripThermalFaultStatus"},
+        {TIMESTAMPED_VALUE, "circuit-breaker|59|value=XCBR1_Pos,quality=XCBR1_Pos_Qual|CircuitBreaker.PositionInformation||$iot.switchgear.circuit_breaker.PositionInformation"},
+        {UNIT_VALUE, "circuit-breaker|76e|value=SCBR1_TtlCumA2|CircuitBreaker.TotalCumulativeBreakingCurrent|A²|$iot.switchgear.circuit_breaker.TotalCumulativeBreakingCurrent"},
+        {PLAIN_VALUE, "circuit-breaker|76f|value=SCBR1_AccAbr_DT|CircuitBreaker.WorstAbrasionPhs||$iot.switchgear.circuit_breaker.WorstAbrasionPhs"},
+        {MEASUREMENT, "measurement|625|value=LPHD1_BatV|Measurement.BatteryVoltage|V|$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|85f|value=dV_dt_water|Measurement.WaterFlowRate|m³/s|$iot.measurement.WaterFlowRate"},
+        {ENUMERATED_VALUE, "measurement|9ae|value=SPDC1_AcqEnaPhsC|Measurement.ChannelMonitoringControlPhsC||$iot.measurement.ChannelMonitoringControlPhs"},
+        {MEASUREMENT, "measurement|DTMinIA;MinIA|datetime=DTMinIA,value=MinIA|ElectricalMeasurement.RmsMinCurrentPhsA|A|$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|DTMinIG_KELO;MinIG_KELO|datetime=DTMinIG_KELO,value=MinIG_KELO|ElectricalMeasurement.RmsMinCurrentEarthLeakage|A|$iot.measurement.NumericalMeasurementValue<Float>"},
         // Pairs whose date-time id does not repeat the value id.
-        {"measurement", "DTMinPF;MinPFTtl", {{"datetime", "DTMinPF"}, {"value", "MinPFTtl"}},
-         electrical + "TotalRmsMinPowerFactor", "", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "DTMaxkVATtl;MaxVA_Ttl", {{"datetime", "DTMaxkVATtl"}, {"value", "MaxVA_Ttl"}},
-         electrical + "TotalMaxApparentPower", "VA", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "DTPkkWAD;PkWAD", {{"datetime", "DTPkkWAD"}, {"value", "PkWAD"}},
-         electrical + "DemandMaxActivePowerPhsA", "W", measurement + "electrical.DemandMaxMeasurement", MEASUREMENT},
+        {MEASUREMENT, "measurement|DTMinPF;MinPFTtl|datetime=DTMinPF,value=MinPFTtl|ElectricalMeasurement.TotalRmsMinPowerFactor||$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|DTMaxkVATtl;MaxVA_Ttl|datetime=DTMaxkVATtl,value=MaxVA_Ttl|ElectricalMeasurement.TotalMaxApparentPower|VA|$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|DTPkkWAD;PkWAD|datetime=DTPkkWAD,value=PkWAD|ElectricalMeasurement.DemandMaxActivePowerPhsA|W|$iot.measurement.electrical.DemandMaxMeasurement"},
         // A date-time that is no part of the key.
-        {"measurement", "PkWDDel-Rec", {{"datetime", "DTPkWDDel-Rec"}, {"value", "PkWDDel-Rec"}},
-         electrical + "DemandMaxActivePowerDeliveredLessReceived", "W",
-         measurement + "electrical.DemandMaxMeasurement", MEASUREMENT},
-        {"measurement", "ZCAP1_BrokenStStep10;ZCAP1_BrokenStStep10_Qual",
-         {{"value", "ZCAP1_BrokenStStep10"}, {"quality", "ZCAP1_BrokenStStep10_Qual"}},
-         electrical + "BrokenStatusCapacitorBankStep10", "", text, TIMESTAMPED_VALUE},
-        {"measurement", "Hz", {{"value", "Hz"}}, electrical + "RmsFrequency", "Hz", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "H11VAB_Mag", {{"value", "H11VAB_Mag"}},
-         electrical + "RatioFundamentalVoltageHarmonic11PhsAB", "", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "thd_VLN", {{"value", "thd_VLN"}},
-         electrical + "RmsThdVoltageLineToNeutral", "", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "MaxVUnbalLL_PH", {{"value", "MaxVUnbalLL_PH"}},
-         electrical + "PhaseOfMaxUnbalanceVoltageLineToLine", "", text, TIMESTAMPED_VALUE},
-        {"measurement", "WHr2Del+Rec", {{"value", "WHr2Del+Rec"}},
-         electrical + "ActiveEnergyDeliveredPlusReceivedTariffRate2", "Wh", numerical + "<Integer>", MEASUREMENT},
-        {"measurement", "VAHrCRec_Nonreset", {{"value", "VAHrCRec_Nonreset"}},
-         electrical + "ApparentEnergyReceivedNonResettablePhsC", "VAh", numerical + "<Integer>", MEASUREMENT},
-        {"measurement", "SPDC1_PulseNPRPhsBAng07", {{"value", "SPDC1_PulseNPRPhsBAng07"}},
-         electrical + "PartialDischargePulseRatePhsBAngle07", "1/s", numerical + "<Float>", MEASUREMENT},
-        {"measurement", "TCM1_PM2_5", {{"value", "TCM1_PM2_5"}}, "EnvironmentalMeasurement.ParticulateMatter2_5Concentration",
-         "", measurement + "NumericalMeasurementValueWithInformation<Float>", MEASUREMENT},
+        {MEASUREMENT, "measurement|PkWDDel-Rec|datetime=DTPkWDDel-Rec,value=PkWDDel-Rec|ElectricalMeasurement.DemandMaxActivePowerDeliveredLessReceived|W|$iot.measurement.electrical.DemandMaxMeasurement"},
+        {TIMESTAMPED_VALUE, "measurement|ZCAP1_BrokenStStep10;ZCAP1_BrokenStStep10_Qual|value=ZCAP1_BrokenStStep10,quality=ZCAP1_BrokenStStep10_Qual|ElectricalMeasurement.BrokenStatusCapacitorBankStep10||$iot.measurement.DiscreteMeasurementValue<String>"},
+        {MEASUREMENT, "measurement|Hz|value=Hz|ElectricalMeasurement.RmsFrequency|Hz|$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|H11VAB_Mag|value=H11VAB_Mag|ElectricalMeasurement.RatioFundamentalVoltageHarmonic11PhsAB||$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|thd_VLN|value=thd_VLN|ElectricalMeasurement.RmsThdVoltageLineToNeutral||$iot.measurement.NumericalMeasurementValue<Float>"},
+        {TIMESTAMPED_VALUE, "measurement|MaxVUnbalLL_PH|value=MaxVUnbalLL_PH|ElectricalMeasurement.PhaseOfMaxUnbalanceVoltageLineToLine||$iot.measurement.DiscreteMeasurementValue<String>"},
+        {MEASUREMENT, "measurement|WHr2Del+Rec|value=WHr2Del+Rec|ElectricalMeasurement.ActiveEnergyDeliveredPlusReceivedTariffRate2|Wh|$iot.measurement.NumericalMeasurementValue<Integer>"},
+        {MEASUREMENT, "measurement|VAHrCRec_Nonreset|value=VAHrCRec_Nonreset|ElectricalMeasurement.ApparentEnergyReceivedNonResettablePhsC|VAh|$iot.measurement.NumericalMeasurementValue<Integer>"},
+        {MEASUREMENT, "measurement|SPDC1_PulseNPRPhsBAng07|value=SPDC1_PulseNPRPhsBAng07|ElectricalMeasurement.PartialDischargePulseRatePhsBAngle07|1/s|$iot.measurement.NumericalMeasurementValue<Float>"},
+        {MEASUREMENT, "measurement|TCM1_PM2_5|value=TCM1_PM2_5|EnvironmentalMeasurement.ParticulateMatter2_5Concentration||$iot.measurement.NumericalMeasurementValueWithInformation<Float>"},
         // Of unknown keys nothing is known; a part of a key is none, nor is the id that feeds an element.
-        {"", "", {}, "", "", numerical, MEASUREMENT},
-        {"", "MinIA", {}, "", "", numerical, MEASUREMENT},
-        {"", "DTMinIA;MinIA ", {}, "", "", numerical, MEASUREMENT},
-        {"", "hz", {}, "", "", numerical, MEASUREMENT},
-        {"", "XCBR1_Pos", {}, "", "", numerical, MEASUREMENT},
-        {"", "\x7f", {}, "", "", numerical, MEASUREMENT},
-    };
+        {MEASUREMENT, "|||||$iot.measurement.NumericalMeasurementValue"},
+        {MEASUREMENT, "|MinIA||||$iot.measurement.NumericalMeasurementValue"},
+        {MEASUREMENT, "|DTMinIA;MinIA ||||$iot.measurement.NumericalMeasurementValue"},
+        {MEASUREMENT, "|hz||||$iot.measurement.NumericalMeasurementValue"},
+        {MEASUREMENT, "|XCBR1_Pos||||$iot.measurement.NumericalMeasurementValue"},
+        {MEASUREMENT, "|\x7f||||$iot.measurement.NumericalMeasurementValue"}};
     // clang-format on
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.key);
-        EXPECT_EQ(TablesOf(row.key), row.table.empty() ? std::set<std::string>() : std::set{row.table});
-        EXPECT_EQ(LookUp::GetPdmId(row.key), row.sources);
-        EXPECT_EQ(LookUp::GetName(row.key), row.name);
-        EXPECT_EQ(LookUp::GetUnit(row.key), row.unit);
-        EXPECT_EQ(LookUp::GetClass(row.key), row.className);
-        EXPECT_EQ(LookUp::GetStructure(row.key), BuildStructure(row.structure));
-        if (!row.table.empty()) {
-            EXPECT_EQ(static_cast<StructureTemplate>(TableOf(row.table).at(row.key).structure), row.structure);
-        }
+    for (const auto& [structure, row] : rows) {
+        SCOPED_TRACE(row);
+        const auto parts = Split(row, '|');
+        const std::string &table = parts.at(0), &key = parts.at(1);
+        const Sources sources = SourcesOf(parts.at(2));
+        EXPECT_EQ(TablesOf(key), table);
+        EXPECT_EQ(LookUp::GetPdmId(key), sources);
+        EXPECT_EQ(LookUp::GetName(key), parts.at(3));
+        EXPECT_EQ(LookUp::GetUnit(key), parts.at(4));
+        EXPECT_EQ(LookUp::GetClass(key), parts.at(5));
+        EXPECT_EQ(LookUp::GetStructure(key), BuildStructure(structure));
+        EXPECT_TRUE(table.empty() || TableOf(table).at(key).structure == structure);
         for (const char* path : {"value", "datetime", "quality", "elements.state.value"}) {
-            const auto source = row.sources.find(path);
-            EXPECT_EQ(LookUp::GetMappedAttributePath(row.key, path), source == row.sources.end() ? "" : source->second);
+            const auto source = sources.find(path);
+            EXPECT_EQ(LookUp::GetMappedAttributePath(key, path), source == sources.end() ? "" : source->second);
         }
     }
 }
@@ -292,7 +257,7 @@ TEST(Dictionary, ValueStructuresHaveTheMembersThatSuitTheirUse) {
 TEST(Dictionary, AlarmStructuresCarryWhatTheAlarmNeeds) {
     const json snapshot{{"datetime", nullptr}, {"quality", nullptr}, {"unit", "A"}};
     const auto snapshotOf = [&](const std::string& what) {
-        return AlarmElement(("ElectricalMeasurement.Snapshot" + what).c_str(), nullptr, snapshot);
+        return AlarmElement("ElectricalMeasurement.Snapshot" + what, snapshot);
     };
     const json phases{{"snapshot_rms_current_phs_a", snapshotOf("RmsCurrentPhsA")},
                       {"snapshot_rms_current_phs_b", snapshotOf("RmsCurrentPhsB")},
@@ -300,10 +265,10 @@ TEST(Dictionary, AlarmStructuresCarryWhatTheAlarmNeeds) {
     json threshold = phases;
     threshold["snapshot_overcurrent_threshold"] = snapshotOf("OverCurrentThreshold");
     const json dated{{"datetime", nullptr}};
-    const json handled{{"acknowledgment_state", AlarmElement("Alarm.AcknowledgmentState", nullptr, dated)},
-                       {"shelve_state", AlarmElement("Alarm.ShelveState", nullptr, dated)},
-                       {"detection_state", AlarmElement("Alarm.DetectionState", nullptr, dated)},
-                       {"confirmation_state", AlarmElement("Alarm.ConfirmationState", nullptr, dated)}};
+    const json handled{{"acknowledgment_state", AlarmElement("Alarm.AcknowledgmentState", dated)},
+                       {"shelve_state", AlarmElement("Alarm.ShelveState", dated)},
+                       {"detection_state", AlarmElement("Alarm.DetectionState", dated)},
+                       {"confirmation_state", AlarmElement("Alarm.ConfirmationState", dated)}};
     const json none = json::object();
     const std::map<std::string, json> skeletons{{"24", Alarm("High", "Protection", threshold)},
                                                 {"25", Alarm("High", "Protection", phases)},
@@ -355,4 +320,4 @@ TEST(Dictionary, DynamicClassesAreThoseOfItsRowsButOneAndOneMore) {
     }
 }
 
-}  // namespace kz::orba::VortaExtensionModbus::Device
+}  // namespace kz::orba::VortaExtensionModbus::Device::DictionaryTest

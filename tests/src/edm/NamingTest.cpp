@@ -7,14 +7,10 @@
 #include "edm/modbus/Vorta.h"
 #include "kzm/Vorta/VortaId.h"
 
-namespace kzm::edm::modbus {
-
-namespace {
+namespace kzm::edm::modbus::NamingTest {
 
 using kz::orba::VortaExtensionModbus::Device::DeviceElementLookUp;
 using kzm::Vorta::VortaId;
-
-}  // namespace
 
 TEST(Naming, AnAliasBecomesPartOfAnIdAndBack) {
     const std::pair<std::string, std::string> aliases[] = {{"", ""},
@@ -124,4 +120,4 @@ TEST(Naming, ThePlatformAnswersForIdentificationElements) {
               "");
 }
 
-}  // namespace kzm::edm::modbus
+}  // namespace kzm::edm::modbus::NamingTest
