@@ -37,21 +37,29 @@ ProfileFrames::ProfileFrames(const JsonCursor& section) {
     mComplete = !section->empty();
     section.ForEach([this](const std::string&, const JsonCursor& place) {
         Frame frame{place, place.At("name").Text(), FunctionCodeOf(place.At("function")), !place.Has("addresses"), {}};
-        const auto same = [&frame](const Frame& other) { return other.name == frame.name; };
-        if (!frame.name.empty() && std::any_of(mFrames.begin(), mFrames.end(), same)) {
-            place.At("name").Error("another frame already has the name " + Quoted(frame.name));
-        }
         if (frame.contiguous) {
             ReadRange(frame);
         } else {
             ReadList(frame);
         }
-        frame.sorted = frame.addresses;
-        std::sort(frame.sorted.begin(), frame.sorted.end());
-        frame.sorted.erase(std::unique(frame.sorted.begin(), frame.sorted.end()), frame.sorted.end());
         mComplete = mComplete && !frame.name.empty() && !frame.addresses.empty();
-        mFrames.push_back(std::move(frame));
+        Add(std::move(frame));
     });
+}
+
+// The registers of a frame whose name is taken go to the first of that name, so that no further error follows from it.
+void ProfileFrames::Add(Frame frame) {
+    const auto addresses = frame.addresses;
+    auto known = std::ranges::find(mFrames, frame.name, &Frame::name);
+    if (known != mFrames.end() && !frame.name.empty()) {
+        frame.place.At("name").Error("another frame already has the name " + Quoted(frame.name));
+    } else {
+        known = mFrames.insert(mFrames.end(), std::move(frame));
+    }
+    auto& sorted = known->sorted;
+    sorted.insert(sorted.end(), addresses.begin(), addresses.end());
+    std::ranges::sort(sorted);
+    sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
 }
 
 void ProfileFrames::ReadRange(Frame& frame) {

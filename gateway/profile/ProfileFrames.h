@@ -49,6 +49,7 @@ private:
 
     static void ReadRange(Frame& frame);
     static void ReadList(Frame& frame);
+    void Add(Frame frame);
     std::optional<std::uint8_t> FindNamed(const JsonCursor& element, std::uint32_t address, std::uint32_t count) const;
     std::string NearestTo(std::uint32_t address) const;
 

@@ -77,7 +77,7 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 "count": 20 => "count": 126 => 4 /frames/0/count: 126 are too many => at most 125
 "count": 4 => "count": 2001 => 6 /frames/2/count: 2001 is not => 1 to 2000
 "address": 500, "count": 4 => "address": 65500, "count": 37}, {"name": "more", "function": 1, "address": 500, "count": 4 => 6 /frames/2/count: the frame ends at => 65536; the last register of a device is 65535
-"bits" => "main" => 6 /frames/2/name: another frame already has => "main"
+"count": 4}] => "count": 4}, {"name": "main", "function": "holding", "address": 110, "count": 20}] => 6 /frames/3/name: another frame already has => "main"
 "0x5", 6 => "0x5", 6, 5 => 5 /frames/1/addresses/3: register 5 is already
 "addresses": => "count": 3, "addresses": => 5 /frames/1/addresses: a frame has either => not both
 // elements
