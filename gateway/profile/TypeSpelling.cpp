@@ -20,6 +20,7 @@ struct TypeRow {
 constexpr TypeRow TYPES[] = {
     {"boolean", "bool boolean bit bits coil flag"},
     {"uint16",
+     "uint8 uint8t u8 ui8 int8u 8uint unsigned8 usint byte "
      "uint16 uint16t u16 ui16 us16 int16u 16uint 16bituint unsigned16 uint ushort word word16 unsigned ufixed16"},
     {"int16", "int16 int16t s16 i16 si16 sint16 int16s 16int 16bitint signed16 int short integer fixed16"},
     {"uint32", "uint32 uint32t u32 ui32 int32u 32uint 32bituint unsigned32 udint ulong dword ufixed32"},

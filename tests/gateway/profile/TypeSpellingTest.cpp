@@ -12,7 +12,7 @@ TEST(TypeSpelling, OtherProgramsTypesLeadToThoseOfProfiles) {
         const char* order = "";
         bool swapsBytes = false;
     } rows[] = {
-        {"u16", "uint16"}, {"INT16U", "uint16"}, {"WORD", "uint16"}, {"uint_16", "uint16"}, {"16uint", "uint16"},
+        {"u16", "uint16"}, {"uint8", "uint16"}, {"INT16U", "uint16"}, {"WORD", "uint16"}, {"uint_16", "uint16"}, {"16uint", "uint16"},
         {"short", "int16"}, {"uint16be", "uint16"}, {"uint16le", "uint16", "", true}, {"DWORD", "uint32"},
         {"UDINT", "uint32"}, {"u32_be", "uint32", "big"}, {"INT32S", "int32"}, {"uint32s", "uint32", "little"},
         {"uint32sw", "uint32", "little"}, {"LREAL", "float64"}, {"REAL", "float32"}, {"float32_abcd", "float32", "big"},
