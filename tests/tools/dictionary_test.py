@@ -37,7 +37,7 @@ class DictionaryTest(unittest.TestCase):
     def test_searches_look_in_keys_names_units_and_ids_in_any_case(self):
         rows = [
             (["--search", "ib _vLOSS"], ["25"]),
-            (["--search", "m³/S", "--class", "GasFlowRate"], ["85b"]),
+            (["--search", "m³/S", "--class", "gasflowRATE"], ["85b"]),
             (["--search", "STEP12", "--class", "$iot.measurement.NumericalMeasurementValue<Integer>"],
              ["ZCAP1_ClsCntStep12"]),
             (["--search", "ptuf.", "--table", "protection"], ["7aa", "7ab", "7ac", "7ad"]),

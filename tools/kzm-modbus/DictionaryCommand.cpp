@@ -48,9 +48,10 @@ bool IsSearchedFor(const Element& element, std::string_view wanted) {
                        [&](const AttributeSource& source) { return Holds(source.second, wanted); });
 }
 
-// The whole class, or the end of it after a dot.
+// The whole class, or the end of it after a dot, in any case.
 bool IsOfClass(std::string_view name, std::string_view wanted) {
-    return name == wanted || (name.ends_with(wanted) && name[name.size() - wanted.size() - 1] == '.');
+    const std::size_t start = name.size() - std::min(name.size(), wanted.size());
+    return Holds(name.substr(start), wanted) && (start == 0 || name[start - 1] == '.');
 }
 
 std::vector<Element> Select(const DictionaryOptions& options) {
