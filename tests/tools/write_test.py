@@ -84,6 +84,7 @@ class WriteTest(unittest.TestCase):
         for profile, values, status, reason in [
                 (PROFILE, ["Breaker", "mode=On"], 5, 'no service writes "Breaker"; did you mean "Breaker/q1"?'),
                 (PROFILE, ["Breaker/q1", "moda=On"], 5, 'no element "moda"; did you mean "mode"? Allowed: "day", "limit", "low", "mode", "trip"'),
+                (PROFILE, ["Breaker/q1", "low=1", "low=2"], 2, '"low" is given twice'),
                 (PROFILE, ["Breaker/q1", "mode"], 2, '"mode" is not ELEMENT=VALUE'),
                 (PROFILE, ["Breaker/q1", "low=1"], 4, "127.0.0.1:1 unit 1: cannot read: Connection refused"),
                 (file("pump.jsonc", PUMP), ["Flow", "a=1"], 5, 'no service writes "Flow"; the profile has none')]:

@@ -61,6 +61,9 @@ WritePlan::WritePlan(const LoadedProfile& profile, const std::string& object,
             throw Failure(ExitStatus::WRONG_USAGE, Quoted(assignment) + " is not ELEMENT=VALUE");
         }
         const Element element = FindElement(assignment.substr(0, equals));
+        if (std::ranges::any_of(mWanted, [&](const auto& wanted) { return wanted.first == element; })) {
+            throw Failure(ExitStatus::WRONG_USAGE, Quoted(element->GetAttributePath()) + " is given twice");
+        }
         try {
             mWanted.emplace_back(element, EncodeValue(*element, mBigEndian, assignment.substr(equals + 1)));
         } catch (const CannotEncode& reason) {
