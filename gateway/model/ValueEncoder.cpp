@@ -182,6 +182,9 @@ public:
         if (!FitsMask(*best)) {
             throw CannotEncode(mText + " does not fit the mask");
         }
+        if (!mElement.GetValidityStatus() && Decoded(*best).is_null()) {
+            throw CannotEncode(DoesNotFit());
+        }
         return ResultOf(*best);
     }
 
@@ -466,9 +469,9 @@ private:
         return std::ranges::equal(bytes, mMask, [](auto byte, auto mask) { return (byte & ~mask) == 0; });
     }
 
-    bool ReadsBack(const Bytes& bytes) {
-        return IsSame(DecodeValue(mElement, mDeviceBigEndian, ResultOf(bytes).registers), mWanted, mTolerance);
-    }
+    json Decoded(const Bytes& bytes) { return DecodeValue(mElement, mDeviceBigEndian, ResultOf(bytes).registers); }
+
+    bool ReadsBack(const Bytes& bytes) { return IsSame(Decoded(bytes), mWanted, mTolerance); }
 
     EncodedValue ResultOf(const Bytes& bytes) const {
         const bool swapped = mElement.MustSwapWords(mDeviceBigEndian);

@@ -64,7 +64,7 @@ const Row ROWS[] = {
     {{.code = 24, .registers = 4}, "9007199254740993", "9007199254740993 would be read back as 9007199254740992"},
     {{.code = 26, .registers = 3}, "-1", "-1 is out of range"},
     {{.code = 27, .order = LITTLE, .registers = 4}, "1", "0001 0000 0000 0000"},
-    {{.code = 28, .registers = 4}, "-1", "-1 would be read back as not available"},
+    {{.code = 28, .registers = 4}, "-1", "-1 is out of range"},
     {{.code = 19, .registers = 3}, "123456789", "1A85 0929 0001"},
     {{.code = 20, .registers = 3}, "-20003", "FFFD FFFE 0000"},
     {{.code = 51, .registers = 2}, "100000000", "100000000 is out of range"},
