@@ -25,7 +25,8 @@ def sections(command=()):
 
 
 COMMANDS = sections()["Commands:"]
-OPTIONS = {command: set(sections([command])["Options:"]) for command in COMMANDS}
+OPTIONS = {command: {entry for entries in sections([command]).values() for entry in entries if entry[0] == "-"}
+           for command in COMMANDS}
 GLOBAL = set(sections()["Options:"])
 
 

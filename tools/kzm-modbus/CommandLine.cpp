@@ -24,6 +24,14 @@ CLI::Validator Reworded(const CLI::Validator& check, const std::string& message)
     return CLI::Validator(complain, "");
 }
 
+// Help texts whose groups of options have headings like all others.
+struct HelpFormatter : CLI::Formatter {
+    std::string make_expanded(const CLI::App* group) const override {
+        const auto isOwn = [group](const CLI::Option* option) { return option != group->get_help_ptr(); };
+        return make_group(group->get_group(), /*is_positional=*/false, group->get_options(isOwn));
+    }
+};
+
 // Without them "010" is ten rather than eight.
 std::string WithoutLeadingZeros(const std::string& text) {
     const std::size_t first = text.find_first_not_of('0');
@@ -175,7 +183,7 @@ void CommandSyntax::Require(const std::string& option) {
 }
 
 void CommandSyntax::RequireOneOf(const std::string& heading, std::initializer_list<const char*> options) {
-    CLI::Option_group* group = mApp->add_option_group(heading);
+    CLI::Option_group* group = mApp->add_option_group(heading + " (exactly one is required)");
     for (const char* option : options) {
         group->add_option(mApp->get_option(option));
     }
@@ -203,6 +211,7 @@ CommandLine::CommandLine()
     mApp->set_help_flag("-h,--help", "Show this help");
     mApp->require_subcommand(0, 1);  // Parse says more about a missing one
     mApp->fallthrough();
+    mApp->formatter(std::make_shared<HelpFormatter>());
     mApp->get_formatter()->label("SUBCOMMAND", "COMMAND ...");
     mApp->footer(ExitStatusHelp());
 }
