@@ -5,9 +5,12 @@
 #include <chrono>
 #include <optional>
 
+#include "gateway/cache/FrameAddresses.h"
 #include "gateway/json/JsonCursor.h"
 #include "gateway/json/JsonSchema.h"
 #include "gateway/json/ProblemText.h"
+#include "gateway/modbus/FunctionName.h"
+#include "gateway/profile/ProfileFrames.h"
 #include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusGateway {
@@ -17,10 +20,12 @@ using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
 using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
 using ModbusDeviceModel::DeviceCache::QUALITY_QUESTIONABLE;
 using ModbusDeviceModel::DeviceProfile::FrameData;
+using ModbusDeviceModel::DeviceProfile::FrameKind;
 
 namespace {
 
 constexpr std::size_t REGISTERS_PER_LINE = 8;
+constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
 // The number in the `count` characters of `text` from `position`; -1 if one of them is not a digit.
 int Digits(std::string_view text, std::size_t position, std::size_t count, int base = 10) {
@@ -134,20 +139,121 @@ Capture::Snapshot ReadSnapshot(const JsonCursor& place, const DeviceFrames& devi
     return snapshot;
 }
 
-Capture ReadCapture(const JsonCursor& root, const DeviceFrames& device) {
-    Capture capture;
+// "3 registers from 10 on (holding)", "registers 7, 9 (coils)".
+std::string Describe(const FrameData& frame) {
+    const std::string function = " (" + std::string(NameOf(frame.mFunctionCode)) + ')';
+    if (frame.mKind != FrameKind::ADDRESS_LIST) {
+        return std::to_string(frame.mLength) + " registers from " + std::to_string(frame.mAddress.mAddress) + " on" +
+               function;
+    }
+    std::string list;
+    for (const std::uint16_t address : AddressesOf(frame)) {
+        list += (list.empty() ? "" : ", ") + std::to_string(address);
+    }
+    return "registers " + list + function;
+}
+
+// Reports the first frame that the device does not have like this; true if there is none.
+bool IsOf(const DeviceFrames& device, const DeviceFrames& described, const JsonCursor& section) {
+    for (std::size_t i = 0; i < described.names.size(); ++i) {
+        const std::string& name = described.names[i];
+        const auto known = std::ranges::find(device.names, name);
+        const JsonCursor place = section.At(std::to_string(i));
+        if (known == device.names.end()) {
+            place.Error("the profile has no frame " + Quoted(name) + Alternatives(name, device.names));
+            return false;
+        }
+        const FrameData& own = device.frames.at(static_cast<std::size_t>(known - device.names.begin()));
+        if (own.mFunctionCode != described.frames[i].mFunctionCode ||
+            AddressesOf(own) != AddressesOf(described.frames[i])) {
+            place.Error("the frame " + Quoted(name) + " is " + Describe(described.frames[i]) + " here, but " +
+                        Describe(own) + " in the profile; use the profile that the capture was made with");
+            return false;
+        }
+    }
+    return true;
+}
+
+// The frames that the capture itself describes; none if it does not, or not without an error.
+DeviceFrames ReadDescription(const JsonCursor& root) {
+    DeviceFrames device{root.At("model").Text(), {}, {}};
+    if (root.Has("frames")) {
+        const ProfileFrames frames(root.At("frames"));
+        device.names = frames.IsComplete() ? frames.GetNames() : Names{};
+        device.frames = frames.IsComplete() ? frames.GetFrames() : std::vector<FrameData>{};
+    }
+    return device;
+}
+
+// The frames to read the snapshots with: those of a capture that describes them.
+std::optional<DeviceFrames> FramesOf(const JsonCursor& root, const DeviceFrames& described) {
+    if (root.Has("snapshots") && !root->contains("frames")) {
+        root.Error("the capture does not describe its frames; name the profile that it was made with");
+    }
+    return described.names.empty() ? std::nullopt : std::optional(described);
+}
+
+// The frames to read the snapshots with; nullopt, and reported, if there are none. `found` has the cursor's problems.
+std::optional<DeviceFrames> FramesFor(const JsonCursor& root, const DeviceFrames* device, const Problems& found) {
+    const std::size_t before = found.size();
+    const DeviceFrames described = ReadDescription(root);
+    if (device == nullptr || found.size() > before) {
+        return FramesOf(root, described);
+    }
     const JsonCursor model = root.At("model");
-    if (!model->is_null() && model.Text() != device.modelName) {
-        model.Warning("the capture is of another device model; expected: " + Quoted(device.modelName));
+    if (!model->is_null() && model.Text() != device->modelName) {
+        model.Warning("the capture is of another device model; expected: " + Quoted(device->modelName));
+    }
+    return IsOf(*device, described, root.At("frames")) ? std::optional(*device) : std::nullopt;
+}
+
+std::vector<Capture::Missing> ReadMissing(const JsonCursor& list) {
+    std::vector<Capture::Missing> missing;
+    list.ForEach([&](const std::string&, const JsonCursor& place) {
+        const JsonCursor function = place.At("function");
+        const auto code = static_cast<ModbusFunctionCode>(function.Number().value_or(0));
+        const auto first = place.At("address").Number().value_or(0);
+        const auto count = place.At("count").Number().value_or(0);
+        if (first + count > ADDRESS_COUNT) {
+            place.At("count").Error("the registers end at " + std::to_string(first + count - 1) +
+                                    "; the last register of a device is 65535");
+        }
+        missing.push_back({FindReadFunction(function.Text()).value_or(code), static_cast<std::uint16_t>(first),
+                           static_cast<std::uint32_t>(count)});
+    });
+    return missing;
+}
+
+Capture ReadCapture(const JsonCursor& root, const DeviceFrames* given, const Problems& found) {
+    Capture capture{{}, ReadMissing(root.At("missing"))};
+    const auto device = FramesFor(root, given, found);
+    if (!device) {
+        return capture;
     }
     root.At("snapshots").ForEach([&](const std::string&, const JsonCursor& place) {
-        capture.snapshots.push_back(ReadSnapshot(place, device));
+        capture.snapshots.push_back(ReadSnapshot(place, *device));
         const std::size_t count = capture.snapshots.size();
         if (count > 1 && capture.snapshots[count - 1].time < capture.snapshots[count - 2].time && place.Has("time")) {
             place.At("time").Error("this snapshot is earlier than the one before it; sort snapshots by time");
         }
     });
+    capture.frames = *device;
     return capture;
+}
+
+// `device`: null where the capture's own description is to be used.
+Capture ParseFor(std::string_view text, const DeviceFrames* device, Problems& problems) {
+    static const JsonSchema SCHEMA(Capture::GetSchema());
+    Problems found;
+    Capture capture;
+    const LocatedJson document = LocatedJson::Parse(text, found);
+    if (document.IsRead()) {
+        const nlohmann::json content = SCHEMA.Check(document, found);
+        capture = ReadCapture(JsonCursor(document, content, found), device, found);
+    }
+    SortByLine(found);
+    problems.insert(problems.end(), found.begin(), found.end());
+    return HasError(found) ? Capture{} : capture;
 }
 
 std::vector<std::string> LinesOf(const std::vector<std::uint16_t>& registers) {
@@ -162,6 +268,21 @@ std::vector<std::string> LinesOf(const std::vector<std::uint16_t>& registers) {
         }
     }
     return lines;
+}
+
+nlohmann::ordered_json Written(const FrameData& frame, const std::string& name) {
+    nlohmann::ordered_json text{{"name", name}, {"function", NameOf(frame.mFunctionCode)}};
+    if (frame.mKind == FrameKind::ADDRESS_LIST) {
+        text["addresses"] = AddressesOf(frame);
+    } else {
+        text["address"] = frame.mAddress.mAddress;
+        text["count"] = frame.mLength;
+    }
+    return text;
+}
+
+nlohmann::ordered_json Written(const Capture::Missing& missing) {
+    return {{"function", NameOf(missing.functionCode)}, {"address", missing.first}, {"count", missing.count}};
 }
 
 nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const DeviceFrames& device) {
@@ -179,17 +300,11 @@ nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapsh
 }  // namespace
 
 Capture Capture::Parse(std::string_view text, const DeviceFrames& device, Problems& problems) {
-    static const JsonSchema SCHEMA(GetSchema());
-    Problems found;
-    Capture capture;
-    const LocatedJson document = LocatedJson::Parse(text, found);
-    if (document.IsRead()) {
-        const nlohmann::json content = SCHEMA.Check(document, found);
-        capture = ReadCapture(JsonCursor(document, content, found), device);
-    }
-    SortByLine(found);
-    problems.insert(problems.end(), found.begin(), found.end());
-    return HasError(found) ? Capture{} : capture;
+    return ParseFor(text, &device, problems);
+}
+
+Capture Capture::Parse(std::string_view text, Problems& problems) {
+    return ParseFor(text, nullptr, problems);
 }
 
 Capture::Snapshot Capture::Take(const RegisterCache& cache, const DeviceFrames& device, std::uint64_t time) {
@@ -206,14 +321,24 @@ Capture::Snapshot Capture::Take(const RegisterCache& cache, const DeviceFrames& 
 }
 
 std::string Capture::Write(const DeviceFrames& device) const {
-    nlohmann::ordered_json text{{"model", device.modelName}, {"snapshots", nlohmann::ordered_json::array()}};
+    nlohmann::ordered_json text;
+    if (!device.modelName.empty()) {
+        text["model"] = device.modelName;
+    }
+    for (std::size_t i = 0; i < device.names.size(); ++i) {
+        text["frames"].push_back(Written(device.frames.at(i), device.names[i]));
+    }
+    for (const Missing& range : missing) {
+        text["missing"].push_back(Written(range));
+    }
+    text["snapshots"] = nlohmann::ordered_json::array();
     for (const auto& snapshot : snapshots) {
-        auto frames = nlohmann::ordered_json::array();
+        auto received = nlohmann::ordered_json::array();
         for (const auto& frame : snapshot.frames) {
-            frames.push_back(Written(frame, snapshot.time, device));
+            received.push_back(Written(frame, snapshot.time, device));
         }
         text["snapshots"].push_back(
-            {{"time", kzm::DateTime::DateTime::ConvertToCalendarTime(snapshot.time)}, {"frames", std::move(frames)}});
+            {{"time", kzm::DateTime::DateTime::ConvertToCalendarTime(snapshot.time)}, {"frames", std::move(received)}});
     }
     return text.dump(4) + '\n';
 }

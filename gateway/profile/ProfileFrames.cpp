@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "gateway/modbus/FunctionName.h"
 #include "gateway/modbus/RequestLimits.h"
 
 namespace kzm::ModbusGateway {
@@ -13,14 +14,11 @@ namespace {
 
 constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
-constexpr const char* FUNCTION_NAMES[] = {"coils", "discrete inputs", "holding", "input"};
-
 ModbusFunctionCode FunctionCodeOf(const JsonCursor& function) {
     if (const auto number = function.Number()) {
         return static_cast<ModbusFunctionCode>(*number);
     }
-    const auto name = std::find(std::begin(FUNCTION_NAMES), std::end(FUNCTION_NAMES), function.Text());
-    return static_cast<ModbusFunctionCode>(name - std::begin(FUNCTION_NAMES) + 1);
+    return FindReadFunction(function.Text()).value_or(ModbusFunctionCode{});
 }
 
 std::string Range(std::uint32_t address, std::uint32_t count) {

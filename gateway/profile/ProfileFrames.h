@@ -28,7 +28,10 @@ public:
     // Warns of frames that were not marked as used.
     void ReportUnused() const;
 
-    // Valid if no error was reported.
+    // Whether there are frames, and each has a name and registers.
+    bool IsComplete() const { return mComplete; }
+
+    // Valid if no error was reported, or the section is complete.
     std::vector<ModbusDeviceModel::DeviceProfile::FrameData> GetFrames() const;
     Names GetNames() const;
 

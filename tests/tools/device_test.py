@@ -170,6 +170,32 @@ class DeviceTest(unittest.TestCase):
                          [[n % 3 == 0 for n in range(2, 13)], [n % 5 == 0 for n in range(1, 1901)],
                           [n * 31 + 1 for n in (7, 300, 6, 8, 5)], [65535 - n for n in range(1000, 1125)]])
 
+    def test_registers_are_captured_and_served_without_a_profile(self):
+        recorded = file("registers.capture.json", "")
+        with pymodbus() as address:
+            done = run("capture", "--registers", "holding:7-206,coils:3-4,discrete-inputs:5", "--tcp", address, "-o", recorded)
+        self.assertEqual(done.stdout, recorded + ": 1 snapshot, 4 of 4 frames\n")
+        served = start("simulate", "--capture", recorded, "--listen", "127.0.0.1:0", stderr=None)
+        address = served.stdout.readline().removeprefix("listening on ").strip()
+        again = run("capture", "--registers", "holding:100-101,coils:3", "--tcp", address, "-o", "/proc/self/fd/1")
+        self.assertEqual(end(served), 0)
+        self.assertIn('"0C1D 0C3C"', again.stdout)
+        old = file("old.json", capture_of((1, [("slow", "0001", 0, {})])))
+        for status, told, command in [
+                (1, "does not describe its frames", ["simulate", "--listen", "127.0.0.1:0", "--capture", old]),
+                (1, 'the profile has no frame "holding-7"', ["show", PROFILE, "--capture", recorded]),
+                *[(2, told, ["capture", "--tcp", "a", "-o", old, *more]) for told, more in [
+                    ("exactly one of PROFILE, --registers is required", []),
+                    ("exactly one of PROFILE, --registers is required", [PROFILE, "--registers", "holding:0"]),
+                    ("525 requests are needed; at most 255", ["--registers", "holding:0-65535"]),
+                    ("holding:1-2 and holding:2-3 overlap", ["--registers", "holding:1-2,coils:2,holding:2-3"]),
+                    *[(f'"{text}" is not FUNCTION:FIRST-LAST', ["--registers", text])
+                      for text in ("", "holding", "holding:", "holding:2-1", "holding:65536", "holding:0-", "words:1")]]]]:
+            with self.subTest(command=command):
+                done = run(*command)
+                self.assertEqual((done.returncode, done.stdout), (status, ""))
+                self.assertIn(told, done.stderr)
+
     def test_poll_goes_on_and_recovers_when_the_device_was_away(self):
         with simulator(PROFILE, CAPTURE) as address:
             poll = start("poll", PROFILE, "--tcp", address, "--interval", 0.02, "--object", "Note")

@@ -112,8 +112,9 @@ ExitStatus WatchAlarms(const AlarmsOptions& options) {
     AlarmWatch watch(options, *profile, cache);
     if (options.capture.empty()) {
         ErrorReport report;
-        ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
-            report.Report(DescribeErrors(round, *profile));
+        const DeviceFrames device = profile->GetDeviceFrames();
+        ReadRounds(options.connection, options.repetition, device, *cache, [&](const ModbusReader::Round& round) {
+            report.Report(DescribeErrors(round, device));
             watch.Evaluate();
         });
         return ExitStatus::OK;

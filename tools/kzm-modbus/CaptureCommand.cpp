@@ -5,6 +5,7 @@
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
+#include "RegisterRanges.h"
 #include "Text.h"
 #include "kzm/DateTime/DateTime.h"
 
@@ -16,34 +17,41 @@ namespace {
 
 struct CaptureOptions {
     std::string profile;
+    std::vector<RegisterRange> registers;
     ModbusSettings connection;
     Repetition repetition{1};
     std::string output;
 };
 
+DeviceFrames DeviceOf(const CaptureOptions& options) {
+    if (options.profile.empty() == options.registers.empty()) {
+        throw Failure(ExitStatus::WRONG_USAGE,
+                      "capture: exactly one of PROFILE, --registers is required (see kzm-modbus capture --help)");
+    }
+    return options.registers.empty() ? LoadProfile(options.profile)->GetDeviceFrames() : FramesOf(options.registers);
+}
+
 ExitStatus Record(const CaptureOptions& options) {
-    const auto profile = LoadProfile(options.profile);
+    const DeviceFrames device = DeviceOf(options);
     OutputFile file(options.output, {options.profile});
-    RegisterCache cache(profile->model->GetFrames());
+    RegisterCache cache(device.frames);
     Capture capture;
     ErrorReport report;
     const auto takeSnapshot = [&](const ModbusReader::Round& round) {
-        report.Report(DescribeErrors(round, *profile));
-        Capture::Snapshot snapshot =
-            Capture::Take(cache, profile->GetDeviceFrames(), DateTime::DateTime::GetRealTimeInMilliseconds());
+        report.Report(DescribeErrors(round, device));
+        Capture::Snapshot snapshot = Capture::Take(cache, device, DateTime::DateTime::GetRealTimeInMilliseconds());
         if (!snapshot.frames.empty()) {
             capture.snapshots.push_back(std::move(snapshot));
         }
     };
-    ReadRounds(options.connection, options.repetition, *profile, cache, takeSnapshot);
+    ReadRounds(options.connection, options.repetition, device, cache, takeSnapshot);
     if (capture.snapshots.empty()) {
         throw Failure(ExitStatus::NOT_REACHED,
                       "interrupted before a frame was read; " + options.output + " is not written");
     }
-    file.Commit(capture.Write(profile->GetDeviceFrames()));
+    file.Commit(capture.Write(device));
     std::cout << options.output << ": " << Counted(capture.snapshots.size(), "snapshot") << ", "
-              << capture.snapshots.back().frames.size() << " of " << Counted(profile->frameNames.size(), "frame")
-              << '\n';
+              << capture.snapshots.back().frames.size() << " of " << Counted(device.names.size(), "frame") << '\n';
     return ExitStatus::OK;
 }
 
@@ -53,13 +61,15 @@ void AddCaptureCommand(CommandLine& line) {
     const auto options = std::make_shared<CaptureOptions>();
     CommandSyntax capture = line.AddCommand("capture", "Record the frames of a live device, for replay and bug reports",
                                             [options] { return Record(*options); });
-    AddProfileArgument(capture, options->profile);
+    AddOptionalProfileArgument(capture, options->profile);
+    AddRegistersOption(capture, options->registers);
     AddConnectionOptions(capture, options->connection);
     AddRepetitionOptions(capture, options->repetition);
     capture.AddText({"-o,--output", "FILE", "The capture to write; it appears whole at the end"}, options->output);
     capture.Require("--output");
     capture.SetExamples(
-        {"capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o meter.capture.json"});
+        {"capture profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --count 10 -o meter.capture.json",
+         "capture --registers holding:0-119,input:30000-30059 --tcp 192.168.1.20 -o registers.capture.json"});
 }
 
 }  // namespace kzm::ModbusTool

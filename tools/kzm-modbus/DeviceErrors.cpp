@@ -20,13 +20,13 @@ Failure ImpossibleSettings(const ModbusSettings& settings) {
     return {ExitStatus::WRONG_USAGE, ToText(settings) + ": " + reason};
 }
 
-std::vector<std::string> DescribeErrors(const ModbusReader::Round& round, const LoadedProfile& profile) {
+std::vector<std::string> DescribeErrors(const ModbusReader::Round& round, const DeviceFrames& device) {
     if (!round.connectionError.empty()) {
         return {"no connection: " + round.connectionError};
     }
     std::vector<std::string> lines;
     for (const ModbusReader::FrameError& error : round.errors) {
-        lines.push_back("frame " + profile.frameNames.at(error.frameIndex) + ": " + error.reason);
+        lines.push_back("frame " + device.names.at(error.frameIndex) + ": " + error.reason);
     }
     return lines;
 }

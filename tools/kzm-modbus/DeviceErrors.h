@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "ExitStatus.h"
+#include "gateway/cache/DeviceFrames.h"
 #include "gateway/modbus/ModbusReader.h"
-#include "gateway/profile/LoadedProfile.h"
 
 namespace kzm::ModbusTool {
 
@@ -14,7 +14,7 @@ Failure ImpossibleSettings(const ModbusGateway::ModbusSettings& settings);
 
 // What went wrong in a round, a line for each: "frame basic: Illegal data address".
 std::vector<std::string> DescribeErrors(const ModbusGateway::ModbusReader::Round& round,
-                                        const ModbusGateway::LoadedProfile& profile);
+                                        const ModbusGateway::DeviceFrames& device);
 
 // Writes errors to standard error, only when they differ from those of the round before.
 class ErrorReport {

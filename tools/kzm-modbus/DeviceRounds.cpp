@@ -13,20 +13,20 @@ using namespace ModbusGateway;
 
 namespace {
 
-ModbusReader ReaderOf(const ModbusSettings& settings, const LoadedProfile& profile, RegisterCache& cache,
+ModbusReader ReaderOf(const ModbusSettings& settings, const DeviceFrames& device, RegisterCache& cache,
                       const StopSignal& stop) try {
-    return ModbusReader(settings, profile.model->GetFrames(), cache, &stop.GetFlag());
+    return ModbusReader(settings, device.frames, cache, &stop.GetFlag());
 } catch (const std::invalid_argument&) {
     throw ImpossibleSettings(settings);
 }
 
 }  // namespace
 
-void ReadRounds(const ModbusSettings& settings, const Repetition& repetition, const LoadedProfile& profile,
+void ReadRounds(const ModbusSettings& settings, const Repetition& repetition, const DeviceFrames& device,
                 RegisterCache& cache, const OnRound& onRound) {
     using Clock = std::chrono::steady_clock;
     const StopSignal stop;
-    ModbusReader reader = ReaderOf(settings, profile, cache, stop);
+    ModbusReader reader = ReaderOf(settings, device, cache, stop);
     bool anyFrame = false;
     Clock::time_point next = Clock::now();
     for (std::uint64_t done = 1; std::cout; ++done) {

@@ -3,8 +3,8 @@
 #include <functional>
 
 #include "Options.h"
+#include "gateway/cache/DeviceFrames.h"
 #include "gateway/modbus/ModbusReader.h"
-#include "gateway/profile/LoadedProfile.h"
 
 namespace kzm::ModbusTool {
 
@@ -14,7 +14,6 @@ using OnRound = std::function<void(const ModbusGateway::ModbusReader::Round& rou
 // is closed, or with a signal; a round that the signal interrupted is dropped. Throws Failure with NOT_REACHED when the
 // count was reached without a single frame.
 void ReadRounds(const ModbusGateway::ModbusSettings& settings, const Repetition& repetition,
-                const ModbusGateway::LoadedProfile& profile, ModbusGateway::RegisterCache& cache,
-                const OnRound& onRound);
+                const ModbusGateway::DeviceFrames& device, ModbusGateway::RegisterCache& cache, const OnRound& onRound);
 
 }  // namespace kzm::ModbusTool

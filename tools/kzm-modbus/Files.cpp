@@ -92,6 +92,13 @@ Capture LoadCapture(const std::string& path, const LoadedProfile& profile) {
     return capture;
 }
 
+Capture LoadCapture(const std::string& path) {
+    Problems problems;
+    Capture capture = Capture::Parse(ReadFile(path), problems);
+    RefuseErrors(path, problems);
+    return capture;
+}
+
 OutputFile::OutputFile(const std::string& path, const std::vector<std::string>& inputs) : mPath(path) {
     std::error_code ignored;
     RefuseInputs(path, inputs);

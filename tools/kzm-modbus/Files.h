@@ -20,6 +20,8 @@ void PrintProblems(std::ostream& stream, const std::string& path, const ModbusGa
 // error, together with any warnings, and Failure is thrown.
 std::unique_ptr<ModbusGateway::LoadedProfile> LoadProfile(const std::string& path);
 ModbusGateway::Capture LoadCapture(const std::string& path, const ModbusGateway::LoadedProfile& profile);
+// A capture that describes its frames itself.
+ModbusGateway::Capture LoadCapture(const std::string& path);
 
 // A file that appears whole or not at all: what is there under its name stays until Commit.
 class OutputFile {

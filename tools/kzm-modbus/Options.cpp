@@ -96,6 +96,10 @@ void AddProfileArgument(CommandSyntax& command, std::string& path) {
     command.AddArgument("PROFILE", "The device profile", path);
 }
 
+void AddOptionalProfileArgument(CommandSyntax& command, std::string& path) {
+    command.AddOptionalArgument("PROFILE", "The device profile", path);
+}
+
 void AddCaptureOption(CommandSyntax& command, std::string& path) {
     AddOptionalCapture(command, path);
     command.Require("--capture");

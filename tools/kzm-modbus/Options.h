@@ -11,6 +11,8 @@
 namespace kzm::ModbusTool {
 
 void AddProfileArgument(CommandSyntax& command, std::string& path);
+// For commands that can do without: captures describe their frames.
+void AddOptionalProfileArgument(CommandSyntax& command, std::string& path);
 void AddCaptureOption(CommandSyntax& command, std::string& path);
 void AddObjectOption(CommandSyntax& command, std::vector<std::string>& objects);
 

@@ -81,8 +81,9 @@ ExitStatus Poll(const PollOptions& options) {
     const Selection selection = SelectObjects(*profile, options.objects);
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     PollOutput output(options, *profile);
-    ReadRounds(options.connection, options.repetition, *profile, *cache, [&](const ModbusReader::Round& round) {
-        output.Show(ReadObjects(*profile, selection, cache, options.exact), DescribeErrors(round, *profile));
+    const DeviceFrames device = profile->GetDeviceFrames();
+    ReadRounds(options.connection, options.repetition, device, *cache, [&](const ModbusReader::Round& round) {
+        output.Show(ReadObjects(*profile, selection, cache, options.exact), DescribeErrors(round, device));
     });
     return ExitStatus::OK;
 }

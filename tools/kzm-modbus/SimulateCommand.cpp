@@ -34,19 +34,19 @@ void PlaySeries(const Capture& capture, RegisterCache& cache, const StopSignal& 
     }
 }
 
-ModbusSimulator Listen(const TcpEndpoint& endpoint, const LoadedProfile& profile, const RegisterCache& cache) try {
-    return ModbusSimulator(profile.model->GetFrames(), cache, endpoint.host, endpoint.port);
+ModbusSimulator Listen(const TcpEndpoint& endpoint, const DeviceFrames& device, const RegisterCache& cache) try {
+    return ModbusSimulator(device.frames, cache, endpoint.host, endpoint.port);
 } catch (const std::system_error& error) {
     throw Failure(ExitStatus::NOT_REACHED, "cannot listen on " + ToText(endpoint) + ": " + error.code().message());
 }
 
 ExitStatus Simulate(const SimulateOptions& options) {
-    const auto profile = LoadProfile(options.profile);
-    const Capture capture = LoadCapture(options.capture, *profile);
-    RegisterCache cache(profile->model->GetFrames());
+    const Capture capture = options.profile.empty() ? LoadCapture(options.capture)
+                                                    : LoadCapture(options.capture, *LoadProfile(options.profile));
+    RegisterCache cache(capture.frames.frames);
     Capture::Restore(capture.snapshots.front(), cache);
     const StopSignal stop;
-    ModbusSimulator simulator = Listen(options.endpoint, *profile, cache);
+    ModbusSimulator simulator = Listen(options.endpoint, capture.frames, cache);
     std::cout << "listening on " << ToText(TcpEndpoint{options.endpoint.host, simulator.GetPort()}) << std::endl;
     const std::jthread player([&] { PlaySeries(capture, cache, stop); });
     simulator.Serve(stop.GetFlag());
@@ -59,12 +59,13 @@ void AddSimulateCommand(CommandLine& line) {
     const auto options = std::make_shared<SimulateOptions>();
     CommandSyntax simulate = line.AddCommand("simulate", "Serve a recorded capture as a Modbus TCP device",
                                              [options] { return Simulate(*options); });
-    AddProfileArgument(simulate, options->profile);
+    AddOptionalProfileArgument(simulate, options->profile);
     AddCaptureOption(simulate, options->capture);
     AddListenOption(simulate, options->endpoint);
     simulate.SetExamples(
         {"simulate profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"
-         " --listen 127.0.0.1:5020"});
+         " --listen 127.0.0.1:5020",
+         "simulate --capture registers.capture.json --listen 127.0.0.1:5020"});
 }
 
 }  // namespace kzm::ModbusTool

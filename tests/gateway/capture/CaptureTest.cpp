@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "gateway/profile/ProfileLoader.h"
+
 namespace kzm::ModbusGateway::CaptureTest {
 
 using ModbusDeviceModel::ModbusFunctionCode;
@@ -41,6 +43,47 @@ TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
     const Capture read = Parse(text);
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
     EXPECT_EQ(read.Write(mDevice), text);
+
+    capture.missing = {{ModbusFunctionCode{4}, 7, 65529}};
+    const std::string probed = capture.Write(mDevice);
+    const Capture described = Capture::Parse(probed, mProblems);
+    ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
+    EXPECT_EQ(described.Write(described.frames), probed);
+}
+
+TEST_F(CaptureTest, ADescriptionOfFramesIsThatOfProfilesAndFitsTheProfileThatIsNamed) {
+    const auto definitions = [](std::string_view schema) { return nlohmann::json::parse(schema)["definitions"]; };
+    EXPECT_EQ(definitions(Capture::GetSchema())["frame"], definitions(ProfileLoader::GetSchema())["frame"]);
+    const std::string main = R"({"name": "main", "function": "holding", "address": 1, "count": 3})";
+    const std::string bits = R"({"name": "bits", "function": "discrete inputs", "addresses": [1, 2]})";
+    const std::string list = R"({"name": "bits", "function": 1, "addresses": [1, 2]})";
+    const std::tuple<std::string, const char*, const char*> rows[] = {
+        {main + ",\n" + bits, "", ""},
+        {main, "", R"(the device has no frame "bits")"},
+        {main + ",\n" + list,
+         R"(the frame "bits" is registers 1, 2 (coils) here, but 2 registers from 1 on (discrete inputs) in the profile)",
+         ""},
+        {R"({"name": "mian", "function": 3, "address": 1, "count": 3})",
+         "the profile has no frame \"mian\"; did you mean", "mian"},
+        {R"({"name": "main", "function": 3, "address": 1, "count": 126})", "126 are too many", "126 are too many"},
+        {R"({"name": "main", "function": 3, "address": 1})", "\"count\" is missing", "\"count\" is missing"},
+        {main + ',' + main, "another frame already has", "another frame already has"},
+        {"", "a list of 1 to 255", "a list of 1 to 255"},
+    };
+    for (const auto& [frames, withProfile, alone] : rows) {
+        std::string text = CAPTURE;
+        text.insert(text.find("\"snapshots\""), "\"frames\": [" + frames + "],\n");
+        for (const bool named : {true, false}) {
+            Problems problems;
+            const Capture read = named ? Capture::Parse(text, mDevice, problems) : Capture::Parse(text, problems);
+            const std::string expected = named ? withProfile : alone;
+            const std::string told = problems.empty() ? "" : problems[0].message;
+            EXPECT_EQ(read.snapshots.empty(), !problems.empty());
+            EXPECT_TRUE(expected.empty() == told.empty() && told.find(expected) != std::string::npos) << frames << told;
+        }
+    }
+    EXPECT_TRUE(Capture::Parse(CAPTURE, mProblems).snapshots.empty());
+    EXPECT_NE(mProblems.at(0).message.find("the capture does not describe its frames"), std::string::npos);
 }
 
 TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kzm::ModbusGateway {
-namespace {
+namespace kzm::ModbusGateway::InterpretationTest {
 
 using ModbusDeviceModel::ByteOrderingEnum;
 
@@ -79,5 +78,4 @@ TEST(Interpretation, EachIsListedWithTheProfilesMembersThatGiveIt) {
     EXPECT_TRUE(membersOf(0).empty() && membersOf(128).empty());
 }
 
-}  // namespace
-}  // namespace kzm::ModbusGateway
+}  // namespace kzm::ModbusGateway::InterpretationTest
