@@ -94,6 +94,7 @@ struct RegisterCache::Slot {
     std::vector<std::atomic<std::uint16_t>> registers;
     std::atomic<std::uint64_t> timestamp{0};
     std::atomic<Quality> quality{QUALITY_UNINITIALISED};
+    std::atomic<std::uint8_t> exception{0};  // of the last answer; 0 for none
 };
 
 RegisterCache::RegisterCache(const std::vector<FrameData>& frames) {
@@ -117,12 +118,14 @@ void RegisterCache::Update(std::uint8_t frameIndex, std::span<const std::uint16_
         Slot::Set(slot.received, !registers.empty());
         Slot::Set(slot.timestamp, timestamp);
         Slot::Set(slot.quality, quality);
+        Slot::Set(slot.exception, std::uint8_t{0});
     });
 }
 
-void RegisterCache::SetQuality(std::uint8_t frameIndex, Quality quality) {
+void RegisterCache::SetQuality(std::uint8_t frameIndex, Quality quality, std::uint8_t exception) {
     Slot& slot = *mSlots.at(frameIndex);
     slot.Write([&] {
+        Slot::Set(slot.exception, exception);
         if (Slot::Get(slot.received)) {
             Slot::Set(slot.quality, quality);
         }
@@ -163,6 +166,10 @@ std::uint32_t RegisterCache::ReadFrame(const std::uint8_t& frameIndex, const std
         quality = Slot::Get(slot.quality);
     });
     return byteCount;
+}
+
+std::uint8_t RegisterCache::GetException(std::uint8_t frameIndex) const {
+    return frameIndex < mSlots.size() ? Slot::Get(mSlots[frameIndex]->exception) : std::uint8_t{0};
 }
 
 std::uint64_t RegisterCache::GetFrameTimestamp(std::uint8_t frameIndex) const {

@@ -38,9 +38,13 @@ public:
     void Update(std::uint8_t frameIndex, std::span<const std::uint16_t> registers, std::uint64_t timestamp,
                 Quality quality = ModbusDeviceModel::DeviceCache::QUALITY_GOOD);
 
-    // Sets the quality of a frame and keeps its registers and timestamp; does nothing to a frame that was never
-    // received. Throws std::out_of_range for an unknown frame.
-    void SetQuality(std::uint8_t frameIndex, Quality quality);
+    // Sets the quality of a frame and keeps its registers and timestamp; a frame that was never received has none.
+    // `exception`: the number of the exception with which the device answered, kept for GetException; 0 for none.
+    // Throws std::out_of_range for an unknown frame.
+    void SetQuality(std::uint8_t frameIndex, Quality quality, std::uint8_t exception = 0);
+
+    // The exception that the last answer for a frame was; 0 if it had registers, and for an unknown frame.
+    std::uint8_t GetException(std::uint8_t frameIndex) const;
 
     // A copy of a frame. Throws std::out_of_range for an unknown frame.
     Frame GetFrame(std::uint8_t frameIndex) const;

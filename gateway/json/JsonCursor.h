@@ -43,6 +43,7 @@ public:
     std::optional<std::uint64_t> Number() const;
 
     std::size_t GetLine() const { return mDocument->GetLine(mPointer); }
+    const std::string& GetPointer() const { return mPointer; }
     void Error(std::string message) const { Report(Problem::Severity::ERROR, std::move(message)); }
     void Warning(std::string message) const { Report(Problem::Severity::WARNING, std::move(message)); }
 

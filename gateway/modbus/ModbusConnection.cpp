@@ -30,6 +30,11 @@ bool IsException(int error) {
     return (error > MODBUS_ENOBASE && error <= EMBXGTAR) || error == EMBBADEXC;
 }
 
+// The exception's number; 0 for one that the protocol does not define.
+std::uint8_t NumberOf(int exception) {
+    return exception <= EMBXGTAR ? static_cast<std::uint8_t>(exception - MODBUS_ENOBASE) : std::uint8_t{0};
+}
+
 bool IsUnit(const ModbusSettings& settings) {
     return settings.unit <= LAST_UNIT ||
            (settings.unit == TCP_DEVICE && std::holds_alternative<TcpEndpoint>(settings.line));
@@ -92,7 +97,7 @@ ModbusConnection::Result ModbusConnection::Ask(const Bytes& request,
     error = Exchange(request, take);
     if (error == 0 || IsException(error)) {
         NoteAnswer();
-        return error == 0 ? Result{Outcome::ANSWERED, {}} : Result{Outcome::EXCEPTION, TextOf(error)};
+        return error == 0 ? Result{Outcome::ANSWERED, {}} : Result{Outcome::EXCEPTION, TextOf(error), NumberOf(error)};
     }
     mLine->Recover(error, mSettings.timeout, mStop);
     mUsed = mUsed && mLine->IsOpen();

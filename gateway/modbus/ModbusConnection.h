@@ -34,8 +34,9 @@ public:
 
     // How a request ended, and why.
     struct Result {
-        Outcome outcome;     // of the last attempt
-        std::string reason;  // for the user, e.g. "Connection timed out"; empty when answered
+        Outcome outcome;             // of the last attempt
+        std::string reason;          // for the user, e.g. "Connection timed out"; empty when answered
+        std::uint8_t exception = 0;  // the number that the device answered with; 0 if it did not
     };
 
     // Opens nothing yet. Once `stop` is true, whatever waits gives up within 50 ms; it must outlive the connection,

@@ -68,7 +68,7 @@ ModbusConnection::Result ModbusReader::Impl::ReadFrame(std::uint8_t frameIndex) 
     if (result.outcome == Outcome::ANSWERED) {
         Keep(frameIndex);
     } else if (result.outcome == Outcome::EXCEPTION) {
-        mCache.SetQuality(frameIndex, QUALITY_BAD);
+        mCache.SetQuality(frameIndex, QUALITY_BAD, result.exception);
     }
     return result;
 }

@@ -1,6 +1,10 @@
 #include "gateway/model/ObjectGroupAdapter.h"
 
+#include <nlohmann/json.hpp>
 #include <utility>
+
+#include "DataModel/StepObserver.h"
+#include "kz/orba/VortaORBAObject.h"
 
 namespace kzm::ModbusGateway {
 
@@ -26,8 +30,14 @@ ObjectGroupAdapter::ObjectGroupAdapter(Adapters adapters) : mAdapters(std::move(
 StatusCode ObjectGroupAdapter::GetObject(
     const std::shared_ptr<ModbusDeviceModel::DeviceCache::CacheReadAccessInterface>& cache, bool deviceBigEndian,
     bool ignoreCacheAge, kz::orba::VortaORBAObject& object) {
+    auto* const observer = ModbusDeviceModel::DataModel::GetStepObserver();
+    if (observer != nullptr) {
+        observer->See({.kind = ModbusDeviceModel::DataModel::StepKind::GROUP});
+    }
+    constexpr auto NO_QUALITY = ModbusDeviceModel::DeviceCache::QUALITY_UNINITIALISED;
     return FirstFailure(mAdapters, [&](ModbusDeviceModel::DataModel::VortaObjectAdapter& adapter) {
-        return adapter.GetObject(cache, deviceBigEndian, ignoreCacheAge, object);
+        return RunPart(observer, "part", &adapter, NO_QUALITY, nullptr,
+                       [&] { return adapter.GetObject(cache, deviceBigEndian, ignoreCacheAge, object); });
     });
 }
 

@@ -9,6 +9,7 @@
 #include "DataModel/IValueProcesser.h"
 #include "DataModel/LogicCodeDependency.h"
 #include "DataModel/MeasurementInformationOf.h"
+#include "DataModel/StepObserver.h"
 #include "Device/CustomMeasureClassName.h"
 #include "Support/Status.h"
 #include "gateway/chains/ExponentLimit.h"
@@ -19,6 +20,9 @@ using kz::orba::StatusCode;
 using ModbusDeviceModel::DataModel::AttributeConverter;
 using ModbusDeviceModel::DataModel::ComputedAlarmElement;
 using ModbusDeviceModel::DataModel::ExtendedElementData;
+using ModbusDeviceModel::DataModel::GetStepObserver;
+using ModbusDeviceModel::DataModel::Reason;
+using ModbusDeviceModel::DataModel::StepKind;
 using ModbusDeviceModel::ServiceImpl::IValueProcesser;
 using nlohmann::json;
 namespace Status = ModbusDeviceModel::Status;
@@ -40,8 +44,13 @@ public:
     bool GetValue(const std::string&, json& value) override {
         mQuality = DeviceCache::QUALITY_UNINITIALISED;
         mStatus = mRead(mQuality, value);
+        auto reason = mStatus == Status::SUCCESS ? Reason::GOOD : Reason::INPUT_MISSING;
         if (mStatus == Status::SUCCESS && !IsExponent(value)) {
             mStatus = Status::OUT_OF_RANGE;
+            reason = Reason::CANNOT_COMPUTE;
+        }
+        if (reason != Reason::GOOD) {
+            Refuse(reason);
         }
         return mStatus == Status::SUCCESS;
     }
@@ -50,6 +59,12 @@ public:
     DeviceCache::_Quality_t GetQuality() const { return mQuality; }
 
 private:
+    void Refuse(Reason reason) const {
+        if (auto* const observer = GetStepObserver()) {
+            observer->See({.kind = StepKind::INPUT, .reason = reason, .status = mStatus, .text = "exponent"});
+        }
+    }
+
     Read mRead;
     StatusCode mStatus = Status::SUCCESS;
     DeviceCache::_Quality_t mQuality = DeviceCache::QUALITY_GOOD;
@@ -84,7 +99,9 @@ StatusCode ScaledPowerAdapter::GetIotValue(const std::string&, const Cache& cach
 StatusCode ScaledPowerAdapter::GetEdmValue(const Cache& cache, bool deviceBigEndian, bool ignoreCacheAge,
                                            Quality& quality, json& value) {
     ExponentReader reader([&](Quality& exponentQuality, json& exponent) {
-        return mExponent->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, exponentQuality, exponent);
+        return RunPart(GetStepObserver(), "exponent", mExponent.get(), exponentQuality, &exponent, [&] {
+            return mExponent->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, exponentQuality, exponent);
+        });
     });
     RequestedElement element(*mElement, reader);
     const auto status =

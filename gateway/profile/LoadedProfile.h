@@ -4,6 +4,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "DataModel/ComputedAlarmElement.h"
@@ -11,6 +12,7 @@
 #include "Device/DeviceModel.h"
 #include "gateway/cache/DeviceFrames.h"
 #include "gateway/json/NumberText.h"
+#include "gateway/profile/ProfilePlace.h"
 
 namespace kzm::ModbusGateway {
 
@@ -48,6 +50,9 @@ struct LoadedProfile {
     DeviceFrames GetDeviceFrames() const { return {model->GetModelName(), frameNames, model->GetFrames()}; }
 
     std::vector<std::string> frameNames;  // of the model's frames, by their indexes
+    // Where the profile defines a part of the model, by the part's address: an AttributeAdapter, a VortaObjectAdapter,
+    // a ComputedAlarmElement or a ComputedAlarmOperand. A named element has one place, wherever it is used.
+    std::unordered_map<const void*, std::shared_ptr<const ProfilePlace>> places;
     // In the order of the profile.
     std::vector<Object> objects;
     std::vector<Alarm> alarms;

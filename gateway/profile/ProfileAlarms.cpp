@@ -94,6 +94,9 @@ void ProfileAlarms::ReadAlarm(const JsonCursor& place) {
         inputs.insert({RIGHT, {right.place, right.Is(PREVIOUS) ? left.kind : right.kind}});
     }
     CheckInputKinds(made, inputs);
+    for (const Operand* const operand : {&left, &right}) {
+        mPlaces[operand->operand.get()] = PlaceOf(operand->place);
+    }
     Keep(place,
          {identity.name, identity.alias, ObjectOf(identity),
           std::make_shared<ComputedAlarmElement>(
@@ -179,6 +182,7 @@ void ProfileAlarms::Keep(const JsonCursor& place, LoadedProfile::Alarm alarm) {
         place.Error("the " + DescribeObject(alarm.name, alarm.alias) +
                     " is already defined; give each alarm its own \"alias\"");
     }
+    mPlaces[alarm.element.get()] = PlaceOf(place);
     mAlarms.push_back(std::move(alarm));
 }
 

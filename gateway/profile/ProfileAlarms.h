@@ -27,6 +27,9 @@ public:
     const std::vector<LoadedProfile::Alarm>& GetAlarms() const { return mAlarms; }
     const ModbusDeviceModel::Device::DeviceModel::ComputedAlarms& GetComputedAlarms() const { return mComputed; }
 
+    // Of the alarms and their operands.
+    const ProfilePlaces& GetPlaces() const { return mPlaces; }
+
     // Of the alarms' objects, including faulty ones.
     const Names& GetNames() const { return mNames; }
 
@@ -53,6 +56,7 @@ private:
     std::vector<LoadedProfile::Alarm> mAlarms;
     Names mNames;
     ModbusDeviceModel::Device::DeviceModel::ComputedAlarms mComputed;
+    ProfilePlaces mPlaces;
     std::map<std::string, JsonCursor> mRecords;  // the alarms, by the names of their previous values
 };
 

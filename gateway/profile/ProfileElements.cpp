@@ -94,7 +94,7 @@ void ProfileElements::ReadNamed(const std::string& name, Named& named) {
         return;
     }
     mOpen.push_back(name);
-    named.element = Read(named.place);
+    named.element = Read(named.place, name);
     named.read = true;
     mOpen.pop_back();
 }
@@ -107,7 +107,7 @@ void ProfileElements::ReportCycle(const JsonCursor& role) const {
     role.Error("the element needs itself: " + cycle + Quoted(role.Text()));
 }
 
-ProfileElements::Element ProfileElements::Read(const JsonCursor& place) {
+ProfileElements::Element ProfileElements::Read(const JsonCursor& place, const std::string& name) {
     std::shared_ptr<ProfileElement> element;
     const bool tooDeep = mDepth == MAX_COST;
     if (!tooDeep) {
@@ -121,8 +121,17 @@ ProfileElements::Element ProfileElements::Read(const JsonCursor& place) {
     }
     if (element) {
         mLabels.insert(element->labels.begin(), element->labels.end());
+        KeepPlace(place, name, *element);
     }
     return element;
+}
+
+void ProfileElements::KeepPlace(const JsonCursor& place, const std::string& name, const ProfileElement& element) {
+    const auto kept = PlaceOf(place, name);
+    if (place.Has("enumeration")) {
+        kept->lines["labels"] = mEnumerations.GetLine(place.At("enumeration").Text());
+    }
+    mPlaces[element.adapter.get()] = kept;
 }
 
 std::shared_ptr<ProfileElement> ProfileElements::ReadAny(const JsonCursor& place) {

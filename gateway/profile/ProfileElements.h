@@ -16,6 +16,7 @@
 #include "gateway/json/ProblemText.h"
 #include "gateway/profile/ProfileEnumerations.h"
 #include "gateway/profile/ProfileFrames.h"
+#include "gateway/profile/ProfilePlaces.h"
 #include "gateway/profile/ProfileRegisters.h"
 #include "gateway/profile/ValueKind.h"
 
@@ -63,6 +64,9 @@ public:
     // Warns of named elements that nothing used.
     void ReportUnused() const;
 
+    // Of the elements' adapters.
+    const ProfilePlaces& GetPlaces() const { return mPlaces; }
+
     // Adds the labels of all elements to the platform's device dictionary.
     void PublishLabels() const;
 
@@ -79,7 +83,8 @@ private:
     Element GetNamed(const JsonCursor& role);
     std::map<std::string, Named>::iterator Find(const JsonCursor& role);
     void ReadNamed(const std::string& name, Named& named);
-    Element Read(const JsonCursor& place);
+    Element Read(const JsonCursor& place, const std::string& name = {});
+    void KeepPlace(const JsonCursor& place, const std::string& name, const ProfileElement& element);
     std::shared_ptr<ProfileElement> ReadAny(const JsonCursor& place);
     std::shared_ptr<ProfileElement> ReadConstant(const JsonCursor& place) const;
     std::shared_ptr<ProfileElement> ReadElement(const JsonCursor& place);
@@ -94,6 +99,7 @@ private:
     Names mOpen;             // the named elements that are being read, each needed by the one before
     std::size_t mDepth = 0;  // how many elements are being read
     std::set<std::string> mLabels;
+    ProfilePlaces mPlaces;
 };
 
 }  // namespace kzm::ModbusGateway

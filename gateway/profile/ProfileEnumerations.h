@@ -24,6 +24,9 @@ public:
     // enumeration or one that does not fit the type.
     std::optional<Pairs> Get(const JsonCursor& element, const ModbusDeviceModel::DeviceProfile::LogicCodeRow& type);
 
+    // The line of an enumeration, which must exist.
+    std::size_t GetLine(const std::string& name) const { return mEnumerations.at(name).place.GetLine(); }
+
     // Warns of enumerations that no element used.
     void ReportUnused() const;
 

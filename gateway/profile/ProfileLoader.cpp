@@ -55,12 +55,29 @@ struct Sections {
     ProfileSubgraphs subgraphs;
 };
 
+// The device's word order is that of the elements that have none of their own.
+ProfilePlaces PlacesOf(const JsonCursor& device, const Sections& sections) {
+    ProfilePlaces places = sections.elements.GetPlaces();
+    const std::size_t order = device.Has("wordOrder") ? device.At("wordOrder").GetLine() : 0;
+    for (auto& [part, place] : places) {
+        if (order != 0 && place->lines.contains("address") && !place->lines.contains("order")) {
+            auto completed = std::make_shared<ProfilePlace>(*place);
+            completed->lines["order"] = order;
+            place = std::move(completed);
+        }
+    }
+    places.insert(sections.objects.GetPlaces().begin(), sections.objects.GetPlaces().end());
+    places.insert(sections.alarms.GetPlaces().begin(), sections.alarms.GetPlaces().end());
+    return places;
+}
+
 std::unique_ptr<LoadedProfile> MakeProfile(const JsonCursor& device, const Sections& sections) {
     auto profile = std::make_unique<LoadedProfile>();
     profile->frameNames = sections.frames.GetNames();
     profile->objects = sections.objects.GetObjects();
     profile->alarms = sections.alarms.GetAlarms();
     profile->services = sections.services.GetServices();
+    profile->places = PlacesOf(device, sections);
     const bool bigEndian = device.At("wordOrder").Text() != "little";
     auto units = sections.objects.GetUnits();
     auto classNames = sections.objects.GetClassNames();

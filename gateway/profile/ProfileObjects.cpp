@@ -137,6 +137,7 @@ void ProfileObjects::Keep(const Draft& draft) {
     if (draft.adapters.size() > 1) {
         object.adapter = std::make_shared<ObjectGroupAdapter>(draft.adapters);
     }
+    mPlaces[object.adapter.get()] = PlaceOf(draft.place);
     std::string className = draft.className;
     if (key) {
         object.key = key->GetText();
@@ -238,6 +239,8 @@ void ProfileObjects::AddAdapter(const ProfileElement& value, const std::shared_p
     draft.precisions.emplace(path, value.precision);
     draft.adapters.push_back(draft.plain ? Adapter(std::make_shared<SimpleObjectAdapter>(path, value.adapter))
                                          : Adapter(adapter));
+    const bool atTop = path == draft.mainPath || !draft.place.At("elements")->contains(path);
+    mPlaces[draft.adapters.back().get()] = PlaceOf(atTop ? draft.place : draft.place.At("elements").At(path), path);
 }
 
 void ProfileObjects::ReadLabels(const Draft& draft) {

@@ -44,6 +44,9 @@ public:
     // One per object, including faulty ones.
     Names GetNames() const;
 
+    // Of the objects and of their parts.
+    const ProfilePlaces& GetPlaces() const { return mPlaces; }
+
     // Adds the translations of the labels to the platform's data-model dictionary.
     void PublishLabels() const;
 
@@ -82,9 +85,9 @@ private:
     void ReadPaths(Draft& draft);
     void ReadRoles(const std::string& path, Draft& draft);
     Filling FillRole(const char* member, const char* attribute, const std::string& path, const Draft& draft);
-    static void AddAdapter(const ProfileElement& value,
-                           const std::shared_ptr<ModbusDeviceModel::DataModel::DataObjectAdapter>& adapter,
-                           const std::string& path, Draft& draft);
+    void AddAdapter(const ProfileElement& value,
+                    const std::shared_ptr<ModbusDeviceModel::DataModel::DataObjectAdapter>& adapter,
+                    const std::string& path, Draft& draft);
     void ReadLabels(const Draft& draft);
     void Keep(const Draft& draft);
     void KeepText(TextByName& texts, const Draft& draft, const char* member, const std::string& text);
@@ -96,6 +99,7 @@ private:
     TextByName mUnits;
     TextByName mClassNames;
     std::map<std::pair<std::string, std::string>, Translation> mLabels;  // by urn and label
+    ProfilePlaces mPlaces;
 };
 
 }  // namespace kzm::ModbusGateway

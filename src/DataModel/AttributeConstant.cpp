@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DataModel/Observation.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 
@@ -10,6 +11,12 @@ namespace kzm::ModbusDeviceModel::DataModel {
 namespace {
 
 constexpr const char* LOG_MODULE = "DataModel::AttributeConstant";
+
+void TellConstant(const nlohmann::json& value) {
+    Tell(tObserver, {.kind = StepKind::CONSTANT,
+                     .reason = value.is_null() ? Reason::MISCONFIGURED : Reason::GOOD,
+                     .value = &value});
+}
 
 }  // namespace
 
@@ -22,6 +29,7 @@ kz::orba::StatusCode AttributeConstant::GetIotValue(const std::string&,
                                                     bool, DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     quality = DeviceCache::QUALITY_GOOD;
     value = mValue;
+    TellConstant(value);
     KZM_LOG_TRACE("[%s] value=%s", __func__, Logging::Text(value).c_str());
     return Status::SUCCESS;
 }
@@ -30,6 +38,7 @@ kz::orba::StatusCode AttributeConstant::GetEdmValue(const std::shared_ptr<Device
                                                     bool, DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     quality = DeviceCache::QUALITY_GOOD;
     value = mValue;
+    TellConstant(value);
     KZM_LOG_TRACE("[%s] value=%s", __func__, Logging::Text(value).c_str());
     return Status::SUCCESS;
 }

@@ -2,11 +2,15 @@
 
 #include <cxxabi.h>
 
+#include <algorithm>
 #include <array>
+#include <new>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 #include "DataModel/MeasurementInformationOf.h"
+#include "DataModel/Observation.h"
 #include "DataModel/ValueRequest.h"
 #include "DeviceProfile/ClassOfLogicCode.h"
 #include "Support/Log.h"
@@ -23,18 +27,58 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::AttributeConverter";
 constexpr int REQUEST = 2000;
 
-bool IsFrameFresh(const CacheReadAccessInterface& cache, std::uint8_t frameIndex) {
+Reason WhyNotFresh(std::uint64_t timestamp, std::uint64_t now) {
+    if (timestamp == 0) {
+        return Reason::NEVER_RECEIVED;
+    }
+    return timestamp > now ? Reason::FUTURE_TIMESTAMP : Reason::OUT_OF_DATE;
+}
+
+// Whether a frame may be used.
+bool CanUseFrame(const CacheReadAccessInterface& cache, std::uint8_t frameIndex, bool ignoreCacheAge,
+                 StepObserver* observer) {
     const std::uint64_t timestamp = cache.GetFrameTimestamp(frameIndex);
-    return DeviceCache::IsFresh(timestamp, DateTime::DateTime::GetRealTimeInMilliseconds());
+    const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
+    const bool canUse = DeviceCache::IsFresh(timestamp, now) || ignoreCacheAge;
+    Tell(observer, {.kind = StepKind::FRAME,
+                    .reason = canUse ? Reason::GOOD : WhyNotFresh(timestamp, now),
+                    .applied = !ignoreCacheAge,
+                    .number = static_cast<double>(frameIndex),
+                    .timestamp = timestamp,
+                    .now = now,
+                    .limit = DeviceCache::DEFAULT_REGISTER_CACHE_TIMEOUT_MS});
+    return canUse;
+}
+
+// Bytes of a frame without a time were never received.
+void TellReceived(StepObserver* observer, const CacheReadAccessInterface& cache, const ElementData& element,
+                  std::span<const std::uint8_t> bytes, DeviceCache::_Quality_t quality) {
+    const bool isMissing = quality == DeviceCache::QUALITY_UNINITIALISED;
+    const bool isNever = isMissing && cache.GetFrameTimestamp(element.GetFrameIndex()) == 0;
+    observer->See({.kind = StepKind::RECEIVED,
+                   .reason = isNever ? Reason::NEVER_RECEIVED : ReasonOf(quality),
+                   .quality = quality,
+                   .bytes = bytes});
+}
+
+// An exception that says that something was asked wrongly, as std::stoi does of a pattern, is one of the configuration.
+Reason ReasonOf(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
+        return Reason::NO_MEMORY;
+    }
+    return dynamic_cast<const std::logic_error*>(&error) != nullptr ? Reason::MISCONFIGURED : Reason::INTERNAL;
 }
 
 StatusCode ReadAndBuild(const CacheReadAccessInterface& cache, bool deviceBigEndian, ElementData& element,
-                        DeviceCache::_Quality_t& quality, nlohmann::json& value) {
+                        StepObserver* observer, DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     std::array<std::uint8_t, 256> buffer{};
     const std::uint8_t frameIndex = element.GetFrameIndex();
     const std::uint16_t address = element.GetDeviceRegister();
     const std::uint32_t length =
         cache.ReadFrame(frameIndex, address, element.GetNumberOfRegisters(), buffer.data(), buffer.size(), quality);
+    if (observer != nullptr) [[unlikely]] {
+        TellReceived(observer, cache, element, {buffer.data(), std::min<std::size_t>(length, buffer.size())}, quality);
+    }
     if (quality == DeviceCache::QUALITY_UNINITIALISED) {
         return Status::NOT_AVAILABLE;
     }
@@ -64,6 +108,11 @@ struct LabelForm {
 StatusCode TranslateValue(const LabelForm& form, std::uint16_t address, nlohmann::json& value) {
     std::string label = std::move(value.get_ref<std::string&>());
     const auto status = TranslateLabel(form.urn, label, value);
+    Tell(tObserver, {.kind = StepKind::TRANSLATED,
+                     .reason = status == Status::SUCCESS ? Reason::GOOD : Reason::NO_TRANSLATION,
+                     .status = status,
+                     .text = label,
+                     .value = &value});
     if (status != Status::SUCCESS) {
         KZM_LOG(ERROR, "[%s] (%s) Failed to convert %s to %s value", form.operation, form.Describe(address).c_str(),
                 label.c_str(), form.name);
@@ -84,6 +133,7 @@ StatusCode TranslateIfLabel(bool isLabel, const LabelForm& form, StatusCode stat
     if (isLabel && !value.is_string()) {
         KZM_LOG(ERROR, "[%s] (%s) %s%s", form.operation, form.Describe(address).c_str(), form.noText,
                 Logging::Text(value).c_str());
+        Tell(tObserver, {.kind = StepKind::TRANSLATED, .reason = Reason::MISCONFIGURED, .value = &value});
         status = Status::NOT_AVAILABLE;
     } else if (isLabel) {
         status = TranslateValue(form, address, value);
@@ -114,24 +164,28 @@ StatusCode AttributeConverter::GetValueFromElementData(const std::shared_ptr<Cac
                                                        bool deviceBigEndian, bool ignoreCacheAge, ElementData& element,
                                                        DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     const std::uint8_t frameIndex = element.GetFrameIndex();
+    StepObserver* const observer = tObserver;
+    Tell(observer, {.kind = StepKind::ELEMENT, .element = &element});
     if (!cache || frameIndex == INVALID_FRAME_INDEX) {
+        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "[%s] ERROR CacheReadAccess=%p or frame index=%hhu", __func__,
                 static_cast<const void*>(cache.get()), frameIndex);
         return Status::INVALID_ARGUMENT;
     }
     auto status = Status::NOT_AVAILABLE;
     try {
-        const bool isFresh = IsFrameFresh(*cache, frameIndex);
-        if (isFresh || ignoreCacheAge) {
-            status = ReadAndBuild(*cache, deviceBigEndian, element, quality, value);
+        if (CanUseFrame(*cache, frameIndex, ignoreCacheAge, observer)) {
+            status = ReadAndBuild(*cache, deviceBigEndian, element, observer, quality, value);
         } else {
             KZM_LOG(INFORMATION, "[%s] Cannot read frame with index=%hhu, cache is out of date", __func__, frameIndex);
         }
     } catch (const std::exception& error) {
+        Tell(observer, {.kind = StepKind::FAILURE, .reason = ReasonOf(error), .text = error.what()});
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: %s", __func__, frameIndex, error.what());
     } catch (abi::__forced_unwind&) {
         throw;  // the thread is being cancelled
     } catch (...) {
+        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::INTERNAL});
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: unknown exception", __func__, frameIndex);
     }
     KZM_LOG_TRACE("[%s] (frame=%hhu, address=%hu, length=%hu) value=%s, quality=%s, status = %s", __func__, frameIndex,

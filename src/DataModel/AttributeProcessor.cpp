@@ -23,8 +23,9 @@ StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const V
                      DeviceCache::_Quality_t& quality, json& parameters) {
     auto inputQuality = DeviceCache::QUALITY_UNINITIALISED;
     json value;
-    const auto status = GetValueOf(adapter, request, inputQuality, value);
+    const auto status = GetValueOf(name, adapter, request, inputQuality, value);
     if (status != Status::SUCCESS) {
+        Tell(tObserver, {.kind = StepKind::INPUT, .reason = Reason::INPUT_MISSING, .status = status, .text = name});
         KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
                    "[%s] GetEdmValue failed for input='%s', quality='%s', value='%s', status = %s", GET_VALUE,
                    name.c_str(), ConvertToString(inputQuality).c_str(), Logging::Text(value).c_str(),
@@ -39,12 +40,24 @@ StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const V
     return status;
 }
 
+// Without its chain or an input a computation is misconfigured.
+void TellResult(StepObserver& observer, StatusCode status, bool isComplete, const json& parameters,
+                const json& result) {
+    observer.See({.kind = StepKind::PARAMETERS, .value = &parameters});
+    const auto why = isComplete ? Reason::CANNOT_COMPUTE : Reason::MISCONFIGURED;
+    observer.See({.kind = StepKind::RESULT,
+                  .reason = status == Status::SUCCESS && !result.is_null() ? Reason::GOOD : why,
+                  .status = status,
+                  .value = &result});
+}
+
 // Null inputs are skipped; INVALID_ARGUMENT if there are no others.
 StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueRequest& request,
                       DeviceCache::_Quality_t& quality, json& parameters) {
     auto status = Status::INVALID_ARGUMENT;
     for (const auto& [name, adapter] : inputs) {
         if (!adapter) {
+            Tell(tObserver, {.kind = StepKind::INPUT, .reason = Reason::MISCONFIGURED, .text = name});
             KZM_LOG(ERROR, "[%s] Missing input value for input='%s'", GET_VALUE, name.c_str());
             continue;
         }
@@ -56,9 +69,22 @@ StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueReque
     return status;
 }
 
+void TellTranslation(StepObserver& observer, StatusCode status, const json& result, const json& value) {
+    const bool isLabel = result.is_string();
+    const auto why = isLabel ? Reason::NO_TRANSLATION : Reason::CANNOT_COMPUTE;
+    observer.See({.kind = StepKind::TRANSLATED,
+                  .reason = status == Status::SUCCESS ? Reason::GOOD : why,
+                  .status = status,
+                  .text = isLabel ? result.get_ref<const std::string&>() : std::string_view(),
+                  .value = &value});
+}
+
 StatusCode TranslateResult(const std::string* urn, const json& result, json& value) {
     const auto status = result.is_string() ? TranslateLabel(urn, result.get_ref<const std::string&>(), value)
                                            : Status::INVALID_ARGUMENT;
+    if (StepObserver* const observer = tObserver) [[unlikely]] {
+        TellTranslation(*observer, status, result, value);
+    }
     if (status != Status::SUCCESS) {
         KZM_LOG(ERROR, "[%s] Failed to convert result %s to iot value, status = %s", GET_VALUE,
                 Logging::Text(result).c_str(), Logging::Text(status).c_str());
@@ -90,12 +116,19 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
     KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
     FlatObject inputs;
     json& parameters = inputs.Get();
+    Tell(tObserver, {.kind = StepKind::COMPUTATION,
+                     .reason = mInputs.empty() ? Reason::MISCONFIGURED : Reason::GOOD,
+                     .text = mChain ? mChain->GetName() : std::string_view()});
     auto status = ReadInputs(mInputs, {cache, deviceBigEndian, ignoreCacheAge, nullptr}, quality, parameters);
     if (status != Status::SUCCESS) {
         return status;
     }
     json result;
     status = mChain ? mChain->Execute(parameters, result) : Status::INVALID_ARGUMENT;
+    if (StepObserver* const observer = tObserver) [[unlikely]] {
+        const bool isComplete = mChain && parameters.size() == mInputs.size();
+        TellResult(*observer, status, isComplete, parameters, result);
+    }
     if (status != Status::SUCCESS) {
         KZM_LOG(ERROR, "[%s] Processing chain execution failed, status = %s", GET_VALUE, Logging::Text(status).c_str());
         return status;

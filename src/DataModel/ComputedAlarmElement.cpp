@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DataModel/Observation.h"
 #include "Support/FlatObject.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
@@ -35,6 +36,18 @@ struct Reading {
     }
 };
 
+// An operand that cannot be used; why is told by the operand.
+void TellInput(const Reading& reading) {
+    Tell(tObserver, {.kind = StepKind::INPUT,
+                     .reason = Reason::INPUT_MISSING,
+                     .status = reading.status,
+                     .text = reading.operand.GetName()});
+}
+
+void TellMissingPart() {
+    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+}
+
 StatusCode Compare(const Reading& left, const Reading& right, const ProcessingChain& chain, _Quality_t& quality,
                    json& value) {
     FlatObject operands;
@@ -43,6 +56,11 @@ StatusCode Compare(const Reading& left, const Reading& right, const ProcessingCh
     parameters[right.operand.GetName()] = right.value;
     json result;
     const auto status = chain.Execute(parameters, result);
+    Tell(tObserver, {.kind = StepKind::PARAMETERS, .value = &parameters});
+    Tell(tObserver, {.kind = StepKind::RESULT,
+                     .reason = status == Status::SUCCESS && result.is_boolean() ? Reason::GOOD : Reason::CANNOT_COMPUTE,
+                     .status = status,
+                     .value = &result});
     if (status == Status::SUCCESS && result.is_boolean()) {
         value = result.get<bool>() ? "Active" : "Inactive";
         quality = ComputedAlarmElement::GetQualityFromOperands(left.quality, right.quality);
@@ -56,14 +74,21 @@ StatusCode Compare(const Reading& left, const Reading& right, const ProcessingCh
 StatusCode Evaluate(const Reading& left, const Reading& right, const ProcessingChain* chain, _Quality_t& quality,
                     json& value) {
     if (left.IsUnusable(Type::MEASUREMENT) || right.IsUnusable(Type::MEASUREMENT)) {
+        TellInput(left.IsUnusable(Type::MEASUREMENT) ? left : right);
         return Status::NOT_AVAILABLE;
     }
     // Without a usable previous value, for example at the first evaluation, nothing has changed.
     if (left.IsUnusable(Type::PREVIOUS_MEASUREMENT) || right.IsUnusable(Type::PREVIOUS_MEASUREMENT)) {
+        TellInput(left.IsUnusable(Type::PREVIOUS_MEASUREMENT) ? left : right);
         value = "Inactive";
         return Status::SUCCESS;
     }
     if (left.status != Status::SUCCESS || right.status != Status::SUCCESS || chain == nullptr) {
+        if (left.status != Status::SUCCESS || right.status != Status::SUCCESS) {
+            TellInput(left.status != Status::SUCCESS ? left : right);
+        } else {
+            TellMissingPart();
+        }
         KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
         return Status::INVALID_ARGUMENT;
     }
@@ -90,14 +115,18 @@ StatusCode ComputedAlarmElement::BuildVortaObjectValue(const Cache& cache, bool 
                                                        const PreviousMeasurements& previous, _Quality_t& quality,
                                                        json& value) {
     quality = QUALITY_BAD;
+    Tell(tObserver, {.kind = StepKind::ALARM, .text = mName});
     if (!mLeftOperand || !mRightOperand) {
+        TellMissingPart();
         KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
         return Status::INVALID_ARGUMENT;
     }
     const auto read = [&](const char* side, const ComputedAlarmOperand& operand) {
         Reading reading{operand};
-        reading.status =
-            operand.GetValue(cache, deviceBigEndian, ignoreCacheAge, previous, mName, reading.quality, reading.value);
+        reading.status = RunPart(tObserver, operand.GetName(), &operand, reading.quality, &reading.value, [&] {
+            return operand.GetValue(cache, deviceBigEndian, ignoreCacheAge, previous, mName, reading.quality,
+                                    reading.value);
+        });
         KZM_LOG(INFORMATION, "%s: %sOperand->GetValue() -> (type=%d, quality=%d, statusCode=%s)", BUILD, side,
                 static_cast<int>(operand.GetType()), static_cast<int>(reading.quality),
                 Logging::Text(reading.status).c_str());
@@ -106,6 +135,7 @@ StatusCode ComputedAlarmElement::BuildVortaObjectValue(const Cache& cache, bool 
     const Reading left = read("Left", *mLeftOperand);
     const Reading right = read("Right", *mRightOperand);
     const auto status = Evaluate(left, right, mProcessingChain.get(), quality, value);
+    Tell(tObserver, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     UpdatePreviousValues(left.value, left.quality, left.status, right.value, right.quality, right.status, previous);
     return status;
 }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DataModel/Observation.h"
 #include "Support/Status.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
@@ -16,6 +17,7 @@ kz::orba::StatusCode ConstantComputedAlarmOperand::GetValue(
     const std::string&, DeviceCache::_Quality_t& quality, nlohmann::json& value) const {
     quality = DeviceCache::QUALITY_GOOD;
     value = mValue;
+    Tell(tObserver, {.kind = StepKind::CONSTANT, .value = &value});
     return Status::SUCCESS;
 }
 

@@ -54,7 +54,7 @@ bool Reads(const AttributeAdapter& adapter, const AttributeAdapter& sought) {
 StatusCode ReadRole(const char* operation, const char* role, AttributeAdapter& adapter, const ValueRequest& request,
                     json& value) {
     auto quality = QUALITY_UNINITIALISED;
-    const auto status = GetValueOf(adapter, request, quality, value);
+    const auto status = GetValueOf(role, adapter, request, quality, value);
     if (status == Status::NOT_AVAILABLE) {
         KZM_LOG(INFORMATION, "%s: Did not got value from %s adapter", operation, role);
     } else if (status != Status::SUCCESS) {
@@ -66,10 +66,11 @@ StatusCode ReadRole(const char* operation, const char* role, AttributeAdapter& a
 StatusCode ReadValue(AttributeAdapter* adapter, const ValueRequest& request, _Quality_t& quality, json& value) {
     constexpr const char* OPERATION = "GetValueWithAvailabilityAndQuality";
     if (adapter == nullptr) {
+        Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "%s: Pointer for value is empty", OPERATION);
         return Status::NOT_FOUND;
     }
-    const auto status = GetValueOf(*adapter, request, quality, value);
+    const auto status = GetValueOf("value", *adapter, request, quality, value);
     if (status != Status::SUCCESS && status != Status::NOT_AVAILABLE) {
         KZM_LOG(ERROR, "%s: Failed to get value from value adapter '%s'", OPERATION, Logging::Text(status).c_str());
     }
@@ -94,7 +95,7 @@ StatusCode WriteTimestamp(AttributeAdapter& adapter, const ValueRequest& request
                           kz::orba::VortaORBAObject& object) {
     auto quality = QUALITY_UNINITIALISED;
     json timestamp;
-    const auto status = GetValueOf(adapter, request, quality, timestamp);
+    const auto status = GetValueOf("timestamp", adapter, request, quality, timestamp);
     if (status != Status::SUCCESS) {
         KZM_LOG(INFORMATION, "%s: Failed to get value from timestamp adapter, status=%s", "GetObject",
                 Logging::Text(status).c_str());
@@ -205,10 +206,13 @@ StatusCode DataObjectAdapter::GetClassName(std::string& className) const {
 StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& cache, bool deviceBigEndian,
                                                                  bool ignoreCacheAge, bool edm, _Quality_t& quality,
                                                                  json& value) const {
+    StepObserver* const observer = tObserver;
+    Tell(observer, {.kind = StepKind::OBJECT, .text = mUrn});
     bool isAvailable = false;
     bool useValueQuality = true;
     auto status = GetAvailability(cache, deviceBigEndian, ignoreCacheAge, isAvailable);
     if (status == Status::SUCCESS && !isAvailable) {
+        Tell(observer, {.kind = StepKind::AVAILABILITY, .reason = Reason::SWITCHED_OFF, .applied = false});
         KZM_LOG(INFORMATION, "%s: Measurement with urn=%s is not available", __func__, mUrn.c_str());
         status = Status::MEASUREMENT_NOT_AVAILABLE;
     } else if (status == Status::SUCCESS) {
@@ -225,6 +229,7 @@ StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& ca
             quality = valueQuality;
         }
     }
+    Tell(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     KZM_LOG_TRACE("[%s] urn='%s', value=%s, quality=%s, status = %s", __func__, mUrn.c_str(),
                   Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
     return status;
@@ -244,6 +249,7 @@ StatusCode DataObjectAdapter::GetAvailability(const Cache& cache, bool deviceBig
         return status;
     }
     if (!value.is_boolean()) {
+        Tell(tObserver, {.kind = StepKind::AVAILABILITY, .reason = Reason::MISCONFIGURED, .value = &value});
         KZM_LOG(ERROR, "[%s] Availability value is not a boolean: '%s'", __func__, Logging::Text(value).c_str());
         return Status::INVALID_ARGUMENT;
     }
@@ -266,7 +272,10 @@ StatusCode DataObjectAdapter::GetQuality(const Cache& cache, bool deviceBigEndia
     }
     if (value.is_string()) {
         quality = value.get_ref<const std::string&>() == "Good" ? QUALITY_GOOD : QUALITY_BAD;
+        const auto reason = quality == QUALITY_GOOD ? Reason::GOOD : Reason::DEVICE_SAYS_BAD;
+        Tell(tObserver, {.kind = StepKind::QUALITY, .reason = reason, .quality = quality, .value = &value});
     } else {
+        Tell(tObserver, {.kind = StepKind::QUALITY, .reason = Reason::MISCONFIGURED, .value = &value});
         KZM_LOG(ERROR, "[%s] Quality value is not a string '%s'", __func__, Logging::Text(value).c_str());
     }
     return status;

@@ -89,38 +89,41 @@ bool MatchesPattern(const std::string& pattern, const unsigned char* buffer, uns
     return true;
 }
 
-void Gather(Gathering gathering, const std::uint8_t* mask, unsigned char* buffer, unsigned int length, myData& data) {
+// Fills the raw record and returns how many of its bytes count: eight of a number.
+std::size_t Gather(Gathering gathering, const std::uint8_t* mask, unsigned char* buffer, unsigned int length,
+                   myData& data) {
     auto& bytes = data.mBytes;
     switch (gathering) {
         case Gathering::BIG_ENDIAN_64:
             data.SetUnsigned(GatherBigEndian(buffer, length));
-            break;
+            return sizeof(std::uint64_t);
         case Gathering::LITTLE_ENDIAN_64:
             std::copy_n(buffer, std::min(length, 8U), bytes.begin());
-            break;
+            return sizeof(std::uint64_t);
         case Gathering::SWAPPED_BIG_ENDIAN_32:
             ElementData::WordSwap(buffer, length < 4 ? 0 : 4);
             [[fallthrough]];
         case Gathering::BIG_ENDIAN_32:
             data.SetUnsigned(static_cast<std::uint32_t>(GatherBigEndian(buffer, length)));
-            break;
+            return sizeof(std::uint64_t);
         case Gathering::MASKED_BYTES:
-            data.End(static_cast<std::size_t>(std::copy_if(buffer, buffer + length, bytes.begin(),
-                                                           [mask](unsigned char) mutable { return *mask++ != 0; }) -
-                                              bytes.begin()));
+            length = static_cast<unsigned int>(std::copy_if(buffer, buffer + length, bytes.begin(),
+                                                            [mask](unsigned char) mutable { return *mask++ != 0; }) -
+                                               bytes.begin());
             break;
         case Gathering::SWAPPED_BYTES:
-            for (unsigned int i = 0; i + 1 < length; i += 2) {
+            length = length / 2 * 2;
+            for (unsigned int i = 0; i < length; i += 2) {
                 bytes[i] = buffer[i + 1];
                 bytes[i + 1] = buffer[i];
             }
-            data.End(length / 2 * 2);
             break;
         case Gathering::BYTES:
             std::copy_n(buffer, length, bytes.begin());
-            data.End(length);
             break;
     }
+    data.End(length);
+    return length;
 }
 
 }  // namespace
@@ -148,37 +151,94 @@ bool ElementData::MustSwapWords(bool deviceBigEndian) const {
            (mByteOrdering == ByteOrderingEnum::DEVICE_ORDER && !deviceBigEndian) || mRow->wordsAlwaysSwapped;
 }
 
-bool ElementData::Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int request, bool& invalid,
-                        nlohmann::json& value, ServiceImpl::IValueProcesser* valueProcesser) {
-    if (length == 0 || buffer == nullptr) {
-        KZM_LOG(INFORMATION, "[%s] Invalid Input param", __func__);
+// More bytes than are decoded; logged.
+bool RefuseLength(unsigned int length) {
+    KZM_LOG(ERROR, "[%s] Received data exceed the max buffer size. Received = %d bytes, Max = %d bytes", "Build",
+            static_cast<int>(length), static_cast<int>(MAX_LENGTH));
+    return false;
+}
+
+template <typename Watch>
+bool Decoding<Watch>::FindMask(Watch watch, const ElementData& element, unsigned int length) {
+    if (HasMaskFor(element.mBitmask.get(), length)) {
+        return true;
+    }
+    watch.Tell({.kind = StepKind::MASKED, .reason = Reason::MISCONFIGURED});
+    return false;
+}
+
+// Fewer bytes than the element has are no fault of the pattern.
+template <typename Watch>
+bool Decoding<Watch>::CanCompare(Watch watch, const ElementData& element, unsigned int length) {
+    if (!element.mValidityCheckEnabled || HasPatternFor(element.mValidityStatus.get(), length)) {
+        return true;
+    }
+    const bool isShort = length < 2U * element.mNumberOfRegisters;
+    watch.Tell({.kind = StepKind::PATTERN,
+                .reason = isShort ? Reason::NO_DATA : Reason::MISCONFIGURED,
+                .applied = false,
+                .text = element.mValidityStatus ? *element.mValidityStatus : std::string_view()});
+    return false;
+}
+
+template <typename Watch>
+bool Decoding<Watch>::MatchPattern(Watch watch, const ElementData& element, const unsigned char* buffer,
+                                   unsigned int length) {
+    if (!element.mValidityCheckEnabled) {
         return false;
     }
+    const bool matches = MatchesPattern(*element.mValidityStatus, buffer, length);
+    watch.Tell({.kind = StepKind::PATTERN,
+                .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
+                .applied = matches,
+                .bytes = {buffer, length},
+                .text = *element.mValidityStatus});
+    return matches;
+}
+
+template <typename Watch>
+bool Decoding<Watch>::Build(Watch watch, ElementData& element, unsigned char* buffer, unsigned int length,
+                            bool deviceBigEndian, bool& invalid, nlohmann::json& value) {
     invalid = true;
     if (length > MAX_LENGTH) {
-        KZM_LOG(ERROR, "[%s] Received data exceed the max buffer size. Received = %d bytes, Max = %d bytes", __func__,
-                static_cast<int>(length), static_cast<int>(MAX_LENGTH));
-        return false;
+        watch.Tell({.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+        return RefuseLength(length);
     }
-    if (MustSwapWords(deviceBigEndian)) {
-        WordSwap(buffer, length);
+    if (element.MustSwapWords(deviceBigEndian)) {
+        ElementData::WordSwap(buffer, length);
+        watch.Tell({.kind = StepKind::SWAPPED, .bytes = {buffer, length}});
     }
-    if (mValidityCheckEnabled && !HasPatternFor(mValidityStatus.get(), length)) {
+    if (!CanCompare(watch, element, length)) {
         value = nullptr;
         return true;
     }
-    if (!HasMaskFor(mBitmask.get(), length)) {
+    if (!FindMask(watch, element, length)) {
         return false;
     }
-    invalid = mValidityCheckEnabled && MatchesPattern(*mValidityStatus, buffer, length);
-    ApplyMask(mBitmask->data(), buffer, length);
+    invalid = MatchPattern(watch, element, buffer, length);
+    ApplyMask(element.mBitmask->data(), buffer, length);
     if (invalid) {
         value = nullptr;
         return true;
     }
+    watch.Tell({.kind = StepKind::MASKED, .bytes = {buffer, length}, .mask = {element.mBitmask->data(), length}});
     myData data;
-    Gather(mRow->gathering, mBitmask->data(), buffer, length, data);
-    return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
+    const std::size_t count = Gather(element.mRow->gathering, element.mBitmask->data(), buffer, length, data);
+    watch.Tell({.kind = StepKind::GATHERED, .bytes = {data.mBytes.data(), count}});
+    return Convert(watch, element, data, invalid, value);
+}
+
+bool ElementData::Build(unsigned char* buffer, unsigned int length, bool deviceBigEndian, int, bool& invalid,
+                        nlohmann::json& value, ServiceImpl::IValueProcesser*) {
+    if (length == 0 || buffer == nullptr) {
+        KZM_LOG(INFORMATION, "[%s] Invalid Input param", __func__);
+        Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::NO_DATA});
+        return false;
+    }
+    if (StepObserver* const observer = tObserver) [[unlikely]] {
+        return Decoding<Watched>::Build({*observer}, *this, buffer, length, deviceBigEndian, invalid, value);
+    }
+    return Decoding<Unwatched>::Build({}, *this, buffer, length, deviceBigEndian, invalid, value);
 }
 
 void ElementData::WordSwap(unsigned char* buffer, unsigned int length) {

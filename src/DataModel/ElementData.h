@@ -21,6 +21,8 @@ class IValueProcesser;
 
 namespace kzm::ModbusDeviceModel::DataModel {
 
+template <typename Watch>
+struct Decoding;
 struct LogicCodeDependency;
 struct myData;
 
@@ -130,6 +132,8 @@ protected:
 
 private:
     friend class ExtendedElementData;
+    template <typename Watch>
+    friend struct Decoding;
 
     std::uint16_t mRegisterAddress;
     std::uint8_t mNumberOfRegisters;

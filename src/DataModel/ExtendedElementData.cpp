@@ -117,7 +117,9 @@ ExtendedElementData::~ExtendedElementData() = default;
 
 bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool, int request, bool& invalid,
                                 json& value, ServiceImpl::IValueProcesser* valueProcesser) {
+    StepObserver* const observer = tObserver;
     if (buffer == nullptr || length == 0) {
+        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::NO_DATA});
         return false;
     }
     std::uint64_t raw = 0;
@@ -125,18 +127,32 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
         raw = raw << 8 | buffer[i];
     }
     if (!HasMaskFor(mBitmask.get(), length)) {
+        Tell(observer, {.kind = StepKind::MASKED, .reason = Reason::MISCONFIGURED});
         invalid = true;
         return false;
     }
     ApplyMask(mBitmask->data(), buffer, length);
-    invalid = mValidityStatus && *mValidityStatus == PatternOf(raw, mNumberOfRegisters);
+    invalid = MatchesPattern(raw);
     if (invalid) {
         value = nullptr;
         return true;
     }
     myData data;
     data.SetUnsigned(raw);
+    Tell(observer, {.kind = StepKind::GATHERED, .bytes = {data.mBytes.data(), sizeof raw}});
     return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
+}
+
+bool ExtendedElementData::MatchesPattern(std::uint64_t raw) const {
+    if (!mValidityStatus) {
+        return false;
+    }
+    const bool matches = *mValidityStatus == PatternOf(raw, mNumberOfRegisters);
+    Tell(tObserver, {.kind = StepKind::PATTERN,
+                     .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
+                     .applied = matches,
+                     .text = *mValidityStatus});
+    return matches;
 }
 
 bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& invalid, json& value,
@@ -150,10 +166,18 @@ bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& 
         return ElementData::ApplyLogicConversion(request, data, invalid, value, valueProcesser);
     }
     value = nullptr;
+    const Step raw{.kind = StepKind::RAW, .number = static_cast<double>(data.Unsigned64())};
+    Tell(tObserver, raw);
     if (ScaleRaw(data, mScaleFactor)) {
         OperateScaledPower(data, value, exponent, /*unused=*/0);
     }
     invalid = !value.is_number() || !std::isfinite(value.get<double>());
+    const double number = value.is_number() ? value.get<double>() : raw.number * mScaleFactor;
+    Tell(tObserver, {.kind = StepKind::EXPONENT, .number = exponent});
+    Tell(tObserver, {.kind = StepKind::SCALED,
+                     .reason = invalid ? Reason::OUT_OF_RANGE : Reason::GOOD,
+                     .number = number,
+                     .factor = mScaleFactor});
     if (invalid) {
         value = nullptr;
     }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "DataModel/DateTimeText.h"
+#include "DataModel/DecodingSteps.h"
 #include "DataModel/ElementData.h"
 #include "DataModel/NumberToJson.h"
 #include "DataModel/PowerFactorLabels.h"
@@ -31,14 +32,62 @@ namespace {
 
 using Pairs = std::vector<EnumerationPairData>;
 
-// An element's scale factor and offset.
-struct LinearScale {
-    bool needed;
+constexpr OutputRange DOUBLE_RANGE{std::numeric_limits<double>::lowest(), std::numeric_limits<double>::max()};
+
+// What conversions need of an element.
+template <typename Watch>
+struct Parts {
+    Watch watch;
+    const LogicCodeRow& row;
+    bool scaled;
     double factor;
     float offset;
+    const Pairs* pairs;
+    const std::vector<std::uint8_t>& bitmask;
+    std::uint8_t registers;
 
     // The multiplication and the addition are rounded separately, never contracted into one operation.
-    double operator()(double raw) const { return needed ? static_cast<double>(offset) + raw * factor : raw; }
+    double Scale(double raw) const {
+        return TellScaled(raw, scaled ? static_cast<double>(offset) + raw * factor : raw);
+    }
+    double TellScaled(double raw, double number) const {
+        watch.Tell({.kind = StepKind::RAW, .number = raw});
+        if (scaled) {
+            watch.Tell({.kind = StepKind::SCALED, .number = number, .factor = factor, .offset = offset});
+        }
+        return number;
+    }
+
+    // The ways to no value; each names its reason.
+    json Refuse(const Step& step) const {
+        watch.Tell(step);
+        return nullptr;
+    }
+    // A number that `raw` gives and that `range` does not hold.
+    json RefuseNumber(double raw, double number, OutputRange range) const {
+        return Refuse({.kind = StepKind::RANGE,
+                       .reason = std::isfinite(raw) ? Reason::OUT_OF_RANGE : Reason::NOT_FINITE,
+                       .number = number,
+                       .low = range.low,
+                       .high = range.high});
+    }
+    json RefuseLabel(Reason reason, double number, std::string_view text) const {
+        return Refuse({.kind = StepKind::LABEL, .reason = reason, .applied = false, .text = text, .number = number});
+    }
+
+    // The scaled number in the element's output type.
+    json EmitScaled(double raw) const { return EmitAs(row.output, raw, Scale(raw)); }
+    json EmitAs(Output output, double raw, double number) const {
+        json value = Emit(output, number);
+        if (value.is_null()) {
+            return RefuseNumber(raw, number, RangeOf(output));
+        }
+        return value;
+    }
+    // Floating point without a range.
+    json EmitFloat(double raw, double number) const {
+        return std::isfinite(number) ? json(number) : RefuseNumber(raw, number, DOUBLE_RANGE);
+    }
 };
 
 double NumberOf(RawView view, const myData& data) {
@@ -112,27 +161,32 @@ json Text(const myData& data) {
     return text;
 }
 
+// Ranges of power factors.
+constexpr OutputRange QUADRANTS{-2.0001, 2.0001};
+constexpr OutputRange MAGNITUDES{0, std::numeric_limits<float>::max()};
+
 // Compared in double: the limits are no floats.
-json Quadrant(double powerFactor) {
-    if (powerFactor >= -2.0001 && powerFactor <= -0.9999) {
+template <typename Watch>
+json Quadrant(const Parts<Watch>& element, double powerFactor) {
+    element.watch.Tell({.kind = StepKind::RAW, .number = powerFactor});
+    if (!QUADRANTS.Holds(powerFactor)) {
+        return element.RefuseNumber(powerFactor, powerFactor, QUADRANTS);
+    }
+    if (powerFactor <= -0.9999) {
         return QUAD_II;
     }
-    if (powerFactor > -0.9999 && powerFactor < -0.0001) {
+    if (powerFactor < -0.0001) {
         return QUAD_III;
     }
-    if (powerFactor >= -0.0001 && powerFactor <= 1.0001) {
-        return QUAD_I;
-    }
-    if (powerFactor > 1.0001 && powerFactor <= 2.0001) {
-        return QUAD_IV;
-    }
-    return nullptr;
+    return powerFactor <= 1.0001 ? QUAD_I : QUAD_IV;
 }
 
-json LoadNature(double powerFactor, const char* upToOne, const char* aboveOne) {
+template <typename Watch>
+json LoadNature(const Parts<Watch>& element, double powerFactor, const char* upToOne, const char* aboveOne) {
+    element.watch.Tell({.kind = StepKind::RAW, .number = powerFactor});
     const double magnitude = std::fabs(powerFactor);
     if (!std::isfinite(magnitude)) {
-        return nullptr;
+        return element.RefuseNumber(powerFactor, magnitude, MAGNITUDES);
     }
     if (std::fabs(magnitude - 1.0) < 0.001) {
         return UNITY;
@@ -152,66 +206,83 @@ json Version(std::uint16_t raw, std::initializer_list<std::uint8_t> places) {
     return text;
 }
 
-json Boolean(std::uint16_t raw, const LinearScale& scale) {
-    const double scaled = scale.needed ? std::fma(scale.factor, raw, static_cast<double>(scale.offset)) : raw;
+template <typename Watch>
+json Boolean(const Parts<Watch>& element, std::uint16_t raw) {
+    const double scaled = element.scaled ? std::fma(element.factor, raw, static_cast<double>(element.offset)) : raw;
+    element.TellScaled(raw, scaled);
     if (!std::isfinite(scaled)) {
-        return nullptr;
+        return element.RefuseNumber(raw, scaled, DOUBLE_RANGE);
     }
     return scaled != 0.0;
 }
 
 // Scales by a whole number in 64-bit integers; null for what does not fit.
-json ScaleWhole(std::int64_t number, const LinearScale& scale) {
+template <typename Watch>
+json ScaleWhole(const Parts<Watch>& element, std::int64_t number) {
     std::int64_t scaled = 0;
-    if (!(scale.offset >= -0x1p63F && scale.offset < 0x1p63F) ||
-        __builtin_mul_overflow(number, static_cast<std::int64_t>(scale.factor), &scaled) ||
-        __builtin_add_overflow(scaled, static_cast<std::int64_t>(scale.offset), &scaled)) {
-        return nullptr;
+    const auto raw = static_cast<double>(number);
+    if (!(element.offset >= -0x1p63F && element.offset < 0x1p63F) ||
+        __builtin_mul_overflow(number, static_cast<std::int64_t>(element.factor), &scaled) ||
+        __builtin_add_overflow(scaled, static_cast<std::int64_t>(element.offset), &scaled)) {
+        return element.RefuseNumber(raw, raw * element.factor + static_cast<double>(element.offset),
+                                    RangeOf(Output::S64));
     }
+    element.TellScaled(raw, static_cast<double>(scaled));
     return scaled;
 }
 
-json DecimalWords(const LogicCodeRow& row, const myData& data, const LinearScale& scale) {
+template <typename Watch>
+json DecimalWords(const Parts<Watch>& element, const myData& data) {
+    constexpr OutputRange DIGITS{-9999, 9999};
+    const LogicCodeRow& row = element.row;
     std::int64_t number = 0;
     for (std::size_t i = row.maxRegisters; i-- > 0;) {
         const std::uint16_t word = data.Word(i);
         const int digits = row.view == RawView::S16 ? static_cast<std::int16_t>(word) : word;
-        if (digits < -9999 || digits > 9999) {
-            return nullptr;
+        if (!DIGITS.Holds(digits)) {
+            return element.RefuseNumber(digits, digits, DIGITS);
         }
         number = number * 10000 + digits;
     }
+    const auto raw = static_cast<double>(number);
     if (row.output != Output::S64) {
-        return Emit(row.output, scale(static_cast<double>(number)));
+        return element.EmitScaled(raw);
     }
-    if (!scale.needed) {
+    if (!element.scaled) {
+        element.TellScaled(raw, raw);
         return number;
     }
-    const bool isWhole = std::trunc(scale.factor) == scale.factor && std::fabs(scale.factor) < 0x1p63;
-    return isWhole ? ScaleWhole(number, scale) : Emit(Output::S64, std::trunc(scale(static_cast<double>(number))));
+    const bool isWhole = std::trunc(element.factor) == element.factor && std::fabs(element.factor) < 0x1p63;
+    return isWhole ? ScaleWhole(element, number) : element.EmitAs(Output::S64, raw, std::trunc(element.Scale(raw)));
 }
 
 // Folds a power factor in the IEEE convention (-2 to 2, the part past 1 being the leading or lagging half) to -1 to 1.
-json PowerFactor(float raw, const LinearScale& scale) {
+template <typename Watch>
+json PowerFactor(const Parts<Watch>& element, float raw) {
     float folded = raw;
     if (raw > 1.0F) {
         folded = 2.0F - raw;
     } else if (raw < -1.0F) {
         folded = -2.0F - raw;
     }
-    if (!scale.needed) {
-        return EmitFinite(folded);
+    if (!element.scaled) {
+        return element.EmitFloat(raw, element.TellScaled(folded, folded));
     }
     constexpr double FLOAT_END = std::numeric_limits<float>::max();
-    const double factor = scale.factor;
+    const double factor = element.factor;
     if (std::fabs(factor) <= FLOAT_END && static_cast<double>(static_cast<float>(factor)) == factor) {
-        return EmitFinite(scale.offset + static_cast<float>(factor) * folded);
+        const float scaled = element.offset + static_cast<float>(factor) * folded;
+        return element.EmitFloat(raw, element.TellScaled(folded, scaled));
     }
-    const double scaled = scale(folded);
-    return std::fabs(scaled) <= FLOAT_END ? json(static_cast<float>(scaled)) : json(nullptr);
+    const double scaled = element.Scale(folded);
+    if (std::fabs(scaled) <= FLOAT_END) {
+        return static_cast<float>(scaled);
+    }
+    return element.RefuseNumber(raw, scaled, {-FLOAT_END, FLOAT_END});
 }
 
-// Null without pairs. Null and refused where no pair matches; an empty label is refused, too.
+// The label of the first pair that matches; null without pairs. Null and refused where no pair matches; an empty label
+// is refused, too.
 template <typename T>
 json LabelOf(const Pairs* pairs, const myData& data, bool& refused) {
     if (pairs == nullptr || pairs->empty()) {
@@ -248,16 +319,49 @@ json LabelOrNumber(EnumerationType type, const Pairs* pairs, const myData& data,
     return label;
 }
 
-json Enumeration(const LogicCodeRow& row, const Pairs* pairs, const myData& data, bool& refused) {
-    switch (row.view) {
+// Tells which label was found, or why there is none.
+template <typename Watch>
+void TellLabel(const Parts<Watch>& element, const json& label, double number, std::string_view text) {
+    if (label.is_string() && !label.get_ref<const std::string&>().empty()) {
+        element.watch.Tell({.kind = StepKind::LABEL, .text = label.get_ref<const std::string&>(), .number = number});
+    } else if (element.pairs != nullptr && !element.pairs->empty()) {
+        element.RefuseLabel(Reason::UNKNOWN_LABEL, number, text);
+    } else {
+        element.RefuseLabel(std::isfinite(number) ? Reason::MISCONFIGURED : Reason::NOT_FINITE, number, text);
+    }
+}
+
+template <typename T, typename Watch>
+json LabelOfNumber(const Parts<Watch>& element, const myData& data, bool& refused) {
+    json label = LabelOrNumber<T>(element.row.labelType, element.pairs, data, refused);
+    if constexpr (Watch::IS_WATCHED) {
+        const auto number = static_cast<double>(ReadAs<T>(data));
+        element.watch.Tell({.kind = StepKind::RAW, .number = number});
+        TellLabel(element, label, number, {});
+    }
+    return label;
+}
+
+template <typename Watch>
+json LabelOfText(const Parts<Watch>& element, const myData& data, bool& refused) {
+    json label = LabelOf<std::uint64_t>(element.pairs, data, refused);
+    if constexpr (Watch::IS_WATCHED) {
+        TellLabel(element, label, 0, data.Text());
+    }
+    return label;
+}
+
+template <typename Watch>
+json Enumeration(const Parts<Watch>& element, const myData& data, bool& refused) {
+    switch (element.row.view) {
         case RawView::U8:
-            return LabelOrNumber<unsigned char>(row.labelType, pairs, data, refused);
+            return LabelOfNumber<unsigned char>(element, data, refused);
         case RawView::FLOAT:
-            return LabelOrNumber<float>(row.labelType, pairs, data, refused);
+            return LabelOfNumber<float>(element, data, refused);
         case RawView::U32:
-            return LabelOrNumber<unsigned int>(row.labelType, pairs, data, refused);
+            return LabelOfNumber<unsigned int>(element, data, refused);
         default:
-            return LabelOrNumber<unsigned short>(row.labelType, pairs, data, refused);
+            return LabelOfNumber<unsigned short>(element, data, refused);
     }
 }
 
@@ -283,48 +387,51 @@ myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>
 }
 
 // Any other frequency leaves the value as it was.
-void SetFrequencyClass(std::uint32_t hertz, json& value) {
+template <typename Watch>
+void SetFrequencyClass(const Parts<Watch>& element, std::uint32_t hertz, json& value) {
+    constexpr OutputRange CLASSES{50, 400};
+    element.watch.Tell({.kind = StepKind::RAW, .number = static_cast<double>(hertz)});
     if (hertz == 50 || hertz == 60) {
         value = -2;
     } else if (hertz == 400) {
         value = -1;
+    } else {
+        element.RefuseNumber(hertz, hertz, CLASSES);
     }
 }
 
-// What conversions need of an element.
-struct Parts {
-    const LogicCodeRow& row;
-    LinearScale scale;
-    const Pairs* pairs;
-    const std::vector<std::uint8_t>& bitmask;
-    std::uint8_t registers;
-};
+// A text that is made of the number in the registers.
+template <typename Watch, typename Number>
+Number TellRaw(const Parts<Watch>& element, Number raw) {
+    element.watch.Tell({.kind = StepKind::RAW, .number = static_cast<double>(raw)});
+    return raw;
+}
 
 // The value of most families, null where there is none. Plain numbers would pay for its stack frame if it were inlined.
 // clang-format off
-[[gnu::noinline]] json Convert(const Parts& element, const myData& data, bool& refused) {
-    const auto& [row, scale, pairs, bitmask, registers] = element;
-    switch (row.family) {
-        case Family::DOUBLE:               return EmitFinite(scale(data.Double()));
-        case Family::BOOLEAN:              return Boolean(data.Unsigned16(), scale);
-        case Family::DECIMAL_WORDS:        return DecimalWords(row, data, scale);
-        case Family::ENUMERATION:          return Enumeration(row, pairs, data, refused);
+template <typename Watch>
+[[gnu::noinline]] json ConvertOther(const Parts<Watch>& element, const myData& data, bool& refused) {
+    switch (element.row.family) {
+        case Family::DOUBLE:               return element.EmitFloat(data.Double(), element.Scale(data.Double()));
+        case Family::BOOLEAN:              return Boolean(element, data.Unsigned16());
+        case Family::DECIMAL_WORDS:        return DecimalWords(element, data);
+        case Family::ENUMERATION:          return Enumeration(element, data, refused);
         case Family::SHIFTED_ENUMERATION:
-            return Enumeration(row, pairs, Shifted(data, row.view, bitmask, registers), refused);
-        case Family::DECIMAL_TEXT:         return std::to_string(data.Unsigned32());
-        case Family::POWER_FACTOR:         return PowerFactor(data.Float(), scale);
-        case Family::QUADRANT:             return Quadrant(data.Float());
-        case Family::LAG_LEAD:             return LoadNature(data.Float(), LAG, LEAD);
-        case Family::INDUCTIVE_CAPACITIVE: return LoadNature(data.Float(), INDUCTIVE, CAPACITIVE);
+            return Enumeration(element, Shifted(data, element.row.view, element.bitmask, element.registers), refused);
+        case Family::DECIMAL_TEXT:         return std::to_string(TellRaw(element, data.Unsigned32()));
+        case Family::POWER_FACTOR:         return PowerFactor(element, data.Float());
+        case Family::QUADRANT:             return Quadrant(element, data.Float());
+        case Family::LAG_LEAD:             return LoadNature(element, data.Float(), LAG, LEAD);
+        case Family::INDUCTIVE_CAPACITIVE: return LoadNature(element, data.Float(), INDUCTIVE, CAPACITIVE);
         case Family::TEXT:                 return Text(data);
         case Family::DATE_IEC870:          return TextOfIec870(data.Text());
         case Family::DATE_3_REGISTERS:     return TextOf3Registers(data.Text());
         case Family::DATE_ULP:             return TextOfUlp(data.Text());
         case Family::DATE_CM:              return TextOfCm(data.Text());
         case Family::DATE_MSP:             return TextOfMsp(data.Text());
-        case Family::VERSION_2_3:          return Version(data.Unsigned16(), {6, 5, 4, 2, 1});
-        case Family::VERSION_1_1_2:        return Version(data.Unsigned16(), {10, 9, 6, 2});
-        case Family::VERSION_1_1_3:        return Version(data.Unsigned16(), {10, 9, 8, 6, 2});
+        case Family::VERSION_2_3:          return Version(TellRaw(element, data.Unsigned16()), {6, 5, 4, 2, 1});
+        case Family::VERSION_1_1_2:        return Version(TellRaw(element, data.Unsigned16()), {10, 9, 6, 2});
+        case Family::VERSION_1_1_3:        return Version(TellRaw(element, data.Unsigned16()), {10, 9, 8, 6, 2});
         case Family::NONE:  // these and the following have no value of their own or are converted by the callers
         case Family::NUMBER:
         case Family::TEXT_ENUMERATION:
@@ -337,31 +444,53 @@ struct Parts {
 
 }  // namespace
 
-bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
-    const LinearScale scale{mNeedsScaling, mScaleFactor, mOffset};
-    const Pairs* const pairs = mEnumerationPairs.get();
-    switch (mRow->family) {
+template <typename Watch>
+bool Decoding<Watch>::Convert(Watch watch, const ElementData& element, const myData& data, bool& invalid, json& value) {
+    const LogicCodeRow& row = *element.mRow;
+    // Made where they are used: plain numbers then need no memory for them.
+    const auto parts = [&] {
+        return Parts<Watch>{watch,
+                            row,
+                            element.mNeedsScaling,
+                            element.mScaleFactor,
+                            element.mOffset,
+                            element.mEnumerationPairs.get(),
+                            *element.mBitmask,
+                            element.mNumberOfRegisters};
+    };
+    switch (row.family) {
         case Family::NONE:
         case Family::SCALED_POWER:
+            watch.Tell({.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
             return false;
         case Family::NUMBER:
-            value = Emit(mRow->output, scale(NumberOf(mRow->view, data)));
+            value = parts().EmitScaled(NumberOf(row.view, data));
             invalid = value.is_null();
             return true;
         case Family::FREQUENCY_CLASS:
             invalid = false;
-            SetFrequencyClass(data.Unsigned32(), value);
+            SetFrequencyClass(parts(), data.Unsigned32(), value);
             return true;
         case Family::TEXT_ENUMERATION:  // null is valid where there are no labels
             invalid = false;
-            value = LabelOf<std::uint64_t>(pairs, data, invalid);
+            value = LabelOfText(parts(), data, invalid);
             return true;
-        default:  // Convert lists the others
+        default:  // ConvertOther lists the others
             invalid = false;
-            value = Convert({*mRow, scale, pairs, *mBitmask, mNumberOfRegisters}, data, invalid);
+            value = ConvertOther(parts(), data, invalid);
             invalid = invalid || value.is_null();
             return true;
     }
+}
+
+template bool Decoding<Watched>::Convert(Watched, const ElementData&, const myData&, bool&, json&);
+template bool Decoding<Unwatched>::Convert(Unwatched, const ElementData&, const myData&, bool&, json&);
+
+bool ElementData::ApplyLogicConversion(int, myData& data, bool& invalid, json& value, ServiceImpl::IValueProcesser*) {
+    if (StepObserver* const observer = tObserver) [[unlikely]] {
+        return Decoding<Watched>::Convert({*observer}, *this, data, invalid, value);
+    }
+    return Decoding<Unwatched>::Convert({}, *this, data, invalid, value);
 }
 
 template <typename T>

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "DataModel/AttributeConverter.h"
+#include "DataModel/Observation.h"
 #include "Support/Status.h"
 
 namespace kzm::ModbusDeviceModel::DataModel {
@@ -48,6 +49,7 @@ kz::orba::StatusCode MeasurementComputedAlarmOperand::GetValue(
     if (auto* adapter = SourceAs<DataObjectAdapter>(mSource)) {
         return adapter->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, quality, value);
     }
+    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
     return Status::NOT_AVAILABLE;
 }
 

@@ -77,12 +77,4 @@ inline nlohmann::json Emit(DeviceProfile::Output output, double number) {
     return nullptr;
 }
 
-// Floating point without a range; null for a number that is not finite.
-inline nlohmann::json EmitFinite(double number) {
-    if (!std::isfinite(number)) {
-        return nullptr;
-    }
-    return number;
-}
-
 }  // namespace kzm::ModbusDeviceModel::DataModel

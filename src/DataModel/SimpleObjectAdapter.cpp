@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DataModel/ValueRequest.h"
 #include "Support/Log.h"
 #include "Support/Status.h"
 
@@ -22,13 +23,18 @@ SimpleObjectAdapter::~SimpleObjectAdapter() = default;
 kz::orba::StatusCode SimpleObjectAdapter::GetObject(const std::shared_ptr<DeviceCache::CacheReadAccessInterface>& cache,
                                                     bool deviceBigEndian, bool ignoreCacheAge,
                                                     kz::orba::VortaORBAObject& object) {
+    StepObserver* const observer = tObserver;
+    Tell(observer, {.kind = StepKind::OBJECT});
     if (!mValueAdapter) {
+        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "%s: Pointer for value is empty", __func__);
         return Status::INVALID_ARGUMENT;
     }
     auto quality = DeviceCache::QUALITY_UNINITIALISED;
     nlohmann::json value;
-    const auto status = mValueAdapter->GetIotValue(NO_URN, cache, deviceBigEndian, ignoreCacheAge, quality, value);
+    const auto status =
+        GetValueOf("value", *mValueAdapter, {cache, deviceBigEndian, ignoreCacheAge, &NO_URN}, quality, value);
+    Tell(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     if (status == Status::NOT_AVAILABLE) {
         KZM_LOG_TRACE("%s: Did not read from cache", __func__);
     } else if (status != Status::SUCCESS) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "DataModel/AttributeAdapter.h"
+#include "DataModel/Observation.h"
 #include "kzm/edm/dictionary/EdmEnumToEdmValue.h"
 #include "kzm/edm/dictionary/EdmEnumToIotValue.h"
 
@@ -18,12 +19,14 @@ struct ValueRequest {
     const std::string* urn;  // of the attribute; null asks for the device-dictionary form
 };
 
-// Asks an adapter for its value in the requested form.
-inline kz::orba::StatusCode GetValueOf(AttributeAdapter& adapter, const ValueRequest& request,
+// Asks the adapter of a role for its value in the requested form.
+inline kz::orba::StatusCode GetValueOf(std::string_view role, AttributeAdapter& adapter, const ValueRequest& request,
                                        DeviceCache::_Quality_t& quality, nlohmann::json& value) {
-    const auto& [cache, deviceBigEndian, ignoreCacheAge, urn] = request;
-    return urn ? adapter.GetIotValue(*urn, cache, deviceBigEndian, ignoreCacheAge, quality, value)
-               : adapter.GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, quality, value);
+    return RunPart(tObserver, role, &adapter, quality, &value, [&] {
+        const auto& [cache, deviceBigEndian, ignoreCacheAge, urn] = request;
+        return urn ? adapter.GetIotValue(*urn, cache, deviceBigEndian, ignoreCacheAge, quality, value)
+                   : adapter.GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, quality, value);
+    });
 }
 
 // Translates an enumeration label with the platform's dictionaries; `urn` as in ValueRequest.

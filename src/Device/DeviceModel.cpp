@@ -3,6 +3,7 @@
 #include "DataModel/ComputedAlarmElement.h"
 #include "DataModel/LogicCodeDependency.h"
 #include "DataModel/MeasurementInformationOf.h"
+#include "DataModel/Observation.h"
 #include "Device/CustomAlarmObject.h"
 #include "Device/DynamicVorta.h"
 #include "Support/Log.h"
@@ -39,6 +40,12 @@ void LogDestruction() {
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
     KZM_LOG(INFORMATION, "DeviceModel::~DeviceModel Called");
     pthread_setcancelstate(state, nullptr);
+}
+
+// An object or alarm that the model does not have, or not whole.
+void TellMissing(StatusCode status) {
+    using namespace DataModel;
+    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED, .status = status});
 }
 
 // Null for an element that is in no frame and for an index past the frames.
@@ -195,6 +202,7 @@ StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
     kz::orba::VortaORBAObject& object, const DataModel::PreviousMeasurements& previous) const {
     const auto alarm = GetComputedAlarmElement({object.GetName(), object.GetAlias()});
     if (!alarm) {
+        TellMissing(Status::INVALID_ARGUMENT);
         const auto& id = object.GetId();
         KZM_LOG(ERROR, "[%s] Custom alarm not found : %s", __func__, id.c_str());
         return Status::INVALID_ARGUMENT;
@@ -202,6 +210,7 @@ StatusCode DeviceModel::GetCustomAlarmVortaObjectValue(
     CustomAlarmObject structure(object.GetValue());
     structure.WriteIdentity(*alarm);
     if (!structure.HasState()) {
+        TellMissing(Status::OUT_OF_RANGE);
         KZM_LOG(ERROR, "[%s] Missing elements in custom device VORTA response structure", __func__);
         return Status::OUT_OF_RANGE;
     }
@@ -222,6 +231,9 @@ StatusCode DeviceModel::GetVortaObjectValue(const std::shared_ptr<DeviceCache::C
     std::shared_ptr<VortaObjectAdapter> adapter;
     const auto status =
         FindAdapter(mObjectAdapters, mModelName, __func__, object.GetName(), object.GetAlias(), adapter);
+    if (!adapter) {
+        TellMissing(status);
+    }
     return adapter ? adapter->GetObject(cache, IsBigEndian(), ignoreCacheAge, object) : status;
 }
 

@@ -1,0 +1,249 @@
+#include "gateway/diagnosis/ExplanationBuilder.h"
+
+#include <array>
+
+#include "DataModel/ElementData.h"
+#include "DeviceProfile/LogicCodeTable.h"
+#include "Support/Status.h"
+#include "gateway/diagnosis/DecidingReason.h"
+
+namespace kzm::ModbusGateway {
+
+using namespace ModbusDeviceModel::DataModel;
+using Kind = Explanation::Kind;
+namespace DeviceCache = ModbusDeviceModel::DeviceCache;
+
+namespace {
+
+// The members of a profile that may cause a step, the likelier first.
+std::array<const char*, 2> CausesOf(StepKind kind) {
+    switch (kind) {
+        case StepKind::ELEMENT:
+        case StepKind::FRAME:
+        case StepKind::RECEIVED:
+            return {"address", ""};
+        case StepKind::SWAPPED:
+            return {"order", "type"};
+        case StepKind::PATTERN:
+            return {"notAvailable", ""};
+        case StepKind::MASKED:
+            return {"mask", ""};
+        case StepKind::GATHERED:
+        case StepKind::RAW:
+        case StepKind::RANGE:
+            return {"type", ""};
+        case StepKind::EXPONENT:
+            return {"exponent", ""};
+        case StepKind::SCALED:
+            return {"scale", "offset"};
+        case StepKind::LABEL:
+        case StepKind::TRANSLATED:
+            return {"labels", "enumeration"};
+        case StepKind::COMPUTATION:
+        case StepKind::RESULT:
+            return {"chain", ""};
+        case StepKind::INPUT:
+        case StepKind::PARAMETERS:
+            return {"inputs", "exponent"};
+        case StepKind::PREVIOUS:
+            return {"previous", ""};
+        case StepKind::AVAILABILITY:
+            return {"availability", ""};
+        case StepKind::QUALITY:
+            return {"quality", ""};
+        case StepKind::CONSTANT:
+            return {"constant", ""};
+        case StepKind::OBJECT:
+        case StepKind::GROUP:
+        case StepKind::ALARM:
+        case StepKind::VALUE:
+        case StepKind::FAILURE:
+            break;
+    }
+    return {"", ""};
+}
+
+std::size_t LineOf(const ProfilePlace* place, StepKind kind) {
+    for (const char* const member : CausesOf(kind)) {
+        const auto found = place ? place->lines.find(member) : std::map<std::string, std::size_t>::const_iterator();
+        if (place && found != place->lines.end()) {
+            return found->second;
+        }
+    }
+    return 0;
+}
+
+// What a part is, if the step tells.
+std::optional<Kind> KindOf(StepKind kind) {
+    switch (kind) {
+        case StepKind::OBJECT:
+            return Kind::OBJECT;
+        case StepKind::GROUP:
+            return Kind::GROUP;
+        case StepKind::ELEMENT:
+            return Kind::ELEMENT;
+        case StepKind::COMPUTATION:
+            return Kind::COMPUTATION;
+        case StepKind::CONSTANT:
+            return Kind::CONSTANT;
+        case StepKind::ALARM:
+            return Kind::ALARM;
+        case StepKind::PREVIOUS:
+            return Kind::PREVIOUS;
+        default:  // steps of a part that is known already
+            return std::nullopt;
+    }
+}
+
+// Negative: in the future.
+std::int64_t AgeOf(const Step& step) {
+    return static_cast<std::int64_t>(step.now - step.timestamp);
+}
+
+}  // namespace
+
+ExplanationBuilder::ExplanationBuilder(const ModbusDeviceModel::Device::IDeviceModel& model,
+                                       const LoadedProfile* profile, const DeviceCache::CacheReadAccessInterface* cache,
+                                       const void* subject)
+    : mModel(model), mProfile(profile), mRegisterCache(dynamic_cast<const RegisterCache*>(cache)), mOpen{&mRoot} {
+    mRoot.place = PlaceOf(subject);
+}
+
+void ExplanationBuilder::Enter(std::string_view role, const void* subject) noexcept {
+    try {
+        mOpen.reserve(mOpen.size() + 1);
+        Explanation& part = Innermost().parts.emplace_back();
+        mOpen.push_back(&part);
+        part.role = role;
+        part.place = PlaceOf(subject);
+    } catch (const std::bad_alloc&) {
+        mFailed = true;
+    }
+}
+
+void ExplanationBuilder::See(const Step& step) noexcept {
+    try {
+        Keep(step);
+    } catch (const std::bad_alloc&) {
+        mFailed = true;
+    }
+}
+
+void ExplanationBuilder::Leave(const PartOutcome* outcome) noexcept {
+    try {
+        if (outcome == nullptr) {
+            Keep({.kind = StepKind::FAILURE, .reason = Reason::INTERNAL});
+        }
+        Close(outcome ? *outcome
+                      : PartOutcome{ModbusDeviceModel::Status::NOT_AVAILABLE, DeviceCache::QUALITY_BAD, nullptr});
+        mOpen.pop_back();
+    } catch (const std::bad_alloc&) {
+        mFailed = true;
+    }
+}
+
+Explanation ExplanationBuilder::Finish(const PartOutcome& outcome) {
+    if (mFailed) {
+        throw std::bad_alloc();
+    }
+    Close(outcome);
+    mRoot.requestStatus = outcome.status;
+    return std::move(mRoot);
+}
+
+void ExplanationBuilder::Keep(const Step& step) {
+    Explanation& part = Innermost();
+    const auto kind = KindOf(step.kind);
+    if (kind && part.kind == Kind::OTHER) {
+        part.kind = *kind;
+        part.name = step.text;
+    }
+    if (step.element != nullptr) {
+        KeepRegisters(*step.element);
+    }
+    if (step.kind == StepKind::FRAME) {
+        KeepFrame(step);
+    }
+    Explanation::Step kept{step.kind, step.reason, step.applied};
+    kept.bytes.assign(step.bytes.begin(), step.bytes.end());
+    kept.mask.assign(step.mask.begin(), step.mask.end());
+    kept.text = step.text;
+    if (step.kind == StepKind::RECEIVED) {
+        kept.value = ConvertToString(step.quality);
+    } else if (step.value != nullptr) {
+        kept.value = *step.value;
+    }
+    kept.number = step.kind == StepKind::PREVIOUS ? static_cast<double>(AgeOf(step)) : step.number;
+    kept.factor = step.factor;
+    kept.offset = step.offset;
+    kept.low = step.low;
+    kept.high = step.kind == StepKind::PREVIOUS ? static_cast<double>(step.limit) : step.high;
+    kept.line = LineOf(part.place.get(), step.kind);
+    part.steps.push_back(std::move(kept));
+    if (step.kind == StepKind::VALUE) {
+        part.status = step.status;
+        part.quality = step.quality;
+        part.value = step.value ? *step.value : nlohmann::json();
+    }
+}
+
+void ExplanationBuilder::KeepRegisters(const ElementData& element) {
+    Explanation::Registers registers;
+    const auto& row = ModbusDeviceModel::DeviceProfile::RowOf(element.GetLogicCode());
+    registers.address = element.GetDeviceRegister();
+    registers.count = element.GetNumberOfRegisters();
+    registers.type = row.name;
+    registers.logicCode = static_cast<std::uint8_t>(element.GetLogicCode());
+    registers.frameIndex = element.GetFrameIndex();
+    registers.frame = NameOfFrame(registers.frameIndex);
+    const auto& frames = mModel.GetFrames();
+    if (registers.frameIndex < frames.size()) {
+        registers.function = frames[registers.frameIndex].mFunctionCode;
+        if (mRegisterCache != nullptr) {
+            registers.exception = mRegisterCache->GetException(registers.frameIndex);
+        }
+    }
+    Innermost().registers = std::move(registers);
+}
+
+void ExplanationBuilder::KeepFrame(const Step& step) {
+    auto& registers = Innermost().registers;
+    if (registers) {
+        registers->timestamp = step.timestamp;
+        registers->limit = step.limit;
+        registers->ignoresAge = !step.applied;
+        if (step.timestamp != 0) {
+            registers->age = AgeOf(step);
+        }
+    }
+}
+
+void ExplanationBuilder::Close(const PartOutcome& outcome) {
+    Explanation& part = Innermost();
+    const bool hasValueStep = !part.steps.empty() && part.steps.back().kind == StepKind::VALUE;
+    if (!hasValueStep) {
+        part.status = outcome.status;
+        part.quality = outcome.quality;
+        part.value = outcome.value ? *outcome.value : nlohmann::json();
+    }
+    if (part.status != ModbusDeviceModel::Status::SUCCESS) {
+        part.value = nullptr;
+        part.quality = part.kind == Kind::OBJECT ? DeviceCache::QUALITY_BAD : part.quality;
+    }
+    part.why = DecidingReason(part);
+}
+
+std::string ExplanationBuilder::NameOfFrame(std::uint8_t frameIndex) const {
+    const bool isNamed = mProfile != nullptr && frameIndex < mProfile->frameNames.size();
+    return isNamed ? mProfile->frameNames[frameIndex] : std::to_string(frameIndex);
+}
+
+std::shared_ptr<const ProfilePlace> ExplanationBuilder::PlaceOf(const void* subject) const {
+    if (mProfile == nullptr) {
+        return nullptr;
+    }
+    const auto found = mProfile->places.find(subject);
+    return found == mProfile->places.end() ? nullptr : found->second;
+}
+
+}  // namespace kzm::ModbusGateway
