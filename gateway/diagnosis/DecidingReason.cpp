@@ -11,11 +11,14 @@ using Kind = Explanation::Kind;
 
 namespace {
 
+// A group has no value of its own, and null is the constant of an operand that an alarm's chain does not use.
 bool IsMissing(const Explanation& part) {
-    return part.status != ModbusDeviceModel::Status::SUCCESS || (part.value.is_null() && part.kind != Kind::GROUP);
+    const bool mayBeNull =
+        part.kind == Kind::GROUP || (part.kind == Kind::CONSTANT && part.steps.front().reason == Reason::GOOD);
+    return part.status != ModbusDeviceModel::Status::SUCCESS || (part.value.is_null() && !mayBeNull);
 }
 
-// A group has neither value nor quality of its own.
+// A group has no quality of its own either.
 bool IsGood(const Explanation& part) {
     if (part.kind == Kind::GROUP) {
         return std::ranges::all_of(part.parts, [](const auto& one) { return one.why.reason == Reason::GOOD; });

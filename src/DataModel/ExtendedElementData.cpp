@@ -97,6 +97,18 @@ std::string PatternOf(std::uint64_t raw, std::uint8_t registers) {
     return std::string(text, 0, 2 + 4 * std::size_t{registers});
 }
 
+bool MatchesPattern(const std::string* pattern, std::uint64_t raw, std::uint8_t registers) {
+    if (pattern == nullptr) {
+        return false;
+    }
+    const bool matches = *pattern == PatternOf(raw, registers);
+    Tell(tObserver, {.kind = StepKind::PATTERN,
+                     .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
+                     .applied = matches,
+                     .text = *pattern});
+    return matches;
+}
+
 }  // namespace
 
 ExtendedElementData::ExtendedElementData(
@@ -132,7 +144,7 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
         return false;
     }
     ApplyMask(mBitmask->data(), buffer, length);
-    invalid = MatchesPattern(raw);
+    invalid = MatchesPattern(mValidityStatus.get(), raw, mNumberOfRegisters);
     if (invalid) {
         value = nullptr;
         return true;
@@ -141,18 +153,6 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
     data.SetUnsigned(raw);
     Tell(observer, {.kind = StepKind::GATHERED, .bytes = {data.mBytes.data(), sizeof raw}});
     return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
-}
-
-bool ExtendedElementData::MatchesPattern(std::uint64_t raw) const {
-    if (!mValidityStatus) {
-        return false;
-    }
-    const bool matches = *mValidityStatus == PatternOf(raw, mNumberOfRegisters);
-    Tell(tObserver, {.kind = StepKind::PATTERN,
-                     .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
-                     .applied = matches,
-                     .text = *mValidityStatus});
-    return matches;
 }
 
 bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& invalid, json& value,

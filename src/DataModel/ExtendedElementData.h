@@ -45,7 +45,6 @@ public:
 private:
     bool ApplyLogicConversion(int request, myData& data, bool& invalid, nlohmann::json& value,
                               ServiceImpl::IValueProcesser* valueProcesser);
-    bool MatchesPattern(std::uint64_t raw) const;
 
     std::int16_t mSlaveOffset;
     std::uint32_t mExtraParameter;
