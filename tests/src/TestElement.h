@@ -8,6 +8,7 @@
 
 #include "DataModel/AttributeConverter.h"
 #include "DataModel/ElementData.h"
+#include "DataModel/ExtendedElementData.h"
 #include "kzm/StandIn/CapturedLog.h"
 
 namespace kzm::ModbusDeviceModel::Test {
@@ -60,6 +61,16 @@ Element Make(const Traits& traits, Path... path) {
 
 inline ElementData MakeElement(const Traits& traits) {
     return Make<ElementData>(traits, std::string("path"));
+}
+
+// An element whose exponent comes from what it depends on; its words are stored as little endian.
+inline ExtendedElementData MakeExtended(const Traits& traits, std::vector<LogicCodeDependency> dependencies) {
+    return ExtendedElementData(100, traits.registers,
+                               std::make_shared<Bytes>(traits.mask ? Hex(traits.mask) : Bytes(256, std::uint8_t{0xFF})),
+                               traits.scale, traits.pattern ? std::make_shared<std::string>(traits.pattern) : nullptr,
+                               static_cast<LogicCodeIdentifier>(traits.code), 0, "path", traits.offset, traits.pairs,
+                               0xFFFE, 7, std::make_shared<std::vector<LogicCodeDependency>>(std::move(dependencies)),
+                               ByteOrderingEnum::LITTLE_ENDIAN_WORDS);
 }
 
 inline std::shared_ptr<AttributeConverter> MakeConverter(const Traits& traits) {

@@ -27,7 +27,7 @@ TEST(LocatedJson, EachValueKnowsItsLine) {
 }
 
 TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
-    const std::string bomb(100000, '[');
+    const std::string tooDeep(LocatedJson::MAX_DEPTH + 1, '['), bomb(100000, '[');
     const std::string longName = "{\"" + std::string(LocatedJson::MAX_NAME_LENGTH + 1, 'n') + "\": 1}";
     const std::tuple<std::string, std::size_t, const char*> rows[] = {
         {"", 1, "this is not JSON: unexpected end of input"},
@@ -40,6 +40,7 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
         {"[1e999]", 1, "number overflow"},
         {"{}\n{}", 2, "expected end of input"},
         {"/* open", 1, "missing closing '*/'"},
+        {tooDeep, 1, "more than 64 deep"},
         {bomb, 1, "more than 64 deep"},
         {longName, 1, "longer than"}};
     for (const auto& [text, line, message] : rows) {
@@ -54,17 +55,12 @@ TEST(LocatedJson, ATextThatIsNoJsonGivesOneProblemWithItsLineInPlainWords) {
     }
 }
 
-TEST(LocatedJson, NestingAndNamesReachTheirLimitsAndNoFurther) {
-    const auto depth = LocatedJson::MAX_DEPTH, length = LocatedJson::MAX_NAME_LENGTH;
-    const std::tuple<std::size_t, std::size_t, bool> rows[] = {
-        {depth, length, true}, {depth + 1, length, false}, {depth, length + 1, false}};
-    for (const auto& [nesting, nameLength, isRead] : rows) {
-        Problems problems;
-        const std::string text = std::string(nesting - 1, '[') + "{\"" + std::string(nameLength, 'n') + "\": 1}" +
-                                 std::string(nesting - 1, ']');
-        EXPECT_EQ(LocatedJson::Parse(text, problems).IsRead(), isRead) << nesting << ' ' << nameLength;
-        EXPECT_EQ(problems.empty(), isRead);
-    }
+TEST(LocatedJson, NestingAndNamesReachTheirLimits) {
+    Problems problems;
+    const std::size_t lists = LocatedJson::MAX_DEPTH - 1;
+    const std::string member = "{\"" + std::string(LocatedJson::MAX_NAME_LENGTH, 'n') + "\": 1}";
+    EXPECT_TRUE(LocatedJson::Parse(std::string(lists, '[') + member + std::string(lists, ']'), problems).IsRead());
+    EXPECT_TRUE(problems.empty());
 }
 
 TEST(LocatedJson, TheFirstOfTwoMembersOfOneNameCounts) {

@@ -5,8 +5,6 @@
 
 namespace kzm::ModbusDeviceModel::Test::ExtendedElementDataTest {
 
-using Dependencies = std::vector<DataModel::LogicCodeDependency>;
-
 // Answers by name; keeps what it was asked for.
 struct Answers : ServiceImpl::IValueProcesser {
     explicit Answers(std::map<std::string, json> given) : answers(std::move(given)) {}
@@ -22,18 +20,10 @@ struct Answers : ServiceImpl::IValueProcesser {
     std::string asked;
 };
 
-ExtendedElementData MakeExtended(const Traits& traits) {
-    return ExtendedElementData(
-        100, traits.registers,
-        traits.mask ? std::make_shared<Bytes>(Hex(traits.mask)) : std::make_shared<Bytes>(256, std::uint8_t{0xFF}),
-        traits.scale, traits.pattern ? std::make_shared<std::string>(traits.pattern) : nullptr,
-        static_cast<LogicCodeIdentifier>(traits.code), 0, "path", traits.offset, traits.pairs, 0xFFFE, 7,
-        std::make_shared<Dependencies>(Dependencies{{"a", "", 1}, {"b", "x", "default"}}),
-        ByteOrderingEnum::LITTLE_ENDIAN_WORDS);
-}
+const std::vector<LogicCodeDependency> DEPENDENCIES{{"a", "", 1}, {"b", "x", "default"}};
 
 std::string Extended(const Traits& traits, const std::string& hex, ServiceImpl::IValueProcesser* processer = nullptr) {
-    auto element = MakeExtended(traits);
+    auto element = MakeExtended(traits, DEPENDENCIES);
     return Built(element, hex, /*deviceBigEndian=*/false, processer);
 }
 
@@ -45,7 +35,7 @@ TEST(ExtendedElementData, TakesTheBytesAsTheyWereReadWhateverOrderAndMask) {
     EXPECT_EQ(Extended({.code = 255}, "0001"), "refused");
     const StandIn::CapturedLog quiet(Log::OrbaLogLevel::NONE);
     EXPECT_EQ(Extended({.code = 2, .mask = "FF"}, "0001"), "refused!");
-    const auto element = MakeExtended({});
+    const auto element = MakeExtended({}, DEPENDENCIES);
     EXPECT_EQ(element.GetSlaveOffset(), -2);
     EXPECT_EQ(element.GetExtraParameter(), 7U);
     EXPECT_EQ(element.GetLogicCodeDependency()->size(), 2U);
@@ -109,7 +99,7 @@ TEST(ExtendedElementData, APowerIsComputedFromARecordAlone) {
     data.SetUnsigned(7);
     json value;
     for (const auto& [exponent, expected] : {std::pair(-2.0, 0.07), {0.0, 7.0}, {3.0, 7000.0}}) {
-        MakeExtended({}).OperateScaledPower(data, value, exponent, 1.0);
+        MakeExtended({}, DEPENDENCIES).OperateScaledPower(data, value, exponent, 1.0);
         EXPECT_EQ(value, expected) << exponent;
     }
 }

@@ -24,6 +24,10 @@ std::shared_ptr<ElementData> ElementOf(std::uint8_t frame) {
     return std::make_shared<ElementData>(MakeElement({.code = 31, .registers = 2, .frame = frame}));
 }
 
+std::shared_ptr<DeviceModel::Elements> ElementsOf(DeviceModel::Elements elements) {
+    return std::make_shared<DeviceModel::Elements>(std::move(elements));
+}
+
 // Indexes of the frames, each with its first register, which is its index.
 std::vector<int> Indexes(const DeviceModel::Frames& frames) {
     std::vector<int> indexes;
@@ -62,11 +66,10 @@ TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
     EXPECT_EQ(pump.mScaleFactor, 0.5);
     EXPECT_EQ(pump.mUnit, "bar");
 
-    auto elements = std::make_shared<DeviceModel::Elements>();
-    elements->emplace(DeviceModel::Key{"Measurement.BatteryVoltage", ""}, ElementOf(0));
-    elements->emplace(DeviceModel::Key{"two", ""}, ElementOf(0));
-    elements->emplace(DeviceModel::Key{"two", ""}, ElementOf(0));
-    elements->emplace(DeviceModel::Key{"lost", ""}, ElementOf(9));
+    auto elements = ElementsOf({{{"Measurement.BatteryVoltage", ""}, ElementOf(0)},
+                                {{"two", ""}, ElementOf(0)},
+                                {{"two", ""}, ElementOf(0)},
+                                {{"lost", ""}, ElementOf(9)}});
     const DeviceModel ofElements(elements, MakeFrames(1), {{"625", "V"}}, {}, {}, true);
     const auto battery = ofElements.GetMeasurementInformation("625");
     EXPECT_EQ(battery.mFunctionCode, ModbusFunctionCode::READ_INPUT_REGISTERS);
@@ -74,8 +77,7 @@ TEST(Measurement, ItsInformationComesFromItsAdapterOrItsOneElement) {
     EXPECT_EQ(battery.mUnit, "V");
     EXPECT_EQ(ofElements.GetMeasurementInformation("lost").mFunctionCode, ModbusFunctionCode{});
     EXPECT_TRUE(log.Lines().empty());
-    auto inNoFrame = std::make_shared<DeviceModel::Elements>();
-    inNoFrame->emplace(DeviceModel::Key{"lost", ""}, ElementOf(255));
+    auto inNoFrame = ElementsOf({{{"lost", ""}, ElementOf(255)}});
     const DeviceModel ofAllFrames(inNoFrame, MakeFrames(256), {}, {}, {}, true);
     EXPECT_EQ(ofAllFrames.GetMeasurementInformation("lost").mFunctionCode, ModbusFunctionCode{});
 
@@ -117,19 +119,13 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     EXPECT_EQ(Number(ofObjects.GetFramesForIoTNameAndAlias("object", "", frames)), 0);
     EXPECT_EQ(Indexes(frames), Expected{1});
 
-    using Dependencies = std::vector<LogicCodeDependency>;
-    const auto dependencies =
-        std::make_shared<Dependencies>(Dependencies{{"factor", "x", nullptr}, {"unknown", "", nullptr}});
-    auto elements = std::make_shared<DeviceModel::Elements>();
-    elements->emplace(
-        DeviceModel::Key{"power", ""},
-        std::make_shared<ExtendedElementData>(std::uint16_t{100}, std::uint8_t{1}, std::make_shared<Bytes>(2), 1.0,
-                                              nullptr, LogicCodeIdentifier{36}, std::uint8_t{0}, "", 0.0F, nullptr,
-                                              std::uint16_t{0}, 0U, dependencies, ByteOrderingEnum::DEVICE_ORDER));
-    elements->emplace(DeviceModel::Key{"factor", "x"}, ElementOf(2));
-    elements->emplace(DeviceModel::Key{"factor", "x"}, ElementOf(1));
-    elements->emplace(DeviceModel::Key{"nowhere", ""}, ElementOf(255));
-    elements->emplace(DeviceModel::Key{"nowhere", ""}, nullptr);
+    const std::vector<LogicCodeDependency> dependencies{{"factor", "x", nullptr}, {"unknown", "", nullptr}};
+    const auto power = std::make_shared<ExtendedElementData>(MakeExtended({.code = 36}, dependencies));
+    auto elements = ElementsOf({{{"power", ""}, power},
+                                {{"factor", "x"}, ElementOf(2)},
+                                {{"factor", "x"}, ElementOf(1)},
+                                {{"nowhere", ""}, ElementOf(255)},
+                                {{"nowhere", ""}, nullptr}});
     const DeviceModel ofElements(elements, MakeFrames(3), {}, {}, {}, true);
     EXPECT_EQ(ask(ofElements, "power"), (Expected{0, 1, 2}));
     EXPECT_EQ(ask(ofElements, "factor", "x"), (Expected{1, 2}));
