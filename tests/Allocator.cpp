@@ -37,8 +37,7 @@ bool MemoryShortage::HasStruck() const {
 
 }  // namespace kzm::Testing
 
-// All of them, as a sanitizer brings its own for each that is missing. None is inlined, else GCC sees memory of one
-// allocator go to another and warns.
+// Complete, because a sanitizer supplies each one that is missing. Not inlined, or GCC warns of mismatched allocators.
 [[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return kzm::Testing::IsToFail() ? nullptr : std::malloc(size);
 }

@@ -4,13 +4,13 @@
 #include <initializer_list>
 #include <new>
 
-// The operator new of the test programs: it counts, and fails when it is told to.
+// The test programs' operator new counts allocations and can be made to fail.
 namespace kzm::Testing {
 
-// How often this thread has asked for memory.
+// The number of allocations of this thread so far.
 std::size_t CountAllocations();
 
-// For the life of this object memory runs short for this thread: at the n-th time that it asks, or from then on.
+// While this object lives, the n-th allocation of this thread fails; if lasting, all later ones fail, too.
 class MemoryShortage {
 public:
     MemoryShortage(std::size_t n, bool isLasting);
@@ -21,8 +21,8 @@ public:
     bool HasStruck() const;
 };
 
-// Runs an action with its first allocation failing, its second and so on, and `check` after each: until the action asks
-// for no more. An action may end with std::bad_alloc and with nothing else. Returns how many shortages there were.
+// Runs an action with its first allocation failing, then its second and so on until none is left to fail, and `check`
+// after each run. The action may throw std::bad_alloc and nothing else. Returns the number of failed allocations.
 template <typename Action, typename Check>
 std::size_t RunShortOfMemory(Action action, Check check) {
     std::size_t shortages = 0;

@@ -27,7 +27,7 @@ using StandIn::StoppedClock;
 inline constexpr std::uint64_t NOW = 1'700'000'000'000;
 inline constexpr const char* NOW_TEXT = "2023-11-14T22:13:20.000Z";
 
-// Hands out the same bytes whatever is asked for, frame by frame. Throws for a frame that it does not have.
+// Returns all bytes of a frame whatever the address and count. Throws for a frame that it does not have.
 struct TestCache : CacheReadAccessInterface {
     struct Frame {
         Bytes bytes;
@@ -66,7 +66,7 @@ inline int Number(StatusCode status) {
     return static_cast<int>(status);
 }
 
-// "status quality value" as a call leaves a caller's quality and value.
+// "status quality value" after a call that takes the quality and the value by reference.
 template <typename Call>
 std::string OutcomeOf(Call call, _Quality_t quality = QUALITY_QUESTIONABLE, json value = "before") {
     const StatusCode status = call(quality, value);

@@ -37,7 +37,7 @@ inline Bytes Hex(const std::string& text) {
     return bytes;
 }
 
-// An element of frame 0 at register 100. What is not said is usual: a mask of all ones, no pattern, no scaling.
+// An element of frame 0 at register 100; by default with a mask of all ones, no pattern and no scaling.
 struct Traits {
     int code = 2;
     double scale = 1.0;
@@ -86,7 +86,7 @@ inline std::string Typed(const json& value) {
     return type + value.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 
-// What Build makes of bytes: the typed value or "refused" when it returns false, "!" behind it when invalid.
+// The outcome of Build: the typed value, or "refused" for false; followed by "!" if flagged invalid.
 inline std::string Built(ElementData& element, const std::string& hex, bool deviceBigEndian = true,
                          ServiceImpl::IValueProcesser* processer = nullptr) {
     Bytes bytes = Hex(hex);

@@ -33,7 +33,7 @@ TEST(RegisterCache, GivesExactlyTheRegistersOfTheFrame) {
     cache.Update(2, Registers{0xFEFE, 0xFFFF}, 1000);
     cache.Update(3, Registers{0x0505, 0x0606}, 1000);
     cache.Update(4, Registers{}, 1000);
-    // Frame, address, count, capacity of the buffer, and the data; without data nothing is given.
+    // Frame, address, count, capacity of the buffer, expected data (empty: refused).
     // clang-format off
     const std::tuple<std::uint8_t, std::uint16_t, std::uint8_t, std::uint32_t, Bytes> rows[] = {
         {0, 100, 4, 256, {1, 2, 3, 4, 0xF5, 0xF6, 7, 8}}, {0, 102, 1, 2, {0xF5, 0xF6}},

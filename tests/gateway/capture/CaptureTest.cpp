@@ -8,7 +8,6 @@ namespace kzm::ModbusGateway::CaptureTest {
 
 using ModbusDeviceModel::ModbusFunctionCode;
 using ModbusDeviceModel::DeviceCache::QUALITY_BAD;
-using ModbusDeviceModel::DeviceCache::QUALITY_GOOD;
 
 constexpr std::uint64_t TIME = 1773480413589;  // 2026-03-14T09:26:53.589Z
 

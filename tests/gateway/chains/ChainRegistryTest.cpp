@@ -1,7 +1,5 @@
 #include "gateway/chains/ChainRegistry.h"
 
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
 #include "gateway/profile/ProfileTesting.h"
@@ -11,7 +9,7 @@ namespace kzm::ModbusGateway::ChainRegistryTest {
 using ModbusDeviceModel::ProcessingChain;
 constexpr auto NUMBER = ModbusDeviceModel::ProcessingChainOperandType::NUMBER;
 
-// "value" above a limit.
+// True for an input above a limit.
 class Above final : public ProcessingChain {
 public:
     Above(double limit, const char* input, bool isLabel = false)

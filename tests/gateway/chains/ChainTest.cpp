@@ -23,7 +23,7 @@ Names KeysOf(const json& object) {
     return keys;
 }
 
-// The result, or "status N" where there is none; whether a number is an integer shows.
+// The result as JSON text, or "status N" where there is none.
 std::string Outcome(const ChainFactory::Result& made, const json& parameters) {
     const StandIn::CapturedLog unseen;
     json result = "untouched";
@@ -161,7 +161,7 @@ std::string Written(const ChainFactory::Result& made) {
     return text;
 }
 
-// Of each row the parameters are the names of the inputs, the outcome is the beginning of the faults.
+// In these rows `parameters` lists the names of the inputs, and `outcome` is how the faults start.
 TEST(ChainFactory, AFaultTellsItsPlaceAndWhatIsAllowed) {
     const Row rows[] = {
         {"sums", "{}", "a", R"(/chain: there is no chain "sums"; did you mean "sum"? Allowed: "sum", "difference", )"},

@@ -15,7 +15,7 @@ namespace kzm::ModbusGateway::ModbusConnectionTest {
 using namespace std::chrono_literals;
 using ModbusDeviceModel::ModbusFunctionCode;
 
-// A pseudo terminal keeps all settings of a line but the one whether there is parity.
+// A pseudo-terminal keeps every setting of a line except PARENB.
 termios SettingsOf(const ScriptedDevice& device, const SerialPort& port) {
     ModbusConnection connection({.line = port, .timeout = 1s});
     std::uint16_t value = 0;

@@ -9,7 +9,6 @@
 #include <csignal>
 #include <memory>
 #include <optional>
-#include <stdexcept>
 #include <thread>
 
 #include "gateway/modbus/ScriptedDevice.h"
@@ -90,7 +89,7 @@ TEST(ModbusReader, GoesOnAndRecoversFromFaultyAnswers) {
     }
     const FaultRow onASerialLine[] = {
         {"exception", {EXCEPTION}, 0, "Slave device or server failure", QUALITY_BAD},
-        // A request for as many registers comes next, and the answer does not tell to which it belongs.
+        // The next request asks for as many registers, and an answer does not say which request it belongs to.
         {"late", {ANSWER, ANSWER, LATE}, 1, "Connection timed out"},
         {"too few registers", {TOO_FEW}, 0, "Invalid data"},
         {"disturbed", {MISFIT}, 0, "Invalid CRC"}};
@@ -128,7 +127,7 @@ TEST(ModbusReader, DoesNotWaitForASilenceThatNeverComes) {
     }
 }
 
-// A port of loopback that takes no further connection, so that whoever connects waits.
+// A port on loopback whose queue is full, so that whoever connects waits.
 class FullListener {
 public:
     FullListener() {

@@ -20,13 +20,13 @@ namespace kzm::ModbusGateway {
 // How a scripted device treats one request.
 enum class Treatment { ANSWER, TWICE, EXCEPTION, CLOSE, LATE, TRUNCATED, TOO_FEW, MISFIT, MISFITS, GARBAGE };
 
-// A device whose registers hold their own addresses, and which treats the next requests as it is told to, later ones
-// well. It serves one connection at a time. MISFITS are sent for 3 s.
+// A device whose registers hold their own addresses. It treats the next requests as told and answers all later ones
+// properly; it serves one connection at a time. MISFITS are sent for 3 s.
 class ScriptedDevice {
 public:
     explicit ScriptedDevice(std::uint16_t port)
         : mLine(ListenOn("127.0.0.1", port)), mThread([this](std::stop_token stop) { ServeTcp(stop); }) {}
-    // At one end of a pseudo terminal. A late answer comes that long after its request.
+    // At one end of a pseudo-terminal; `lateness` is the delay of a LATE answer.
     explicit ScriptedDevice(std::chrono::milliseconds lateness) : mIsSerial(true), mLateness(lateness) {
         int device = -1;
         int line = -1;

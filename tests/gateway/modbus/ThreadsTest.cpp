@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
@@ -19,7 +17,7 @@ using std::chrono::steady_clock;
 
 constexpr std::uint16_t REGISTERS = 100;
 
-// Every byte of the frame is the same letter, the next update's is the next one: what is read of two updates shows two.
+// All bytes of an update are the same letter, and each update has another: a mixture of two updates shows two letters.
 constexpr const char* PROFILE = R"({
 "device": {"model": "M"},
 "frames": [{"name": "frame", "function": "holding", "address": 0, "count": 100}],
@@ -44,7 +42,7 @@ bool IsWhole(const json& value) {
     return number <= 1 || number % 0x01010101 == 0;
 }
 
-// What one thread of a service asks for, again and again, with a map of previous values of its own.
+// One thread of a service: reads all objects and the alarm again and again, with its own map of previous values.
 std::size_t ReadUntil(const std::atomic<bool>& stop, const LoadedProfile& profile,
                       const std::shared_ptr<RegisterCache>& cache) {
     const auto previous = std::make_shared<PreviousMeasurements::element_type>();
@@ -72,7 +70,7 @@ void DisturbUntil(const std::atomic<bool>& stop) {
     auto& logger = RootLogger::GetInstance();
     for (int i = 0; !stop; ++i) {
         logger.SetSink([lines = 0](auto, const char*) mutable { ++lines; });
-        // Mostly off: lines are printed one at a time, which would keep the readers in step.
+        // Mostly off: the log's lock would serialise the readers.
         logger.SetLevel(i % 10 == 0 ? Log::OrbaLogLevel::TRACE : Log::OrbaLogLevel::NONE);
         EXPECT_TRUE(ProfileLoader::Load(PROFILE).profile);
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -99,7 +97,7 @@ void PollUntil(const std::atomic<bool>& stop, const LoadedProfile& profile, Regi
     EXPECT_GT(rounds, 0U);
 }
 
-// For a second, or for as many as the environment's KZM_SOAK_SECONDS says.
+// Runs for one second, or for KZM_SOAK_SECONDS from the environment.
 TEST(ThreadsOnOneDevice, ReadersSeeEveryFrameWholeAndFreshWhileItIsWritten) {
     const auto loaded = ProfileLoader::Load(PROFILE);
     ASSERT_TRUE(loaded.profile) << Written(loaded.problems);

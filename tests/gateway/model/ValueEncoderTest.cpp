@@ -1,7 +1,5 @@
 #include "gateway/model/ValueEncoder.h"
 
-#include <gtest/gtest.h>
-
 #include "src/TestElement.h"
 
 namespace kzm::ModbusGateway::ValueEncoderTest {
@@ -21,7 +19,7 @@ std::string Words(const EncodedValue::Registers& registers) {
     return text;
 }
 
-// The registers, if they read back as the value; else why the value is refused. Bits of neighbours are all set.
+// The registers if they read back as the value, else why it is refused. All bits outside the mask are 1.
 std::string Write(const Traits& traits, const std::string& text, bool deviceBigEndian) try {
     ElementData element = MakeElement(traits);
     const EncodedValue encoded = EncodeValue(element, deviceBigEndian, text);
@@ -85,7 +83,7 @@ const Row ROWS[] = {
     {{.code = 32, .registers = 4}, "1e+300", "7E37 E43C 8800 759C"},
     {{.code = 38, .registers = 2}, "16777217", "16777217 would be read back as 16777216"},
     {{.code = 33, .scale = 3, .offset = 0.1F, .registers = 2}, "0", "BD08 8888"},
-    // What the last raw values are shown as.
+    // Values shown for the first and last raw values of a type.
     {{.code = 2, .scale = 0.1}, "6554", "FFFF"}, {{.code = 2, .scale = 0.1}, "6555", "6555 is out of range"},
     {{.code = 25, .scale = 0.1}, "-3277", "8000"}, {{.code = 25, .scale = 0.01, .offset = 5}, "333", "7FFF"},
     {{.code = 24, .registers = 4}, "9223372036854775807", "7FFF FFFF FFFF FFFF"},

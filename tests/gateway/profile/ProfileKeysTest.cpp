@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <numeric>
 
 #include "edm/modbus/Vorta.h"
@@ -9,7 +7,7 @@ namespace kzm::ModbusGateway::ProfileKeysTest {
 
 using namespace nlohmann::literals;
 
-// One element or object a line, so that the rows of the tests can name lines.
+// One element or object per line, so that test rows can name lines.
 const std::string PROFILE = R"({
 "frames": [{"name": "a", "function": "holding", "address": 0, "count": 8}],
 "enumerations": {"alarm": {"0": "Inactive", "1": "Active"}, "validity": {"0": "Invalid", "1": "Good"}},
@@ -58,7 +56,7 @@ TEST(ProfileKeys, AnObjectThatIsAKeyHasTheDictionarysStructureFilled) {
     EXPECT_EQ(alarm["elements"]["state"], R"({"name": "Alarm.ActiveState", "value": "Active", "mode": "Ro",
         "datetime": "1970-01-01T00:16:40.000Z", "quality": "Good"})"_json);
     EXPECT_EQ(alarm["elements"]["criticality"]["value"], "High");
-    // What is stated counts, the rest is the dictionary's; nothing feeds phase C.
+    // What the profile states takes precedence over the dictionary; nothing feeds phase C.
     const json loss = Filled(profile, 3, cache)["elements"];
     EXPECT_EQ((json{loss["state"]["value"], loss["state"]["datetime"]}),
               (json{"Active", "2026-03-02T14:05:33.000+00:00"}));

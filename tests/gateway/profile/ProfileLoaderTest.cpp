@@ -1,7 +1,5 @@
 #include "gateway/profile/ProfileLoader.h"
 
-#include <gtest/gtest.h>
-
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/capture/Capture.h"
 #include "gateway/chains/ChainTable.h"
@@ -9,7 +7,7 @@
 
 namespace kzm::ModbusGateway::ProfileLoaderTest {
 
-// One member, element or object a line, so that the rows of the tests can name lines.
+// One member, element or object per line, so that test rows can name lines.
 const std::string PROFILE = R"({
 "device": {"model": "M", "version": "2", "wordOrder": "little", "identification": {"Vendor": "V"}, "baseConcept": 7},
 "frames": [

@@ -1,12 +1,10 @@
-#include <gtest/gtest.h>
-
 #include "gateway/json/ProblemText.h"
 #include "gateway/profile/ProfileTesting.h"
 #include "kzm/StandIn/CapturedLog.h"
 
 namespace kzm::ModbusGateway::ProfileSectionsTest {
 
-// One element or object a line, so that the rows of the tests can name lines.
+// One element or object per line, so that test rows can name lines.
 const std::string PROFILE = R"({
 "frames": [
 {"name": "a", "function": "holding", "address": 0, "count": 10},

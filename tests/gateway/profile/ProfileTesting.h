@@ -62,7 +62,7 @@ inline json ObjectOf(const LoadedProfile& profile, const std::shared_ptr<Registe
     return object.GetValue();
 }
 
-// The four parts of a line "a => b => c => d", of which the last ones may be missing.
+// Splits "a => b => c => d" into its four parts; missing ones are empty.
 inline std::vector<std::string> SplitRow(std::string line) {
     std::vector<std::string> parts;
     for (line.insert(0, " "); parts.size() < 4;) {
@@ -73,8 +73,8 @@ inline std::vector<std::string> SplitRow(std::string line) {
     return parts;
 }
 
-// Makes changes of a profile, one a line: what stands in it => what it becomes => the beginning of the one problem that
-// it makes => what stands further on in it. Lines that begin with "//" are headings.
+// Applies one change per line to a profile: text to replace => replacement => how the one resulting problem starts =>
+// what else its text contains. Lines that begin with "//" are headings.
 inline void ExpectOneProblemEach(const std::string& profile, const std::string& changes) {
     std::istringstream lines(changes);
     for (std::string line; std::getline(lines, line);) {

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "Allocator.h"
 #include "gateway/capture/Capture.h"
 #include "gateway/profile/ProfileTesting.h"
@@ -13,7 +11,7 @@ using Log::OrbaLogLevel;
 using ModbusDeviceModel::DataModel::PreviousMeasurements;
 using Testing::RunShortOfMemory;
 
-// A profile of profiles/ and one of its captures.
+// An example profile and one of its captures.
 struct ExampleProfile {
     explicit ExampleProfile(const std::string& name) : ExampleProfile(name, name) {}
     ExampleProfile(const std::string& name, const std::string& captureName) {
@@ -34,8 +32,7 @@ struct ExampleProfile {
     Capture capture;
 };
 
-// What a request left in an object that it could not complete: nothing but attributes that it would have written, and
-// the quality of a value that could not be had.
+// An incomplete request may leave only attributes that a complete one writes, and quality "Bad" for a missing value.
 void ExpectPartOf(const json& whole, const json& left) {
     const json expected = whole.flatten(), written = left.flatten();
     for (const auto& [pointer, leaf] : written.items()) {
@@ -51,7 +48,7 @@ json Records(const PreviousMeasurements& previous) {
     return records;
 }
 
-// Log lines go nowhere, which takes no memory.
+// Discards log lines without allocating.
 struct SilentLog {
     explicit SilentLog(OrbaLogLevel level) {
         Log::RootLogger::GetInstance().SetSink([](OrbaLogLevel, const char*) {});
@@ -87,7 +84,7 @@ TEST(ShortMemory, LeavesObjectsThatTheNextRequestCompletes) {
     }
 }
 
-// An evaluation that failed has not used up the change that it compares: the next one tells it.
+// A failed evaluation does not consume the change: the next one still reports it.
 TEST(ShortMemory, LosesNoAlarm) {
     const ExampleProfile example("energy-meter", "energy-meter.series");
     const SilentLog log(OrbaLogLevel::TRACE);

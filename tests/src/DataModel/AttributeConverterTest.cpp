@@ -18,7 +18,7 @@ std::string Ask(AttributeConverter& converter, const std::shared_ptr<CacheReadAc
     });
 }
 
-// A cache that answers as it is told.
+// A cache whose answer is a function of the test.
 struct ToldCache : TestCache {
     std::uint32_t ReadFrame(const std::uint8_t&, const std::uint16_t&, std::uint8_t, std::uint8_t* buffer,
                             std::uint32_t, _Quality_t& quality) const override {
@@ -98,7 +98,7 @@ TEST(AttributeConverter, ACacheThatLiesIsNeverBelieved) {
     EXPECT_EQ(Ask(*MakeConverter({}), cache), nothing);
 }
 
-// What a request waits for is left by a thread that is cancelled, like any other call.
+// pthread_cancel unwinds a request that waits within the cache or the log.
 TEST(ThreadsAttributeConverter, ACancelledThreadEndsWithinTheCacheAndWithinALogLine) {
     const auto isCancelled = [](std::function<void()> request, std::promise<void>& isWaiting) {
         pthread_t thread{};

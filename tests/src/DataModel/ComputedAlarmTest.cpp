@@ -173,7 +173,7 @@ TEST(ComputedAlarm, AHasChangedAlarmKeepsTheMeasurementForTheNextEvaluation) {
         EXPECT_EQ((*previous)["alarmstate"].timestamp, NOW + time);
     }
     EXPECT_EQ(previous->size(), 1U);
-    // A value that could not be had is not kept.
+    // A value that could not be read is not stored.
     const StoppedClock clock(NOW);
     EXPECT_EQ(Evaluate(alarm, nullptr, previous), "42 Bad \"before\"");
     EXPECT_EQ((*previous)["alarmstate"].value, 5);

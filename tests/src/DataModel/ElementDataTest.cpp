@@ -79,7 +79,7 @@ TEST(ElementData, TheNotAvailablePatternIsComparedAfterTheSwapAndBeforeTheMask) 
                   row.expected)
             << row.pattern << " on " << row.bytes;
     }
-    // Characters behind the first differing byte are never looked at.
+    // Characters after the first differing byte are not parsed.
     EXPECT_EQ(Decode({.pattern = "0x01ZZ"}, "0002"), "u2");
     EXPECT_THROW(Decode({.pattern = "0xZZ00"}, "0002"), std::invalid_argument);
     EXPECT_THROW(Decode({.pattern = "0x01ZZ"}, "0102"), std::invalid_argument);

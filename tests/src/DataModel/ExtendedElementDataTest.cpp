@@ -5,7 +5,7 @@
 
 namespace kzm::ModbusDeviceModel::Test::ExtendedElementDataTest {
 
-// Answers by name; keeps what it was asked for.
+// Answers by name and records the questions.
 struct Answers : ServiceImpl::IValueProcesser {
     explicit Answers(std::map<std::string, json> given) : answers(std::move(given)) {}
     bool GetValue(const std::string& name, json& value) override {
@@ -73,7 +73,7 @@ TEST(ExtendedElementData, AScaledPowerTakesItsExponentFromTheLastNumericAnswer) 
             EXPECT_EQ(answers.asked, "a=1 b=\"default\" ");
         }
     }
-    // A text is a number with blanks around it, or no answer.
+    // A text counts if it is a number, with or without blanks around it.
     for (const char* const text : {"2", "+2", " 2", "2 ", "\t+2.0 ", "0.2e1"}) {
         Answers answers(std::map<std::string, json>{{"b", text}});
         EXPECT_EQ(Extended({.code = 34}, "0007", &answers), "f700.0") << text;

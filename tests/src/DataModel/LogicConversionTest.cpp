@@ -109,7 +109,7 @@ TEST(LogicConversion, ThePowerFactorTellsQuadrantAndNatureOfTheLoad) {
     });
 }
 
-// A frequency class that is unknown leaves the value as it was.
+// An unknown frequency class leaves the value untouched.
 TEST(LogicConversion, NumbersThatAreTexts) {
     Check({
         {53, "00000032", "i-2"}, {53, "0000003C", "i-2"}, {53, "00000190", "i-1"}, {53, "00000033", "\"before\""},
@@ -157,7 +157,7 @@ TEST(LogicConversion, AnEnumerationGivesTheFirstLabelThatMatches) {
     EXPECT_EQ(Decode({.code = 11, .mask = "00F0", .pairs = trip}, "FF5F"), "\"Trip\"");
     EXPECT_EQ(Decode({.code = 1, .mask = "F0", .pairs = trip}, "5F"), "\"Trip\"");
     EXPECT_EQ(Decode({.code = 11, .mask = "FFFF0000", .pairs = trip}, "0005"), "\"Off\"");
-    // Without pairs the number itself.
+    // Without pairs, the number itself.
     EXPECT_EQ(Decode({.code = 0, .mask = "0F00"}, "1234"), "\"2\"");
     EXPECT_EQ(Decode({.code = 9}, "FFFF"), "\"65535\"");
     EXPECT_EQ(Decode({.code = 23}, "01FF"), "\"255\"");
@@ -182,7 +182,7 @@ TEST(LogicConversion, FloatAndTextPairsMatchExactly) {
     EXPECT_EQ(Decode({.code = 42}, "4142"), "null");
 }
 
-// Calls what derived classes may call.
+// Calls the protected interface for derived classes.
 struct Encoder : ElementData {
     explicit Encoder(const Traits& traits) : ElementData(MakeElement(traits)) {}
     template <typename T>

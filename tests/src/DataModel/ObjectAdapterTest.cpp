@@ -36,7 +36,7 @@ std::shared_ptr<DataObjectAdapter> MakeObject(const std::map<AttributeAdapterTyp
     return object;
 }
 
-// Fills an object that holds `before`; the status and what the object then holds, or the JSON library's exception.
+// Fills an object that holds `before`: "status value" or "exception id".
 std::string Fill(VortaObjectAdapter& adapter, const std::shared_ptr<TestCache>& cache = nullptr,
                  const char* before = "{}") try {
     VortaORBAObject object("id", "name", "alias", json::parse(before));
@@ -112,7 +112,7 @@ TEST(DataObjectAdapter, WritesValueQualityAndDateTime) {
                                    {TIMESTAMP, Constant("then")}},
                                   "a/b");
     EXPECT_EQ(Fill(*whole, cache), R"(0 {"elements":{"a":{"b":{"datetime":"then","quality":"Good","value":7}}}})");
-    // A data object as the input of another brings its own rules along.
+    // A data object that is the value of another follows its own rules.
     const auto outer = MakeObject({{VALUE, whole}, {TIMESTAMP, Constant(5)}});
     EXPECT_EQ(Fill(*outer, cache), R"(0 {"datetime":5,"quality":"Good","value":7})");
 }

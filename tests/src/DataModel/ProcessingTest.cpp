@@ -10,7 +10,7 @@ namespace kzm::ModbusDeviceModel::Test::ProcessingTest {
 using Type = ProcessingChainOperandType;
 static_assert(std::is_convertible_v<Type, std::uint32_t> && NUMBER == 1, "a plain enumeration");
 
-// An input of a fixed answer.
+// An input with a fixed answer.
 struct Input : AttributeConstant {
     Input(json value, _Quality_t answerQuality = QUALITY_GOOD, int number = 0)
         : AttributeConstant(value), answer(value), quality(answerQuality), status(static_cast<StatusCode>(number)) {}

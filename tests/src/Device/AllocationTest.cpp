@@ -9,7 +9,7 @@ namespace kzm::ModbusDeviceModel::Test {
 
 using Testing::CountAllocations;
 
-// A request that finds the attributes in place allocates for the texts that it writes into them, and for nothing else.
+// Once an object has its attributes, a request allocates only the texts that it writes into them.
 TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     const StoppedClock clock(NOW);
     const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");
@@ -34,7 +34,7 @@ TEST(DeviceModel, ARequestAllocatesOnlyItsJsonTexts) {
     EXPECT_EQ(CountAllocations() - before, forTexts);
 }
 
-// The chain takes five seconds, so that the date-time is made anew once the previous value has been replaced.
+// The chain takes five seconds, so the date-time is formatted again after the previous value was replaced.
 TEST(CustomAlarm, AnOutcomeIsWrittenWhereverItsPreviousValueWasReplaced) {
     const StoppedClock clock(NOW);
     const CapturedLog quiet(OrbaLogLevel::NONE);

@@ -112,7 +112,7 @@ TEST(DeviceModel, AnAdapterMayReleaseTheModelDuringItsRequest) {
     EXPECT_TRUE(alive.expired());
 }
 
-// A sink that throws loses its line, one that hangs keeps those waiting that have a line for it; nothing else.
+// A sink that throws loses its line; one that hangs blocks only requests that log.
 TEST(ThreadsDeviceModel, ALogSinkThatFailsOrHangsStopsNoRequest) {
     const StoppedClock clock(NOW);
     const std::shared_ptr<CacheReadAccessInterface> cache = MakeCache("00010002");

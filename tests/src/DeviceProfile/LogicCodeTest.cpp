@@ -44,19 +44,12 @@ TEST(LogicCode, TheClassNameFollowsTheKindOfValue) {
     };
     EXPECT_EQ(statusOf(static_cast<int>(LogicCodeRows().size())), 44);
     EXPECT_EQ(statusOf(255), 44);
+    EXPECT_EQ(RowOf(LogicCodeIdentifier{255}).name, "");
     EXPECT_EQ(name, "before");
     for (int code = 0; code < 63; ++code) {
         EXPECT_EQ(statusOf(code), 0) << code;
         EXPECT_EQ(name, expected(code)) << code;
     }
-}
-
-TEST(LogicCode, AnUnknownOneHasNoConversion) {
-    const auto& unknown = RowOf(LogicCodeIdentifier{255});
-    EXPECT_EQ(unknown.family, Family::NONE);
-    EXPECT_EQ(unknown.valueClass, ValueClass::NONE);
-    EXPECT_EQ(unknown.name, "");
-    EXPECT_EQ(RowOf(LogicCodeIdentifier{9}).labelType, EnumerationType::UNSIGNED_INTEGER);
 }
 
 TEST(EnumerationPairData, AreOrderedByTypeValueAndLabel) {

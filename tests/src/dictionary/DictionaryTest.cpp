@@ -59,7 +59,7 @@ std::string_view KeyOf(const std::pair<DictionaryText, Mapped>& value) {
     return value.first;
 }
 
-// Holds a container of the dictionary against a standard set of its keys, for keys that it has and that it has not.
+// Compares a container of the dictionary with a std::set of its keys, for present and absent keys.
 template <typename Container>
 void ExpectOrdered(const Container& container) {
     std::set<std::string> keys;
@@ -94,7 +94,7 @@ json SkeletonOf(const json& structure) {
     return structure.at("IoTElementDynamicClassForDevice");
 }
 
-// An element of an alarm, with further members beside these three.
+// An element of an alarm: name, value, mode and further members.
 json AlarmElement(const std::string& name, json more, const json& value = nullptr) {
     more.update({{"name", name}, {"value", value}, {"mode", "Ro"}});
     return more;
@@ -132,7 +132,7 @@ TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
         {MEASUREMENT, "measurement|DTMinPF;MinPFTtl|datetime=DTMinPF,value=MinPFTtl|ElectricalMeasurement.TotalRmsMinPowerFactor||$iot.measurement.NumericalMeasurementValue<Float>"},
         {MEASUREMENT, "measurement|DTMaxkVATtl;MaxVA_Ttl|datetime=DTMaxkVATtl,value=MaxVA_Ttl|ElectricalMeasurement.TotalMaxApparentPower|VA|$iot.measurement.NumericalMeasurementValue<Float>"},
         {MEASUREMENT, "measurement|DTPkkWAD;PkWAD|datetime=DTPkkWAD,value=PkWAD|ElectricalMeasurement.DemandMaxActivePowerPhsA|W|$iot.measurement.electrical.DemandMaxMeasurement"},
-        // A date-time that is no part of the key.
+        // A date-time that is not part of the key.
         {MEASUREMENT, "measurement|PkWDDel-Rec|datetime=DTPkWDDel-Rec,value=PkWDDel-Rec|ElectricalMeasurement.DemandMaxActivePowerDeliveredLessReceived|W|$iot.measurement.electrical.DemandMaxMeasurement"},
         {TIMESTAMPED_VALUE, "measurement|ZCAP1_BrokenStStep10;ZCAP1_BrokenStStep10_Qual|value=ZCAP1_BrokenStStep10,quality=ZCAP1_BrokenStStep10_Qual|ElectricalMeasurement.BrokenStatusCapacitorBankStep10||$iot.measurement.DiscreteMeasurementValue<String>"},
         {MEASUREMENT, "measurement|Hz|value=Hz|ElectricalMeasurement.RmsFrequency|Hz|$iot.measurement.NumericalMeasurementValue<Float>"},
@@ -143,7 +143,7 @@ TEST(Dictionary, TellsWhatIsKnownOfAnElement) {
         {MEASUREMENT, "measurement|VAHrCRec_Nonreset|value=VAHrCRec_Nonreset|ElectricalMeasurement.ApparentEnergyReceivedNonResettablePhsC|VAh|$iot.measurement.NumericalMeasurementValue<Integer>"},
         {MEASUREMENT, "measurement|SPDC1_PulseNPRPhsBAng07|value=SPDC1_PulseNPRPhsBAng07|ElectricalMeasurement.PartialDischargePulseRatePhsBAngle07|1/s|$iot.measurement.NumericalMeasurementValue<Float>"},
         {MEASUREMENT, "measurement|TCM1_PM2_5|value=TCM1_PM2_5|EnvironmentalMeasurement.ParticulateMatter2_5Concentration||$iot.measurement.NumericalMeasurementValueWithInformation<Float>"},
-        // Of unknown keys nothing is known; a part of a key is none, nor is the id that feeds an element.
+        // Unknown keys: part of a key and the id that feeds an element are not keys.
         {MEASUREMENT, "|||||$iot.measurement.NumericalMeasurementValue"},
         {MEASUREMENT, "|MinIA||||$iot.measurement.NumericalMeasurementValue"},
         {MEASUREMENT, "|DTMinIA;MinIA ||||$iot.measurement.NumericalMeasurementValue"},

@@ -4,7 +4,7 @@
 
 namespace kzm::DataHandler::Alarm {
 
-// A platform that tells its alarm period only at run time.
+// A platform whose alarm period is known only at run time.
 class Engine {
 public:
     static const std::uint16_t EXPECTED_ALARM_PROCESSING_TIME_SEC;
