@@ -59,6 +59,8 @@ class FilesTest(unittest.TestCase):
             (3, ["capture", PROFILE, "--tcp", "a"], ["-o", ""], r"cannot write: No such file"),
             (5, SHOW, [CAPTURE, "--object", "level"], r'"level"; did you mean "Level/east" or "Level/west"\?'),
             (5, SHOW, [CAPTURE, "--object", "Flow/x"], r'"Flow/x"; did you mean "Flow"\?'),
+            *[(5, SHOW, [CAPTURE, "--at", at], f'no snapshot at "{at}"; the capture has 1 snapshot, from .*33.000Z to .*33.000Z; give a number')
+              for at in ("0", "2", "09:27")],
             (5, ["show", f"{PROFILES}/energy-meter.jsonc", "--capture"], [f"{PROFILES}/energy-meter.capture.json", "--object", "hz"], r'did you mean "Hz"\?'),
         ]
         for status, command, arguments, text in rows:
@@ -126,6 +128,9 @@ class FilesTest(unittest.TestCase):
                            line["why"].split("; ")[1:]) for line in lines],
                          [("00", 1, []), ("12", 1, []), ("13", None, ["out: frame slow is out of date (13 s)"]),
                           ("14", 2, [])])
+        for at, shown in [("1", 0), ("3", 2), ("2026-03-14T09:26:14.000Z", 3), ("26:12", 1)]:
+            self.assertEqual(run(*SHOW, series, "--object", "Heat", "--json", "--at", at).stdout.splitlines(),
+                             done.stdout.splitlines()[shown:shown + 1])
         self.assertRegex(run(*SHOW, series).stdout,
                          r"(?s)^2026-03-14T09:26:00.000Z\nNAME.*\n\n2026-03-14T09:26:12.000Z\nNAME")
 

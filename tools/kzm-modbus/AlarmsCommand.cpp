@@ -2,12 +2,12 @@
 #include <optional>
 
 #include "AlarmReading.h"
-#include "CaptureClock.h"
 #include "Commands.h"
 #include "DeviceErrors.h"
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
+#include "Replay.h"
 #include "Text.h"
 #include "TextTable.h"
 #include "kzm/DateTime/DateTime.h"
@@ -120,11 +120,7 @@ ExitStatus WatchAlarms(const AlarmsOptions& options) {
         return ExitStatus::OK;
     }
     const Capture capture = LoadCapture(options.capture, *profile);
-    for (const Capture::Snapshot& snapshot : capture.snapshots) {
-        const CaptureClock clock(snapshot.time);
-        Capture::Restore(snapshot, *cache);
-        watch.Evaluate();
-    }
+    Replay(capture, capture.snapshots.size() - 1, *cache, [&](std::size_t, Milliseconds) { watch.Evaluate(); });
     return ExitStatus::OK;
 }
 

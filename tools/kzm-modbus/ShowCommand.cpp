@@ -1,11 +1,11 @@
 #include <iostream>
 
-#include "CaptureClock.h"
 #include "Commands.h"
 #include "Files.h"
 #include "ObjectSelection.h"
 #include "ObjectTable.h"
 #include "Options.h"
+#include "Replay.h"
 #include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusTool {
@@ -17,6 +17,7 @@ namespace {
 struct ShowOptions {
     std::string profile;
     std::string capture;
+    std::string at;  // empty: every snapshot
     std::vector<std::string> objects;
     bool json = false;
     bool exact = false;
@@ -43,14 +44,15 @@ ExitStatus Show(const ShowOptions& options) {
     const Capture capture = LoadCapture(options.capture, *profile);
     const Selection selection = SelectObjects(*profile, options.objects);
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
-    const bool series = capture.snapshots.size() > 1;
-    for (const Capture::Snapshot& snapshot : capture.snapshots) {
-        const CaptureClock clock(snapshot.time);
-        Capture::Restore(snapshot, *cache);
+    const std::size_t last = options.at.empty() ? capture.snapshots.size() - 1 : SnapshotAt(capture, options.at);
+    Replay(capture, last, *cache, [&](std::size_t position, Milliseconds) {
+        if (!options.at.empty() && position != last) {
+            return;
+        }
         const std::vector<ObjectReading> readings = ReadObjects(*profile, selection, cache, options.exact);
-        const std::string time = series ? DateTime::DateTime::GetCalendarTime() : "";
+        const std::string time = capture.snapshots.size() > 1 ? DateTime::DateTime::GetCalendarTime() : "";
         options.json ? PrintJson(readings, time) : PrintTable(readings, time);
-    }
+    });
     return ExitStatus::OK;
 }
 
@@ -62,10 +64,12 @@ void AddShowCommand(CommandLine& line) {
                                          [options] { return Show(*options); });
     AddProfileArgument(show, options->profile);
     AddCaptureOption(show, options->capture);
+    AddAtOption(show, "all", options->at);
     AddObjectOption(show, options->objects);
     show.AddFlag("--json", "One JSON object per line", options->json);
     AddExactOption(show, options->exact);
-    show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json"});
+    show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json",
+                      "show profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json --at 2"});
 }
 
 }  // namespace kzm::ModbusTool
