@@ -2,6 +2,7 @@
 #include "gateway/diagnosis/Explanation.h"
 #include "gateway/json/NumberText.h"
 #include "gateway/json/ProblemText.h"
+#include "gateway/modbus/ExceptionName.h"
 
 namespace kzm::ModbusGateway {
 
@@ -30,8 +31,13 @@ std::string AgeIn(const Why& why) {
 
 std::string LastValue(const Why& why) {
     const std::string answer =
-        why.exception == 0 ? "is marked Bad" : "was answered with exception " + std::to_string(why.exception);
+        why.exception == 0 ? "is marked Bad" : "was answered with " + ExceptionName(why.exception);
     return SourceOf(why) + " " + answer + "; the value is the last one received";
+}
+
+std::string NeverReceived(const Why& why) {
+    const std::string answer = why.exception == 0 ? "" : "; the device answered with " + ExceptionName(why.exception);
+    return SourceOf(why) + " was never received" + answer;
 }
 
 std::string RangeIn(const Why& why) {
@@ -62,8 +68,7 @@ std::string Why::Text() const {
         case Reason::QUESTIONABLE:
             return SourceOf(*this) + " is marked Questionable";
         case Reason::NEVER_RECEIVED:
-            return frameIndex ? SourceOf(*this) + " was never received"
-                              : "there is no previous value " + Quoted(text) + " yet";
+            return frameIndex ? NeverReceived(*this) : "there is no previous value " + Quoted(text) + " yet";
         case Reason::OUT_OF_DATE:
             return AgeIn(*this);
         case Reason::FUTURE_TIMESTAMP:
@@ -73,7 +78,7 @@ std::string Why::Text() const {
         case Reason::NO_DATA:
             return SourceOf(*this) + " does not have the registers";
         case Reason::NOT_AVAILABLE:
-            return "the registers hold the \"not available\" pattern " + text;
+            return "not available: the device sent " + text;
         case Reason::SWITCHED_OFF:
             return "not available by its flag";
         case Reason::DEVICE_SAYS_BAD:
@@ -89,7 +94,7 @@ std::string Why::Text() const {
         case Reason::INPUT_MISSING: {
             Why own = *this;
             own.reason = cause;
-            return "the input " + input + " has no value" + (cause == Reason::GOOD ? "" : ": " + own.Text());
+            return "input " + input + (cause == Reason::GOOD ? " has no value" : ": " + own.Text());
         }
         case Reason::MISCONFIGURED:
         case Reason::CANNOT_COMPUTE:

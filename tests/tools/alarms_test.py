@@ -38,9 +38,9 @@ HISTORY = """\
 2 Breaker moved: Active Good
 3 Breaker moved: Inactive Good
 14 Over current: Active Good
-14 Hot: 42 Bad: frame slow is out of date (13 s)
-16 Over current: 42 Bad: frame main has quality Bad
-16 Breaker moved: 42 Bad: frame main has quality Bad
+14 Hot: 42 Bad: input left: frame slow is out of date (13 s, limit 12 s)
+16 Over current: 42 Bad: input left: frame main is marked Bad; the value is the last one received
+16 Breaker moved: 42 Bad: input left: frame main is marked Bad; the value is the last one received
 """
 
 
@@ -62,6 +62,7 @@ class AlarmsTest(unittest.TestCase):
         line = json.loads(done.stdout.splitlines()[0])
         self.assertEqual({key: line[key] for key in line if key != "value"}, {
             "name": "Alarm.CustomAlarm", "alias": "over", "status": 0, "momentary": False,
+            "reason": "good", "statusCode": 0, "received": "2026-03-14T09:26:01.000Z",
             "time": "2026-03-14T09:26:01.000Z"})
         self.assertEqual({name: element["value"] for name, element in line["value"]["elements"].items()}, {
             "state": "Inactive", "criticality": "High", "type": "Electrical", "customer_alarm_name": "Over current",
@@ -79,7 +80,7 @@ class AlarmsTest(unittest.TestCase):
             "2026-03-14T09:26:14.000Z  Over current   over   Active    Good          High         lasting    Electrical  "
             "Above 100 A",
             "2026-03-14T09:26:14.000Z  Hot            hot    unknown   Bad           Medium       lasting"
-            "                             frame slow is out of date (13 s)"])
+            "                             input left: frame slow is out of date (13 s, limit 12 s)"])
         self.assertEqual(len(lines), 1 + len(HISTORY.splitlines()))
 
     def test_a_live_device_tells_each_change_as_it_comes(self):

@@ -81,7 +81,8 @@ def connections_under_way(address):
 
 def without_time(text):
     lines = [json.loads(line) for line in text.splitlines()]
-    return json.loads(re.sub(r'"\d{4}-\d\d-\d\dT[^"]*"', '""', json.dumps([{**line, "time": ""} for line in lines])))
+    text = json.dumps([{**line, "time": ""} for line in lines])
+    return json.loads(re.sub(r'(?<=")\d{4}-\d\d-\d\dT[^"]*(?=")|; the device answered with[^";]*', "", text))
 
 
 class DeviceTest(unittest.TestCase):

@@ -104,19 +104,19 @@ class FilesTest(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         now = "2026-03-14T09:26:33.000Z"
         self.assertEqual(done.stdout.splitlines(), [
-            "NAME       ALIAS  VALUE                             UNIT  QUALITY       DATE-TIME",
-            "Flow                                           0.1  m³/h  Questionable  " + now,
-            "Total                                    305419896  m³    Questionable  " + now,
-            "Level      east   not available or out of range     %     Bad           2026-01-01T00:00:00.000Z",
-            "Level      west   not available by its flag         %     Bad           " + now,
-            "Note              a?[m                                    Questionable  " + now,
-            "Heat: in                                        -5  °C    Questionable  " + now,
-            "Heat: out         frame slow is out of date (13 s)  °C    Bad           " + now,
-            "Raw: a                                          -5",
-            "Raw: a/b                                         0",
-            "Raw               frame never was never received",
-            "Sum                            0.30000000000000004        Good          " + now,
-            "Spare             frame never was never received          Bad           " + now,
+            "NAME       ALIAS  VALUE                                         UNIT  QUALITY       DATE-TIME",
+            "Flow                                                       0.1  m³/h  Questionable  " + now,
+            "Total                                                305419896  m³    Questionable  " + now,
+            "Level      east   not available: the device sent 0xFFFF         %     Bad           2026-01-01T00:00:00.000Z",
+            "Level      west   not available by its flag                     %     Bad           " + now,
+            "Note              a?[m                                                Questionable  " + now,
+            "Heat: in                                                    -5  °C    Questionable  " + now,
+            "Heat: out         frame slow is out of date (13 s, limit 12 s)  °C    Bad           " + now,
+            "Raw: a                                                      -5",
+            "Raw: a/b                                                     0",
+            "Raw: c            frame never was never received",
+            "Sum                                        0.30000000000000004        Good          " + now,
+            "Spare             frame never was never received                      Bad           " + now,
         ])
 
     def test_a_series_is_replayed_with_the_clock_of_each_snapshot(self):
@@ -126,7 +126,7 @@ class FilesTest(unittest.TestCase):
         lines = [json.loads(line) for line in done.stdout.splitlines()]
         self.assertEqual([(line["time"][17:19], line["value"]["elements"]["out"].get("value"),
                            line["why"].split("; ")[1:]) for line in lines],
-                         [("00", 1, []), ("12", 1, []), ("13", None, ["out: frame slow is out of date (13 s)"]),
+                         [("00", 1, []), ("12", 1, []), ("13", None, ["out: frame slow is out of date (13 s, limit 12 s)"]),
                           ("14", 2, [])])
         for at, shown in [("1", 0), ("3", 2), ("2026-03-14T09:26:14.000Z", 3), ("26:12", 1)]:
             self.assertEqual(run(*SHOW, series, "--object", "Heat", "--json", "--at", at).stdout.splitlines(),
@@ -191,7 +191,7 @@ class FilesTest(unittest.TestCase):
         self.assertEqual([re.split(" {2,}", line)[:4] for line in done.stdout.splitlines()[1:]], [
             ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_a", "1234.5", "A", "Good"],
             ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_b", "1180.25", "A", "Good"],
-            ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_c", "not available or out of range", "A", "Bad"],
+            ["Alarm.VoltageLossAlarm: snapshot_rms_current_phs_c", "not available: the device sent 0x7FC00000", "A", "Bad"],
             ["Alarm.VoltageLossAlarm: state", "Active", "Good", "2026-03-02T14:05:41.000Z"],
         ])
 

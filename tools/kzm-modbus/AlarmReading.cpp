@@ -1,38 +1,34 @@
 #include "AlarmReading.h"
 
-#include "Support/Status.h"
-#include "WhyNoValue.h"
+#include "ReadElements.h"
 #include "kz/orba/VortaORBAObject.h"
+#include "kzm/Log/RootLogger.h"
 
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
-namespace Status = ModbusDeviceModel::Status;
 using nlohmann::json;
 
 namespace {
 
-std::string WhyNoState(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm, const Cache& cache,
-                       kz::orba::StatusCode status) {
-    if (status == Status::SUCCESS) {
-        return "the chain gives no boolean";
+// Keeps the log free of a request that only repeats another.
+class Silence {
+public:
+    Silence() : mLevel(Log::RootLogger::GetInstance().GetLevel()) {
+        Log::RootLogger::GetInstance().SetLevel(Log::OrbaLogLevel::NONE);
     }
-    if (status == Status::INVALID_ARGUMENT) {
-        return "an operand or the chain is missing, or failed";
-    }
-    if (status != Status::NOT_AVAILABLE) {
-        return kz::orba::ConvertStatusCodeToString(status);
-    }
-    for (const std::uint8_t frameIndex : alarm.element->GetFrameIndexes()) {
-        std::string why = WhyFrameCannotBeUsed(profile, frameIndex, *cache);
-        if (!why.empty()) {
-            return why;
-        }
-        if (cache->GetFrame(frameIndex).quality == ModbusDeviceModel::DeviceCache::QUALITY_BAD) {
-            return "frame " + profile.frameNames.at(frameIndex) + " has quality Bad";
-        }
-    }
-    return "a measurement is not available or out of range";
+    ~Silence() { Log::RootLogger::GetInstance().SetLevel(mLevel); }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+
+private:
+    Log::OrbaLogLevel mLevel;
+};
+
+Explanation ExplainSilently(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm, const Cache& cache,
+                            const ModbusDeviceModel::DataModel::PreviousMeasurements& previous) {
+    const Silence silence;
+    return Explain(profile, alarm, {cache}, previous);
 }
 
 }  // namespace
@@ -49,19 +45,21 @@ bool AlarmReading::DiffersFrom(const AlarmReading& other) const {
 
 AlarmReading ReadAlarm(const LoadedProfile& profile, const LoadedProfile::Alarm& alarm, const Cache& cache,
                        const ModbusDeviceModel::DataModel::PreviousMeasurements& previous) {
+    // The evaluation stores the previous values that the explanation is to see.
+    Explanation explanation = ExplainSilently(profile, alarm, cache, previous);
     kz::orba::VortaORBAObject object("", alarm.name, alarm.alias, alarm.structure);
     const auto status =
         profile.model->GetCustomAlarmVortaObjectValue(cache, /*ignoreCacheAge=*/false, object, previous);
     bool lasting = true;
     profile.model->GetComputedAlarmInstantaneousness({alarm.name, alarm.alias}, lasting);
-    AlarmReading reading{&alarm, status, std::move(object.GetValue()), !lasting, {}};
+    AlarmReading reading{&alarm, std::move(explanation), status, std::move(object.GetValue()), !lasting, {}};
     if (reading.TextOf("state", "value").empty()) {
-        reading.why = WhyNoState(profile, alarm, cache, status);
+        reading.why = reading.explanation.why.Text();
     }
     return reading;
 }
 
-std::string ToJsonLine(const AlarmReading& reading, const std::string& time) {
+std::string ToJsonLine(const AlarmReading& reading, const std::string& time, bool raw) {
     json line{{"name", reading.alarm->name},
               {"alias", reading.alarm->alias},
               {"status", static_cast<std::int32_t>(reading.status)},
@@ -70,6 +68,10 @@ std::string ToJsonLine(const AlarmReading& reading, const std::string& time) {
               {"time", time}};
     if (!reading.why.empty()) {
         line["why"] = reading.why;
+    }
+    AddReason(reading.explanation, line);
+    if (raw) {
+        AddRaw(reading.explanation, line);
     }
     return line.dump(-1, ' ', false, json::error_handler_t::replace);
 }

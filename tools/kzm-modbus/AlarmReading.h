@@ -10,6 +10,7 @@ namespace kzm::ModbusTool {
 // One evaluation of a computed alarm.
 struct AlarmReading {
     const ModbusGateway::LoadedProfile::Alarm* alarm;
+    ModbusGateway::Explanation explanation;
     kz::orba::StatusCode status;
     nlohmann::json value;  // the whole custom alarm object
     bool momentary;        // it reports a change and holds no state
@@ -26,8 +27,8 @@ struct AlarmReading {
 AlarmReading ReadAlarm(const ModbusGateway::LoadedProfile& profile, const ModbusGateway::LoadedProfile::Alarm& alarm,
                        const Cache& cache, const ModbusDeviceModel::DataModel::PreviousMeasurements& previous);
 
-// The alarm in one line: "name", "alias", "status", "momentary", "value" (the whole object), "time", and "why" if
-// there is no state.
-std::string ToJsonLine(const AlarmReading& reading, const std::string& time);
+// The alarm in one line: "name", "alias", "status", "momentary", "value" (the whole object), "time", "why" if there
+// is no state, and what AddReason adds. `raw`: with AddRaw.
+std::string ToJsonLine(const AlarmReading& reading, const std::string& time, bool raw);
 
 }  // namespace kzm::ModbusTool

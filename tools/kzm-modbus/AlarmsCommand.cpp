@@ -1,14 +1,13 @@
 #include <iostream>
 #include <optional>
 
-#include "AlarmReading.h"
+#include "AlarmTable.h"
 #include "Commands.h"
 #include "DeviceErrors.h"
 #include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
 #include "Replay.h"
-#include "Text.h"
 #include "TextTable.h"
 #include "kzm/DateTime/DateTime.h"
 
@@ -26,20 +25,8 @@ struct AlarmsOptions {
     Repetition repetition{0};
     bool all = false;
     bool json = false;
+    bool raw = false;
 };
-
-Row RowOf(const AlarmReading& reading, const std::string& time) {
-    const std::string state = reading.TextOf("state", "value");
-    const std::string shownState = state.empty() ? "unknown" : state;
-    Row row = TextRow({time, reading.alarm->element->GetName(), reading.alarm->alias, shownState,
-                       reading.TextOf("state", "quality"), reading.TextOf("criticality", "value"),
-                       reading.momentary ? "momentary" : "lasting", reading.TextOf("type", "value"),
-                       reading.alarm->element->GetDescription(), reading.why});
-    for (Cell& cell : row) {
-        cell.text = Printable(cell.text);
-    }
-    return row;
-}
 
 // Evaluates the alarms again and again; prints all of the first evaluation, and of later ones what is new.
 class AlarmWatch {
@@ -65,16 +52,16 @@ public:
     }
 
 private:
-    static void PrintJson(const std::vector<const AlarmReading*>& readings, const std::string& time) {
+    void PrintJson(const std::vector<const AlarmReading*>& readings, const std::string& time) const {
         for (const AlarmReading* reading : readings) {
-            std::cout << ToJsonLine(*reading, time) << '\n';
+            std::cout << ToJsonLine(*reading, time, mOptions.raw) << '\n';
         }
     }
 
     void PrintLines(const std::vector<const AlarmReading*>& readings, const std::string& time) {
         std::vector<Row> rows;
         for (const AlarmReading* reading : readings) {
-            rows.push_back(RowOf(*reading, time));
+            rows.push_back(RowOf(*reading, time, mOptions.raw));
         }
         if (!mLayout) {
             PrintHeadings(rows);
@@ -86,8 +73,7 @@ private:
 
     // The first evaluation has every alarm, so its columns are wide enough for the later ones.
     void PrintHeadings(std::vector<Row> rows) {
-        const Row headings = HeadingRow({"TIME", "ALARM", "ALIAS", "STATE", "QUALITY", "CRITICALITY", "KIND", "TYPE",
-                                         "DESCRIPTION", "WHY UNKNOWN"});
+        const Row headings = AlarmHeadings(mOptions.raw);
         rows.insert(rows.begin(), headings);
         rows.push_back(TextRow({"", "", "", "Inactive", "Questionable"}));
         mLayout.emplace(rows);
@@ -136,6 +122,7 @@ void AddAlarmsCommand(CommandLine& line) {
     alarms.Exclude({"--count", "--interval"}, "--capture");
     alarms.AddFlag("--all", "Show every evaluation of every alarm, not only the changes", options->all);
     alarms.AddFlag("--json", "One JSON object per line", options->json);
+    AddRawOption(alarms, options->raw);
     alarms.SetExamples({"alarms profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json",
                         "alarms profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1 --interval 5 --json"});
 }

@@ -9,6 +9,7 @@ namespace kzm::ModbusTool {
 #define KZM_COMMANDS(ROW)       \
     ROW(AddCheckCommand)        \
     ROW(AddShowCommand)         \
+    ROW(AddExplainCommand)      \
     ROW(AddPollCommand)         \
     ROW(AddCaptureCommand)      \
     ROW(AddSimulateCommand)     \

@@ -17,7 +17,7 @@ constexpr std::array STATUSES{
     StatusRow{ExitStatus::WRONG_USAGE, "wrong usage"},
     StatusRow{ExitStatus::FILE_ERROR, "a file cannot be read or written"},
     StatusRow{ExitStatus::NOT_REACHED, "the device cannot be reached; simulate: cannot listen on the address"},
-    StatusRow{ExitStatus::NOT_FOUND, "no such object, service, alarm or dictionary element"},
+    StatusRow{ExitStatus::NOT_FOUND, "no such object, service, alarm, snapshot or dictionary element"},
     StatusRow{ExitStatus::ONLY_WARNINGS, "check: warnings, but no errors"},
     StatusRow{ExitStatus::INTERNAL_ERROR, "internal error"},
     StatusRow{ExitStatus::REFUSED, "write: refused because another value would be written; nothing was sent"},

@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
+#include "ReadElements.h"
 #include "Support/Status.h"
-#include "WhyNoValue.h"
-#include "gateway/model/ObjectGroupAdapter.h"
-#include "kz/orba/VortaORBAObject.h"
-#include "kzm/Log/RootLogger.h"
+#include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
-using kz::orba::VortaORBAObject;
-using ModbusDeviceModel::DataModel::VortaObjectAdapter;
 using nlohmann::json;
 
 namespace {
@@ -31,7 +27,7 @@ bool HoldsAttributes(const json& node, const json& start) {
 // An element may hold attributes and further elements.
 void AddElements(const std::string& path, const json& node, const json& start, std::vector<ObjectPart>& parts) {
     if (HoldsAttributes(node, start)) {
-        parts.push_back({path, node, ""});
+        parts.push_back({path, node});
     }
     for (const auto& [name, child] : node.items()) {
         if (child.is_object() && !IsAttribute(name)) {
@@ -47,46 +43,9 @@ std::vector<ObjectPart> PartsOf(const json& value, const json& start) {
         AddElements("", value["elements"], start.value("elements", json::object()), parts);
     }
     if (parts.empty() || HoldsAttributes(value, start)) {
-        parts.insert(parts.begin(), {"", value, ""});
+        parts.insert(parts.begin(), {"", value});
     }
     return parts;
-}
-
-// Keeps the log free of a request that only repeats another.
-class Silence {
-public:
-    Silence() : mLevel(Log::RootLogger::GetInstance().GetLevel()) {
-        Log::RootLogger::GetInstance().SetLevel(Log::OrbaLogLevel::NONE);
-    }
-    ~Silence() { Log::RootLogger::GetInstance().SetLevel(mLevel); }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    Log::OrbaLogLevel mLevel;
-};
-
-// Asks each adapter alone to find the part that it fills.
-void Explain(const LoadedProfile& profile, const ObjectGroupAdapter::Adapters& adapters, const Cache& cache,
-             std::vector<ObjectPart>& parts) {
-    const Silence silence;
-    for (const std::shared_ptr<VortaObjectAdapter>& adapter : adapters) {
-        VortaORBAObject alone("", "", "", json::object());
-        adapter->GetObject(cache, profile.model->IsBigEndian(), /*ignoreCacheAge=*/false, alone);
-        ObjectPart part = PartsOf(alone.GetValue(), json::object()).front();
-        if (part.attributes.contains("value")) {
-            continue;
-        }
-        part.why = WhyNoValue(profile, *adapter, cache);
-        const auto known =
-            std::find_if(parts.begin(), parts.end(), [&](const auto& other) { return other.path == part.path; });
-        known == parts.end() ? parts.push_back(part) : void(known->why = part.why);
-    }
-}
-
-ObjectGroupAdapter::Adapters AdaptersOf(const std::shared_ptr<VortaObjectAdapter>& adapter) {
-    const auto group = std::dynamic_pointer_cast<ObjectGroupAdapter>(adapter);
-    return group ? group->GetAdapters() : ObjectGroupAdapter::Adapters{adapter};
 }
 
 bool LacksValue(const ObjectPart& part) {
@@ -113,25 +72,50 @@ void RoundValues(const LoadedProfile::Object& object, json& whole) {
     }
 }
 
+void Describe(const Explanation& explanation, ObjectPart& part) {
+    part.why = LacksValue(part) ? explanation.why.Text() : "";
+    part.registers = RegistersOf(explanation);
+    if (const std::uint64_t received = ReceivedOf(explanation)) {
+        part.age = static_cast<std::int64_t>(DateTime::DateTime::GetRealTimeInMilliseconds() - received);
+    }
+}
+
+// The part of that path; a new one where the device filled nothing.
+ObjectPart& PartAt(const std::string& path, std::vector<ObjectPart>& parts) {
+    const auto known = std::ranges::find(parts, path, &ObjectPart::path);
+    return known == parts.end() ? parts.emplace_back(ObjectPart{path, json::object()}) : *known;
+}
+
+void DescribeParts(ObjectReading& reading) {
+    if (reading.explanation.kind == Explanation::Kind::GROUP) {
+        for (const Explanation& part : reading.explanation.parts) {
+            Describe(part, PartAt(part.place ? part.place->name : "", reading.parts));
+        }
+        return;
+    }
+    for (ObjectPart& part : reading.parts) {
+        Describe(reading.explanation, part);
+    }
+}
+
 ObjectReading ReadObject(const LoadedProfile& profile, const LoadedProfile::Object& object, const Cache& cache,
                          bool exact) {
-    VortaORBAObject target(object.key, object.name, object.alias, object.structure);
-    ObjectReading reading{&object, ModbusDeviceModel::Status::INVALID_ARGUMENT, {}, {}};
+    ObjectReading reading{&object, {}, {}, {}};
     try {
-        reading.status = profile.model->GetVortaObjectValue(cache, /*ignoreCacheAge=*/false, target);
+        reading.explanation = Explain(profile, object, {cache});
+        reading.value = reading.explanation.object;
         if (!exact) {
-            RoundValues(object, target.GetValue());
+            RoundValues(object, reading.value);
         }
-        reading.parts = PartsOf(target.GetValue(), object.structure);
-        const bool failed = reading.status != ModbusDeviceModel::Status::SUCCESS;
-        if (failed || std::any_of(reading.parts.begin(), reading.parts.end(), LacksValue)) {
-            Explain(profile, AdaptersOf(object.adapter), cache, reading.parts);
-        }
+        reading.parts = PartsOf(reading.value, object.structure);
+        DescribeParts(reading);
     } catch (const json::exception& error) {
         // A profile may ask for what an object cannot hold.
-        reading.parts.push_back({"", json::object(), error.what()});
+        reading.explanation.why = {.reason = ModbusDeviceModel::DataModel::Reason::MISCONFIGURED, .text = error.what()};
+        reading.explanation.requestStatus = ModbusDeviceModel::Status::INVALID_ARGUMENT;
+        reading.value = object.structure;
+        reading.parts = {{"", json::object(), error.what()}};
     }
-    reading.value = target.GetValue();
     return reading;
 }
 
@@ -146,11 +130,11 @@ std::vector<ObjectReading> ReadObjects(const LoadedProfile& profile, const Selec
     return readings;
 }
 
-std::string ToJsonLine(const ObjectReading& reading, const std::string& time) {
+std::string ToJsonLine(const ObjectReading& reading, const std::string& time, bool raw) {
     json line{{"name", reading.object->name},
               {"alias", reading.object->alias},
               {"unit", reading.object->unit},
-              {"status", static_cast<std::int32_t>(reading.status)},
+              {"status", static_cast<std::int32_t>(reading.explanation.requestStatus)},
               {"value", reading.value}};
     std::string why;
     for (const ObjectPart& part : reading.parts) {
@@ -161,6 +145,10 @@ std::string ToJsonLine(const ObjectReading& reading, const std::string& time) {
     }
     if (!why.empty()) {
         line["why"] = why;
+    }
+    AddReason(reading.explanation, line);
+    if (raw) {
+        AddRaw(reading.explanation, line);
     }
     if (!time.empty()) {
         line["time"] = time;

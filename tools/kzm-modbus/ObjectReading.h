@@ -2,11 +2,13 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "ObjectSelection.h"
 #include "gateway/cache/RegisterCache.h"
+#include "gateway/diagnosis/Explanation.h"
 
 namespace kzm::ModbusTool {
 
@@ -14,15 +16,17 @@ using Cache = std::shared_ptr<ModbusGateway::RegisterCache>;
 
 // What the device fills at the top of an object, or in one of its elements.
 struct ObjectPart {
-    std::string path;           // of the element, e.g. "phase1"; empty at the top
-    nlohmann::json attributes;  // "value", "quality" and "datetime", those that are there
-    std::string why;            // why there is no value; empty if there is one
+    std::string path;                                // of the element, e.g. "phase1"; empty at the top
+    nlohmann::json attributes;                       // "value", "quality" and "datetime", those that are there
+    std::string why = {};                            // why there is no value; empty if there is one
+    std::string registers = {};                      // those read, in hexadecimal
+    std::optional<std::int64_t> age = std::nullopt;  // of the oldest frame, in ms; none where no frame was received
 };
 
-// One object as the model filled it.
+// One object as the model filled it, and how it came about.
 struct ObjectReading {
     const ModbusGateway::LoadedProfile::Object* object;
-    kz::orba::StatusCode status;
+    ModbusGateway::Explanation explanation;
     nlohmann::json value;  // the whole object
     std::vector<ObjectPart> parts;
 };
@@ -32,8 +36,8 @@ struct ObjectReading {
 std::vector<ObjectReading> ReadObjects(const ModbusGateway::LoadedProfile& profile, const Selection& selection,
                                        const Cache& cache, bool exact);
 
-// The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" if a value is
-// missing, and "time" unless that is empty.
-std::string ToJsonLine(const ObjectReading& reading, const std::string& time);
+// The object in one line: "name", "alias", "unit", "status", "value" (the whole object), "why" if a value is missing,
+// what AddReason adds, and "time" unless that is empty. `raw`: with AddRaw.
+std::string ToJsonLine(const ObjectReading& reading, const std::string& time, bool raw);
 
 }  // namespace kzm::ModbusTool

@@ -12,7 +12,8 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t ALIAS_COLUMN = 1;
+// Those that are left out if no object fills them.
+constexpr std::size_t OPTIONAL_COLUMNS[] = {7, 6, 1};
 
 std::string AttributeOf(const json& attributes, const char* name) {
     return attributes.contains(name) && !attributes[name].is_null() ? TextOf(attributes[name]) : "";
@@ -33,7 +34,13 @@ Cell ValueOf(const ObjectPart& part) {
     return {part.attributes.contains("value") ? TextOf(part.attributes["value"]) : "", Style::PLAIN, isNumber};
 }
 
-Row RowOf(const ObjectReading& reading, const ObjectPart& part) {
+// A missing value says how old its frame is, if that is why.
+Cell AgeOf(const ObjectPart& part, const TableForm& form) {
+    const bool isShown = form.raw || (part.why.empty() && part.age > 2 * form.round.count());
+    return part.age && isShown ? Cell{AgeText(*part.age), Style::WARNING, /*rightAligned=*/true} : Cell{};
+}
+
+Row RowOf(const ObjectReading& reading, const ObjectPart& part, const TableForm& form) {
     const auto& object = *reading.object;
     const std::string quality = AttributeOf(part.attributes, "quality");
     return {{Printable(object.name) + (part.path.empty() ? "" : ": " + Printable(part.path))},
@@ -41,11 +48,20 @@ Row RowOf(const ObjectReading& reading, const ObjectPart& part) {
             ValueOf(part),
             {Printable(part.attributes.value("unit", object.unit))},
             {quality, StyleOfQuality(quality)},
-            {AttributeOf(part.attributes, "datetime")}};
+            {AttributeOf(part.attributes, "datetime")},
+            {form.raw ? part.registers : ""},
+            AgeOf(part, form)};
 }
 
-bool HasAlias(const ObjectReading& reading) {
-    return !reading.object->alias.empty();
+// Whether a column has nothing below its heading.
+bool IsEmpty(const std::vector<Row>& rows, std::size_t column) {
+    return std::all_of(rows.begin() + 1, rows.end(), [column](const Row& row) { return row[column].text.empty(); });
+}
+
+void Erase(std::vector<Row>& rows, std::size_t column) {
+    for (Row& row : rows) {
+        row.erase(row.begin() + static_cast<Row::difference_type>(column));
+    }
 }
 
 }  // namespace
@@ -58,16 +74,21 @@ std::string TextOf(const json& value) {
                                    : Printable(value.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
-std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings) {
-    std::vector<Row> rows{HeadingRow({"NAME", "ALIAS", "VALUE", "UNIT", "QUALITY", "DATE-TIME"})};
+std::string AgeText(std::int64_t milliseconds) {
+    const auto tenths = static_cast<double>(milliseconds / 100);
+    return NumberText(tenths / 10, ModbusGateway::NumberPrecision::DIGITS_15) + " s";
+}
+
+std::vector<std::string> TableOf(const std::vector<ObjectReading>& readings, const TableForm& form) {
+    std::vector<Row> rows{HeadingRow({"NAME", "ALIAS", "VALUE", "UNIT", "QUALITY", "DATE-TIME", "REGISTERS", "AGE"})};
     for (const ObjectReading& reading : readings) {
         for (const ObjectPart& part : reading.parts) {
-            rows.push_back(RowOf(reading, part));
+            rows.push_back(RowOf(reading, part, form));
         }
     }
-    if (std::none_of(readings.begin(), readings.end(), HasAlias)) {
-        for (Row& row : rows) {
-            row.erase(row.begin() + ALIAS_COLUMN);
+    for (const std::size_t column : OPTIONAL_COLUMNS) {
+        if (IsEmpty(rows, column)) {
+            Erase(rows, column);
         }
     }
     return LinesOf(rows);

@@ -114,6 +114,10 @@ void AddExactOption(CommandSyntax& command, bool& exact) {
                     exact);
 }
 
+void AddRawOption(CommandSyntax& command, bool& raw) {
+    command.AddFlag("--raw", "The registers in hexadecimal, and the age of their frame", raw);
+}
+
 void AddRepetitionOptions(CommandSyntax& command, Repetition& repetition) {
     const std::string usual = repetition.count == 0 ? "until interrupted" : std::to_string(repetition.count);
     command.AddNumber({"--count", "N", "How many rounds to read (" + usual + ")"}, 1, 1'000'000'000,
@@ -132,6 +136,18 @@ void AddSourceOptions(CommandSyntax& command, std::string& capture, ModbusSettin
     AddOptionalCapture(command, capture);
     command.RequireOneOf("Device or capture", {"--tcp", "--rtu", "--capture"});
     command.Exclude({"--unit", "--timeout"}, "--capture");
+}
+
+void AddAnySourceOptions(CommandSyntax& command, std::string& capture, ModbusSettings& connection) {
+    AddLineOptions(command, connection);
+    AddOptionalCapture(command, capture);
+    command.Exclude({"--tcp", "--rtu", "--unit", "--timeout"}, "--capture");
+    command.Exclude({"--tcp"}, "--rtu");
+}
+
+bool IsDeviceGiven(const ModbusSettings& connection) {
+    const auto* tcp = std::get_if<TcpEndpoint>(&connection.line);
+    return !tcp || !tcp->host.empty();
 }
 
 void AddListenOption(CommandSyntax& command, TcpEndpoint& endpoint) {

@@ -19,6 +19,9 @@ void AddObjectOption(CommandSyntax& command, std::vector<std::string>& objects);
 // "--exact".
 void AddExactOption(CommandSyntax& command, bool& exact);
 
+// "--raw".
+void AddRawOption(CommandSyntax& command, bool& raw);
+
 // How often something is done.
 struct Repetition {
     std::uint64_t count;  // 0: until a signal
@@ -30,6 +33,9 @@ void AddRepetitionOptions(CommandSyntax& command, Repetition& repetition);
 void AddConnectionOptions(CommandSyntax& command, ModbusGateway::ModbusSettings& connection);
 // "--capture" or the options of AddConnectionOptions; `capture` stays empty for the latter.
 void AddSourceOptions(CommandSyntax& command, std::string& capture, ModbusGateway::ModbusSettings& connection);
+// The same, but none of them is required; without one, no device is given.
+void AddAnySourceOptions(CommandSyntax& command, std::string& capture, ModbusGateway::ModbusSettings& connection);
+bool IsDeviceGiven(const ModbusGateway::ModbusSettings& connection);
 // "--listen".
 void AddListenOption(CommandSyntax& command, ModbusGateway::TcpEndpoint& endpoint);
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <iostream>
 #include <optional>
 
@@ -26,6 +27,7 @@ struct PollOptions {
     std::vector<std::string> objects;
     bool json = false;
     bool exact = false;
+    bool raw = false;
     bool table = false;
 };
 
@@ -34,6 +36,7 @@ class PollOutput {
 public:
     PollOutput(const PollOptions& options, const LoadedProfile& profile)
         : mTitle(Printable(profile.model->GetModelName() + " at " + ToText(options.connection))),
+          mForm{options.repetition.interval, options.raw},
           mTable(!options.json && (options.table || IsTerminal())) {
         if (mTable && IsTerminal()) {
             mScreen.emplace();
@@ -42,21 +45,33 @@ public:
 
     void Show(const std::vector<ObjectReading>& readings, const std::vector<std::string>& errors) {
         const std::string time = DateTime::DateTime::GetCalendarTime();
+        MeasureRound(/*complete=*/errors.empty());
         if (mTable) {
             ShowTable(readings, errors, time);
             return;
         }
         mReport.Report(errors);
         for (const ObjectReading& reading : readings) {
-            std::cout << ToJsonLine(reading, time) << '\n';
+            std::cout << ToJsonLine(reading, time, mForm.raw) << '\n';
         }
         std::cout.flush();
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    // A slow device's rounds take longer than the interval; those that wait for one that is silent do not count.
+    void MeasureRound(bool complete) {
+        const auto now = Clock::now();
+        if (complete && mLastRound != Clock::time_point()) {
+            mForm.round = std::max(mForm.round, std::chrono::ceil<Milliseconds>(now - mLastRound));
+        }
+        mLastRound = now;
+    }
+
     void ShowTable(const std::vector<ObjectReading>& readings, std::vector<std::string> errors,
                    const std::string& time) {
-        std::vector<std::string> lines = TableOf(readings);
+        std::vector<std::string> lines = TableOf(readings, mForm);
         lines.insert(lines.begin(), mTitle + ", " + time);
         if (mScreen) {
             std::transform(errors.begin(), errors.end(), errors.begin(), Printable);
@@ -71,6 +86,8 @@ private:
     }
 
     std::string mTitle;
+    TableForm mForm;
+    Clock::time_point mLastRound;
     bool mTable;
     std::optional<Screen> mScreen;
     ErrorReport mReport;
@@ -101,6 +118,7 @@ void AddPollCommand(CommandLine& line) {
     poll.AddFlag("--json", "One JSON object per line; the default without a terminal", options->json);
     poll.AddFlag("--table", "A table; the default on a terminal", options->table);
     poll.Exclude({"--table"}, "--json");
+    AddRawOption(poll, options->raw);
     AddExactOption(poll, options->exact);
     poll.SetExamples({"poll profiles/energy-meter.jsonc --tcp 192.168.1.20 --unit 1",
                       "poll profiles/energy-meter.jsonc --rtu /dev/ttyUSB0:19200:E --unit 3 --interval 5 --count 12"});

@@ -54,8 +54,8 @@ void Replay(const Capture& capture, std::size_t last, RegisterCache& cache, cons
 }
 
 void AddAtOption(CommandSyntax& command, const std::string& usual, std::string& at) {
-    command.AddText({"--at", "TIME|NUMBER", "One snapshot, by its time or a part of it, or by its number from 1 on (" +
-                                                usual + ")"},
+    command.AddText({"--at", "TIME|NUMBER",
+                     "One snapshot, by its time or a part of it, or by its number from 1 on (" + usual + ")"},
                     at);
 }
 

@@ -1,11 +1,9 @@
-#include <iostream>
-
 #include "Commands.h"
 #include "Files.h"
 #include "ObjectSelection.h"
-#include "ObjectTable.h"
 #include "Options.h"
 #include "Replay.h"
+#include "ShownObjects.h"
 #include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusTool {
@@ -21,23 +19,8 @@ struct ShowOptions {
     std::vector<std::string> objects;
     bool json = false;
     bool exact = false;
+    bool raw = false;
 };
-
-void PrintJson(const std::vector<ObjectReading>& readings, const std::string& time) {
-    for (const ObjectReading& reading : readings) {
-        std::cout << ToJsonLine(reading, time) << '\n';
-    }
-}
-
-void PrintTable(const std::vector<ObjectReading>& readings, const std::string& time) {
-    if (!time.empty()) {
-        std::cout << time << '\n';
-    }
-    for (const std::string& line : TableOf(readings)) {
-        std::cout << line << '\n';
-    }
-    std::cout << (time.empty() ? "" : "\n");
-}
 
 ExitStatus Show(const ShowOptions& options) {
     const auto profile = LoadProfile(options.profile);
@@ -45,13 +28,13 @@ ExitStatus Show(const ShowOptions& options) {
     const Selection selection = SelectObjects(*profile, options.objects);
     const auto cache = std::make_shared<RegisterCache>(profile->model->GetFrames());
     const std::size_t last = options.at.empty() ? capture.snapshots.size() - 1 : SnapshotAt(capture, options.at);
-    Replay(capture, last, *cache, [&](std::size_t position, Milliseconds) {
+    Replay(capture, last, *cache, [&](std::size_t position, Milliseconds round) {
         if (!options.at.empty() && position != last) {
             return;
         }
         const std::vector<ObjectReading> readings = ReadObjects(*profile, selection, cache, options.exact);
         const std::string time = capture.snapshots.size() > 1 ? DateTime::DateTime::GetCalendarTime() : "";
-        options.json ? PrintJson(readings, time) : PrintTable(readings, time);
+        options.json ? PrintJsonLines(readings, time, options.raw) : PrintTable(readings, time, {round, options.raw});
     });
     return ExitStatus::OK;
 }
@@ -67,6 +50,7 @@ void AddShowCommand(CommandLine& line) {
     AddAtOption(show, "all", options->at);
     AddObjectOption(show, options->objects);
     show.AddFlag("--json", "One JSON object per line", options->json);
+    AddRawOption(show, options->raw);
     AddExactOption(show, options->exact);
     show.SetExamples({"show profiles/energy-meter.jsonc --capture profiles/energy-meter.capture.json",
                       "show profiles/energy-meter.jsonc --capture profiles/energy-meter.series.capture.json --at 2"});

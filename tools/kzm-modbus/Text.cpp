@@ -32,6 +32,17 @@ std::size_t WidthOf(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
 }
 
+std::string HexOf(std::span<const std::uint8_t> bytes) {
+    constexpr const char* DIGITS = "0123456789ABCDEF";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        text += i > 0 && i % 2 == 0 ? " " : "";
+        text += DIGITS[bytes[i] >> 4U];
+        text += DIGITS[bytes[i] & 0xFU];
+    }
+    return text;
+}
+
 std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }

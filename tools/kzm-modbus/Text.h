@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -11,6 +13,9 @@ std::string Printable(std::string_view text);
 
 // How many columns a UTF-8 text takes: its code points.
 std::size_t WidthOf(std::string_view text);
+
+// Two digits a byte, a blank after each register: "EB85 4247".
+std::string HexOf(std::span<const std::uint8_t> bytes);
 
 // "1 error", "2 errors".
 std::string Counted(std::size_t count, const std::string& noun);

@@ -34,11 +34,11 @@ const char* StartOf(Style style) {
     return "";
 }
 
+}  // namespace
+
 std::string Styled(const Cell& cell) {
     return cell.style == Style::PLAIN || !UsesColour() ? cell.text : StartOf(cell.style) + cell.text + "\x1b[0m";
 }
-
-}  // namespace
 
 Row TextRow(std::vector<std::string> texts) {
     return RowOf(std::move(texts), Style::PLAIN);
@@ -48,7 +48,7 @@ Row HeadingRow(std::vector<std::string> texts) {
     return RowOf(std::move(texts), Style::HEADING);
 }
 
-TableLayout::TableLayout(const std::vector<Row>& rows) : mWidths(rows.front().size()) {
+TableLayout::TableLayout(const std::vector<Row>& rows) : mWidths(rows.empty() ? 0 : rows.front().size()) {
     for (const Row& row : rows) {
         for (std::size_t column = 0; column < row.size(); ++column) {
             mWidths[column] = std::max(mWidths[column], WidthOf(row[column].text));

@@ -21,6 +21,9 @@ using Row = std::vector<Cell>;
 Row TextRow(std::vector<std::string> texts);
 Row HeadingRow(std::vector<std::string> texts);
 
+// The text of a cell as it goes to standard output.
+std::string Styled(const Cell& cell);
+
 // Column widths of a text table, with two blanks between columns and no trailing blanks.
 class TableLayout {
 public:

@@ -1,0 +1,134 @@
+#include "ExplanationOutput.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "AlarmTable.h"
+#include "OtherReadings.h"
+#include "ReadElements.h"
+#include "ShownObjects.h"
+#include "Text.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+using ModbusDeviceModel::DataModel::Reason;
+using nlohmann::json;
+
+namespace {
+
+// More are for programs.
+constexpr std::size_t SHOWN_READINGS = 6;
+
+// An element of which the value is missing or doubtful.
+struct Doubtful {
+    std::string role;
+    std::string doubt;  // empty for a missing value
+    std::vector<OtherReading> readings;
+};
+
+std::vector<Doubtful> DoubtfulOf(const Explanation& explanation, const RegisterCache& cache, const std::string& unit) {
+    std::vector<Doubtful> doubtful;
+    ForEachElement(explanation, [&](const Explanation& element, const std::string& role) {
+        const std::string own = role == "value" ? unit : "";
+        const std::string doubt = element.value.is_null() ? "" : DoubtOf(element, own);
+        if (!doubt.empty() || element.value.is_null()) {
+            std::vector<OtherReading> readings = OtherReadingsOf(element, cache, own);
+            if (!readings.empty()) {
+                doubtful.push_back({role, doubt, std::move(readings)});
+            }
+        }
+    });
+    return doubtful;
+}
+
+void PrintDoubtful(const Doubtful& element, const std::string& unit, bool all) {
+    std::cout << Printable(element.role) << (element.doubt.empty() ? " is missing" : " looks wrong: " + element.doubt)
+              << ". The same registers, read otherwise:\n";
+    std::vector<Row> rows;
+    for (const OtherReading& reading : element.readings) {
+        if (all || rows.size() < SHOWN_READINGS) {
+            const std::string text = reading.value.is_null() ? "no value" : TextOf(reading.value);
+            const bool hasUnit = element.role == "value" && reading.value.is_number() && !unit.empty();
+            rows.push_back({{"  " + text + (hasUnit ? " " + Printable(unit) : "")},
+                            {reading.change},
+                            {reading.doubt, Style::FAINT}});
+        }
+    }
+    PrintTable(rows);
+}
+
+// The heading is longer than all below it.
+void PrintTree(const Explanation& explanation, const std::string& heading, const TreeForm& form) {
+    std::vector<Row> rows = TreeOf(explanation, heading, form);
+    PrintTable({rows.front()});
+    rows.erase(rows.begin());
+    PrintTable(rows);
+    std::cout << '\n';
+}
+
+void PrintReason(const Explanation& explanation, const std::string& whose) {
+    const Why& why = explanation.why;
+    const auto& row = ModbusDeviceModel::DataModel::RowOf(why.reason);
+    const bool isGood = why.reason == Reason::GOOD;
+    const std::string text = "Reason" + whose + ": " + std::string(row.name) +
+                             (isGood ? "" : " (" + std::string(row.opcUaStatus) + "): " + why.Text());
+    std::cout << Styled({Printable(text), isGood ? Style::PLAIN : Style::FAULT}) << '\n';
+}
+
+std::string NameOf(const ObjectReading& reading) {
+    return reading.object->name + (reading.object->alias.empty() ? "" : "/" + reading.object->alias);
+}
+
+void PrintLine(const json& line) {
+    std::cout << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
+}
+
+json ToJson(const Doubtful& element) {
+    json line{{"role", element.role}, {"doubt", element.doubt}, {"readings", json::array()}};
+    for (const OtherReading& reading : element.readings) {
+        line["readings"].push_back({{"value", reading.value}, {"change", reading.change}, {"doubt", reading.doubt}});
+    }
+    return line;
+}
+
+}  // namespace
+
+void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment& moment, const RegisterCache& cache,
+                       const TreeForm& form) {
+    for (const ObjectReading& reading : readings) {
+        PrintTree(reading.explanation, NameOf(reading), form);
+        for (const Doubtful& element : DoubtfulOf(reading.explanation, cache, reading.object->unit)) {
+            PrintDoubtful(element, reading.object->unit, form.all);
+            std::cout << '\n';
+        }
+    }
+    PrintTable(readings, moment.time, {moment.round});
+    for (const ObjectReading& reading : readings) {
+        PrintReason(reading.explanation, readings.size() == 1 ? "" : " of " + NameOf(reading));
+    }
+}
+
+void PrintExplanation(const AlarmReading& reading, const Moment& moment, const TreeForm& form) {
+    PrintTree(reading.explanation, reading.alarm->element->GetName(), form);
+    PrintTable({AlarmHeadings(/*raw=*/false), RowOf(reading, moment.time, /*raw=*/false)});
+    PrintReason(reading.explanation, "");
+}
+
+void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, const RegisterCache& cache) {
+    json line = reading.explanation.ToJson();
+    line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
+    line["otherwise"] = json::array();
+    for (const Doubtful& element : DoubtfulOf(reading.explanation, cache, reading.object->unit)) {
+        line["otherwise"].push_back(ToJson(element));
+    }
+    PrintLine(line);
+}
+
+void PrintExplanationJson(const AlarmReading& reading, const Moment& moment) {
+    json line = reading.explanation.ToJson();
+    line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
+    PrintLine(line);
+}
+
+}  // namespace kzm::ModbusTool

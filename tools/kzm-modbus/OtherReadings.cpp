@@ -1,0 +1,286 @@
+#include "OtherReadings.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <span>
+
+#include "DataModel/ElementData.h"
+#include "DeviceProfile/LogicCodeTable.h"
+#include "Text.h"
+#include "gateway/diagnosis/Interpretation.h"
+#include "gateway/json/NumberText.h"
+#include "gateway/model/ElementPrecision.h"
+#include "gateway/model/ValueEncoder.h"
+
+namespace kzm::ModbusTool {
+
+using namespace ModbusGateway;
+using ModbusDeviceModel::ByteOrderingEnum;
+using ModbusDeviceModel::LogicCodeIdentifier;
+using ModbusDeviceModel::DataModel::ElementData;
+using ModbusDeviceModel::DataModel::StepKind;
+using ModbusDeviceModel::DeviceProfile::Family;
+using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
+using ModbusDeviceModel::DeviceProfile::RowOf;
+using nlohmann::json;
+using Bytes = std::vector<std::uint8_t>;
+using Registers = EncodedValue::Registers;
+
+namespace {
+
+struct UsualRange {
+    const char* unit;
+    double low;
+    double high;
+};
+// What plants have; a value beyond is shown with what else its registers would be.
+constexpr UsualRange USUAL_RANGES[] = {{"Hz", 0, 1000},    {"%", -200, 200},  {"°C", -60, 250},
+                                       {"V", -1500, 1500}, {"kV", -500, 500}, {"A", -10000, 10000}};
+constexpr double USUAL_SCALES[] = {0.1, 0.01, 0.001};
+
+std::string UnusualFor(const std::string& unit, const json& value) {
+    const auto range = std::ranges::find(USUAL_RANGES, unit, &UsualRange::unit);
+    if (range == std::end(USUAL_RANGES) || !value.is_number()) {
+        return "";
+    }
+    const double number = value.get<double>();
+    return number < range->low || number > range->high ? "unusual for " + unit : "";
+}
+
+bool IsWhole(const Bytes& mask) {
+    return std::ranges::count(mask, 0xFF) == std::ssize(mask);
+}
+
+// Two bytes each.
+Registers RegistersIn(std::span<const std::uint8_t> bytes) {
+    Registers registers;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        registers.push_back(static_cast<std::uint16_t>(bytes[i] << 8U | bytes[i + 1]));
+    }
+    return registers;
+}
+
+const Explanation::Step* Find(const Explanation& element, StepKind kind) {
+    const auto found = std::ranges::find(element.steps, kind, &Explanation::Step::kind);
+    return found == element.steps.end() ? nullptr : &*found;
+}
+
+// What an explanation tells of an element.
+struct Held {
+    Held(const Explanation& element, const std::string& itsUnit)
+        : place(*element.registers), row(RowOf(LogicCodeIdentifier{place.logicCode})), unit(itsUnit) {
+        if (const auto* received = Find(element, StepKind::RECEIVED)) {
+            registers = RegistersIn(received->bytes);
+        }
+        if (const auto* masked = Find(element, StepKind::MASKED)) {
+            mask = masked->mask;
+        }
+        if (const auto* scaled = Find(element, StepKind::SCALED)) {
+            scale = scaled->factor;
+            offset = static_cast<float>(scaled->offset);
+        }
+        order = Find(element, StepKind::SWAPPED) ? ByteOrderingEnum::LITTLE_ENDIAN_WORDS
+                                                 : ByteOrderingEnum::BIG_ENDIAN_WORDS;
+        value = Rounded(element.value);
+    }
+
+    NumberPrecision GetPrecision() const { return PrecisionOf(LogicCodeIdentifier{place.logicCode}, scale, offset); }
+    json Rounded(const json& number) const {
+        return number.is_number_float() ? json(RoundedTo(number.get<double>(), GetPrecision())) : number;
+    }
+    // As the element is read now, without its mask, pattern and labels.
+    Interpretation GetPlainReading() const {
+        return {row.name.substr(0, row.name.find("-to-float")), place.count, order};
+    }
+    bool IsPlainNumber() const {
+        return (row.family == Family::NUMBER || row.family == Family::DOUBLE) && IsWhole(mask);
+    }
+
+    const Explanation::Registers& place;
+    const LogicCodeRow& row;
+    const std::string& unit;
+    Registers registers = {};  // in wire order; empty if none was received
+    Bytes mask = {};
+    double scale = 1;
+    float offset = 0;
+    ByteOrderingEnum order{};
+    json value = {};  // null if there is none
+};
+
+// Those of the element's number from another address on; nothing if the frame does not have them.
+Registers RegistersAt(const Held& held, const RegisterCache& cache, int address) {
+    std::array<std::uint8_t, 256> bytes{};
+    auto quality = ModbusDeviceModel::DeviceCache::QUALITY_UNINITIALISED;
+    const bool exists = address >= 0 && address <= 0xFFFF;
+    const std::uint32_t length = exists ? cache.ReadFrame(held.place.frameIndex, static_cast<std::uint16_t>(address),
+                                                          held.place.count, bytes.data(), bytes.size(), quality)
+                                        : 0;
+    return RegistersIn({bytes.data(), length});
+}
+
+// As a profile writes masks and patterns.
+std::string Quoted(const std::vector<std::uint8_t>& bytes) {
+    std::string digits = HexOf(bytes);
+    std::erase(digits, ' ');
+    return "\"0x" + digits + '"';
+}
+
+// The members of one text that the other lacks: `"order": "little"`.
+std::string Difference(const std::string& members, const std::string& known) {
+    const json all = json::parse('{' + members + '}', nullptr, /*allow_exceptions=*/false);
+    const json old = json::parse('{' + known + '}', nullptr, /*allow_exceptions=*/false);
+    if (!all.is_object()) {
+        return members;
+    }
+    std::string text;
+    for (const auto& [name, value] : all.items()) {
+        if (!old.is_object() || old.value(name, json()) != value) {
+            text += (text.empty() ? "\"" : ", \"") + name + "\": " + value.dump();
+        }
+    }
+    return text;
+}
+
+// Collects readings, each value once.
+class Collection {
+public:
+    explicit Collection(const Held& held) : mHeld(held) {}
+
+    void Add(const json& value, const std::string& change, std::string doubt, NumberPrecision precision) {
+        const json shown = value.is_number_float() ? json(RoundedTo(value.get<double>(), precision)) : value;
+        doubt = doubt.empty() ? UnusualFor(mHeld.unit, shown) : doubt;
+        const bool isKnown =
+            std::ranges::find(mReadings, shown, &OtherReading::value) != mReadings.end() || shown == mHeld.value;
+        if (!change.empty() && !isKnown) {
+            mReadings.push_back({shown, change, std::move(doubt)});
+        }
+    }
+
+    // Decodes as the element does, but with other registers or another mask; null if that gives no value.
+    json Decode(const Registers& registers, const Bytes& mask) const {
+        const auto& place = mHeld.place;
+        ElementData other(place.address, place.count, std::make_shared<Bytes>(mask), mHeld.scale, nullptr,
+                          LogicCodeIdentifier{place.logicCode}, place.frameIndex, "", mHeld.offset, nullptr,
+                          mHeld.order, /*validityCheckEnabled=*/false);
+        const bool isComplete = registers.size() == place.count && mask.size() == std::size_t{2} * place.count;
+        return isComplete ? DecodeValue(other, /*deviceBigEndian=*/true, registers) : json();
+    }
+    void AddDecoded(const Registers& registers, const Bytes& mask, const std::string& change) {
+        const json value = Decode(registers, mask);
+        // A label's number is not its value.
+        if (!value.is_null() && value != Decode(mHeld.registers, mHeld.mask)) {
+            const std::string doubt(mHeld.IsPlainNumber() ? mHeld.GetPlainReading().WhyImplausible(registers) : "");
+            Add(value, change, doubt, mHeld.GetPrecision());
+        }
+    }
+
+    std::vector<OtherReading> Take() {
+        std::ranges::stable_partition(mReadings, [](const OtherReading& reading) { return reading.doubt.empty(); });
+        return std::move(mReadings);
+    }
+
+private:
+    const Held& mHeld;
+    std::vector<OtherReading> mReadings;
+};
+
+std::string DoubtOf(const Held& held) {
+    if (held.registers.empty()) {
+        return "";
+    }
+    const bool isZero = std::ranges::count(held.registers, 0) == std::ssize(held.registers);
+    if (!IsWhole(held.mask)) {
+        return held.value == 0 && !isZero ? "the mask hides all bits that the device has set" : "";
+    }
+    const std::string doubt(held.IsPlainNumber() ? held.GetPlainReading().WhyImplausible(held.registers) : "");
+    return doubt.empty() ? UnusualFor(held.unit, held.value) : doubt;
+}
+
+void AddPattern(const Held& held, Collection& readings) {
+    if (DoubtOf(held).find("pattern") != std::string::npos && !held.value.is_null()) {
+        Bytes pattern;
+        for (const std::uint16_t word : held.registers) {
+            pattern.push_back(static_cast<std::uint8_t>(word >> 8U));
+            pattern.push_back(static_cast<std::uint8_t>(word & 0xFFU));
+        }
+        readings.Add({}, "\"notAvailable\": " + Quoted(pattern), "", NumberPrecision::DOUBLE);
+    }
+}
+
+// Other orders before other types: they are the likelier mistake.
+void AddInterpretations(const Held& held, Collection& readings) {
+    const Interpretation now = held.GetPlainReading();
+    const std::string members = now.GetProfileMembers(held.scale, held.offset);
+    std::vector<Interpretation> all = Interpretation::AllOf(held.registers.size());
+    std::ranges::stable_partition(
+        all, [&](const Interpretation& one) { return one.type == now.type && !one.bytesExchanged; });
+    for (const Interpretation& other : all) {
+        const json value = other.ValueOf(held.registers, held.scale, held.offset);
+        const std::string doubt(other.WhyImplausible(held.registers));
+        if (!value.is_null() && (doubt.empty() || !(value.is_string() || other.bytesExchanged))) {
+            readings.Add(value, Difference(other.GetProfileMembers(held.scale, held.offset), members), doubt,
+                         other.GetPrecision(held.scale, held.offset));
+        }
+    }
+}
+
+void AddScales(const Held& held, Collection& readings) {
+    const Interpretation now = held.GetPlainReading();
+    for (const double factor : USUAL_SCALES) {
+        const double scale = held.scale * factor;
+        const json value = now.ValueOf(held.registers, scale, held.offset);
+        if (now.WhyImplausible(held.registers).empty() && UnusualFor(held.unit, value).empty()) {
+            readings.Add(
+                value,
+                Difference(now.GetProfileMembers(scale, held.offset), now.GetProfileMembers(held.scale, held.offset)),
+                "", now.GetPrecision(scale, held.offset));
+        }
+    }
+}
+
+void AddNeighbours(const Held& held, const RegisterCache& cache, Collection& readings) {
+    for (const int step : {-1, 1}) {
+        const int address = held.place.address + step;
+        const Registers registers = RegistersAt(held, cache, address);
+        // Registers of 0 are everywhere.
+        if (std::ranges::count(registers, 0) != std::ssize(registers)) {
+            readings.AddDecoded(registers, held.mask, "\"address\": " + std::to_string(address));
+        }
+    }
+}
+
+void AddMasks(const Held& held, Collection& readings) {
+    std::vector<Bytes> masks{Bytes(2 * held.registers.size(), 0xFF)};
+    if (held.registers.size() == 1) {
+        masks.insert(masks.end(), {{0x00, 0xFF}, {0xFF, 0x00}});
+    }
+    for (const Bytes& mask : masks) {
+        readings.AddDecoded(held.registers, mask, IsWhole(mask) ? "no \"mask\"" : "\"mask\": " + Quoted(mask));
+    }
+}
+
+}  // namespace
+
+std::string DoubtOf(const Explanation& element, const std::string& unit) {
+    return DoubtOf(Held(element, unit));
+}
+
+std::vector<OtherReading> OtherReadingsOf(const Explanation& element, const RegisterCache& cache,
+                                          const std::string& unit) {
+    const Held held(element, unit);
+    Collection readings(held);
+    if (held.IsPlainNumber()) {
+        AddPattern(held, readings);
+        AddInterpretations(held, readings);
+        if (!UnusualFor(unit, held.value).empty()) {
+            AddScales(held, readings);
+        }
+        AddNeighbours(held, cache, readings);
+    } else {
+        AddMasks(held, readings);
+    }
+    return readings.Take();
+}
+
+}  // namespace kzm::ModbusTool
