@@ -53,10 +53,8 @@ std::string Label(const Why& why) {
 // The meaning, and what is known beyond it.
 std::string MeaningOf(const Why& why) {
     std::string text(RowOf(why.reason).meaning);
-    if (!why.text.empty()) {
-        text += ": " + why.text;
-    }
-    return text;
+    const std::string& detail = why.text.empty() ? why.input : why.text;
+    return detail.empty() ? text : text + ": " + detail;
 }
 
 }  // namespace
