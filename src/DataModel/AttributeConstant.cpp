@@ -13,9 +13,9 @@ namespace {
 constexpr const char* LOG_MODULE = "DataModel::AttributeConstant";
 
 void TellConstant(const nlohmann::json& value) {
-    Tell(tObserver, {.kind = StepKind::CONSTANT,
-                     .reason = value.is_null() ? Reason::MISCONFIGURED : Reason::GOOD,
-                     .value = &value});
+    KZM_TELL(tObserver, {.kind = StepKind::CONSTANT,
+                         .reason = value.is_null() ? Reason::MISCONFIGURED : Reason::GOOD,
+                         .value = &value});
 }
 
 }  // namespace

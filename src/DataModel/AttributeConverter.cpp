@@ -40,13 +40,13 @@ bool CanUseFrame(const CacheReadAccessInterface& cache, std::uint8_t frameIndex,
     const std::uint64_t timestamp = cache.GetFrameTimestamp(frameIndex);
     const std::uint64_t now = DateTime::DateTime::GetRealTimeInMilliseconds();
     const bool canUse = DeviceCache::IsFresh(timestamp, now) || ignoreCacheAge;
-    Tell(observer, {.kind = StepKind::FRAME,
-                    .reason = canUse ? Reason::GOOD : WhyNotFresh(timestamp, now),
-                    .applied = !ignoreCacheAge,
-                    .number = static_cast<double>(frameIndex),
-                    .timestamp = timestamp,
-                    .now = now,
-                    .limit = DeviceCache::DEFAULT_REGISTER_CACHE_TIMEOUT_MS});
+    KZM_TELL(observer, {.kind = StepKind::FRAME,
+                        .reason = canUse ? Reason::GOOD : WhyNotFresh(timestamp, now),
+                        .applied = !ignoreCacheAge,
+                        .number = static_cast<double>(frameIndex),
+                        .timestamp = timestamp,
+                        .now = now,
+                        .limit = DeviceCache::DEFAULT_REGISTER_CACHE_TIMEOUT_MS});
     return canUse;
 }
 
@@ -108,11 +108,11 @@ struct LabelForm {
 StatusCode TranslateValue(const LabelForm& form, std::uint16_t address, nlohmann::json& value) {
     std::string label = std::move(value.get_ref<std::string&>());
     const auto status = TranslateLabel(form.urn, label, value);
-    Tell(tObserver, {.kind = StepKind::TRANSLATED,
-                     .reason = status == Status::SUCCESS ? Reason::GOOD : Reason::NO_TRANSLATION,
-                     .status = status,
-                     .text = label,
-                     .value = &value});
+    KZM_TELL(tObserver, {.kind = StepKind::TRANSLATED,
+                         .reason = status == Status::SUCCESS ? Reason::GOOD : Reason::NO_TRANSLATION,
+                         .status = status,
+                         .text = label,
+                         .value = &value});
     if (status != Status::SUCCESS) {
         KZM_LOG(ERROR, "[%s] (%s) Failed to convert %s to %s value", form.operation, form.Describe(address).c_str(),
                 label.c_str(), form.name);
@@ -133,7 +133,7 @@ StatusCode TranslateIfLabel(bool isLabel, const LabelForm& form, StatusCode stat
     if (isLabel && !value.is_string()) {
         KZM_LOG(ERROR, "[%s] (%s) %s%s", form.operation, form.Describe(address).c_str(), form.noText,
                 Logging::Text(value).c_str());
-        Tell(tObserver, {.kind = StepKind::TRANSLATED, .reason = Reason::MISCONFIGURED, .value = &value});
+        KZM_TELL(tObserver, {.kind = StepKind::TRANSLATED, .reason = Reason::MISCONFIGURED, .value = &value});
         status = Status::NOT_AVAILABLE;
     } else if (isLabel) {
         status = TranslateValue(form, address, value);
@@ -165,9 +165,9 @@ StatusCode AttributeConverter::GetValueFromElementData(const std::shared_ptr<Cac
                                                        DeviceCache::_Quality_t& quality, nlohmann::json& value) {
     const std::uint8_t frameIndex = element.GetFrameIndex();
     StepObserver* const observer = tObserver;
-    Tell(observer, {.kind = StepKind::ELEMENT, .element = &element});
+    KZM_TELL(observer, {.kind = StepKind::ELEMENT, .element = &element});
     if (!cache || frameIndex == INVALID_FRAME_INDEX) {
-        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+        KZM_TELL(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "[%s] ERROR CacheReadAccess=%p or frame index=%hhu", __func__,
                 static_cast<const void*>(cache.get()), frameIndex);
         return Status::INVALID_ARGUMENT;
@@ -180,12 +180,12 @@ StatusCode AttributeConverter::GetValueFromElementData(const std::shared_ptr<Cac
             KZM_LOG(INFORMATION, "[%s] Cannot read frame with index=%hhu, cache is out of date", __func__, frameIndex);
         }
     } catch (const std::exception& error) {
-        Tell(observer, {.kind = StepKind::FAILURE, .reason = ReasonOf(error), .text = error.what()});
+        KZM_TELL(observer, {.kind = StepKind::FAILURE, .reason = ReasonOf(error), .text = error.what()});
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: %s", __func__, frameIndex, error.what());
     } catch (abi::__forced_unwind&) {
         throw;  // the thread is being cancelled
     } catch (...) {
-        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::INTERNAL});
+        KZM_TELL(observer, {.kind = StepKind::FAILURE, .reason = Reason::INTERNAL});
         KZM_LOG(ERROR, "[%s] Failed to read frame with index=%hhu: unknown exception", __func__, frameIndex);
     }
     KZM_LOG_TRACE("[%s] (frame=%hhu, address=%hu, length=%hu) value=%s, quality=%s, status = %s", __func__, frameIndex,

@@ -25,7 +25,7 @@ StatusCode ReadInput(const std::string& name, AttributeAdapter& adapter, const V
     json value;
     const auto status = GetValueOf(name, adapter, request, inputQuality, value);
     if (status != Status::SUCCESS) {
-        Tell(tObserver, {.kind = StepKind::INPUT, .reason = Reason::INPUT_MISSING, .status = status, .text = name});
+        KZM_TELL(tObserver, {.kind = StepKind::INPUT, .reason = Reason::INPUT_MISSING, .status = status, .text = name});
         KZM_LOG_AT(status == Status::NOT_AVAILABLE ? Logging::INFORMATION : Logging::ERROR,
                    "[%s] GetEdmValue failed for input='%s', quality='%s', value='%s', status = %s", GET_VALUE,
                    name.c_str(), ConvertToString(inputQuality).c_str(), Logging::Text(value).c_str(),
@@ -57,7 +57,7 @@ StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueReque
     auto status = Status::INVALID_ARGUMENT;
     for (const auto& [name, adapter] : inputs) {
         if (!adapter) {
-            Tell(tObserver, {.kind = StepKind::INPUT, .reason = Reason::MISCONFIGURED, .text = name});
+            KZM_TELL(tObserver, {.kind = StepKind::INPUT, .reason = Reason::MISCONFIGURED, .text = name});
             KZM_LOG(ERROR, "[%s] Missing input value for input='%s'", GET_VALUE, name.c_str());
             continue;
         }
@@ -116,9 +116,9 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
     KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
     FlatObject inputs;
     json& parameters = inputs.Get();
-    Tell(tObserver, {.kind = StepKind::COMPUTATION,
-                     .reason = mInputs.empty() ? Reason::MISCONFIGURED : Reason::GOOD,
-                     .text = mChain ? mChain->GetName() : std::string_view()});
+    KZM_TELL(tObserver, {.kind = StepKind::COMPUTATION,
+                         .reason = mInputs.empty() ? Reason::MISCONFIGURED : Reason::GOOD,
+                         .text = mChain ? mChain->GetName() : std::string_view()});
     auto status = ReadInputs(mInputs, {cache, deviceBigEndian, ignoreCacheAge, nullptr}, quality, parameters);
     if (status != Status::SUCCESS) {
         return status;

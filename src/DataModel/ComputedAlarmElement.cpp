@@ -38,14 +38,14 @@ struct Reading {
 
 // An operand that cannot be used; why is told by the operand.
 void TellInput(const Reading& reading) {
-    Tell(tObserver, {.kind = StepKind::INPUT,
-                     .reason = Reason::INPUT_MISSING,
-                     .status = reading.status,
-                     .text = reading.operand.GetName()});
+    KZM_TELL(tObserver, {.kind = StepKind::INPUT,
+                         .reason = Reason::INPUT_MISSING,
+                         .status = reading.status,
+                         .text = reading.operand.GetName()});
 }
 
 void TellMissingPart() {
-    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+    KZM_TELL(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
 }
 
 StatusCode Compare(const Reading& left, const Reading& right, const ProcessingChain& chain, _Quality_t& quality,
@@ -56,11 +56,12 @@ StatusCode Compare(const Reading& left, const Reading& right, const ProcessingCh
     parameters[right.operand.GetName()] = right.value;
     json result;
     const auto status = chain.Execute(parameters, result);
-    Tell(tObserver, {.kind = StepKind::PARAMETERS, .value = &parameters});
-    Tell(tObserver, {.kind = StepKind::RESULT,
-                     .reason = status == Status::SUCCESS && result.is_boolean() ? Reason::GOOD : Reason::CANNOT_COMPUTE,
-                     .status = status,
-                     .value = &result});
+    KZM_TELL(tObserver, {.kind = StepKind::PARAMETERS, .value = &parameters});
+    KZM_TELL(tObserver,
+             {.kind = StepKind::RESULT,
+              .reason = status == Status::SUCCESS && result.is_boolean() ? Reason::GOOD : Reason::CANNOT_COMPUTE,
+              .status = status,
+              .value = &result});
     if (status == Status::SUCCESS && result.is_boolean()) {
         value = result.get<bool>() ? "Active" : "Inactive";
         quality = ComputedAlarmElement::GetQualityFromOperands(left.quality, right.quality);
@@ -115,7 +116,7 @@ StatusCode ComputedAlarmElement::BuildVortaObjectValue(const Cache& cache, bool 
                                                        const PreviousMeasurements& previous, _Quality_t& quality,
                                                        json& value) {
     quality = QUALITY_BAD;
-    Tell(tObserver, {.kind = StepKind::ALARM, .text = mName});
+    KZM_TELL(tObserver, {.kind = StepKind::ALARM, .text = mName});
     if (!mLeftOperand || !mRightOperand) {
         TellMissingPart();
         KZM_LOG(ERROR, "%s: Failed to get computed alarm value", BUILD);
@@ -135,7 +136,7 @@ StatusCode ComputedAlarmElement::BuildVortaObjectValue(const Cache& cache, bool 
     const Reading left = read("Left", *mLeftOperand);
     const Reading right = read("Right", *mRightOperand);
     const auto status = Evaluate(left, right, mProcessingChain.get(), quality, value);
-    Tell(tObserver, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
+    KZM_TELL(tObserver, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     UpdatePreviousValues(left.value, left.quality, left.status, right.value, right.quality, right.status, previous);
     return status;
 }

@@ -17,7 +17,7 @@ kz::orba::StatusCode ConstantComputedAlarmOperand::GetValue(
     const std::string&, DeviceCache::_Quality_t& quality, nlohmann::json& value) const {
     quality = DeviceCache::QUALITY_GOOD;
     value = mValue;
-    Tell(tObserver, {.kind = StepKind::CONSTANT, .value = &value});
+    KZM_TELL(tObserver, {.kind = StepKind::CONSTANT, .value = &value});
     return Status::SUCCESS;
 }
 

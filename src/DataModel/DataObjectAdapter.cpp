@@ -66,7 +66,7 @@ StatusCode ReadRole(const char* operation, const char* role, AttributeAdapter& a
 StatusCode ReadValue(AttributeAdapter* adapter, const ValueRequest& request, _Quality_t& quality, json& value) {
     constexpr const char* OPERATION = "GetValueWithAvailabilityAndQuality";
     if (adapter == nullptr) {
-        Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+        KZM_TELL(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "%s: Pointer for value is empty", OPERATION);
         return Status::NOT_FOUND;
     }
@@ -207,12 +207,12 @@ StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& ca
                                                                  bool ignoreCacheAge, bool edm, _Quality_t& quality,
                                                                  json& value) const {
     StepObserver* const observer = tObserver;
-    Tell(observer, {.kind = StepKind::OBJECT, .text = mUrn});
+    KZM_TELL(observer, {.kind = StepKind::OBJECT, .text = mUrn});
     bool isAvailable = false;
     bool useValueQuality = true;
     auto status = GetAvailability(cache, deviceBigEndian, ignoreCacheAge, isAvailable);
     if (status == Status::SUCCESS && !isAvailable) {
-        Tell(observer, {.kind = StepKind::AVAILABILITY, .reason = Reason::SWITCHED_OFF, .applied = false});
+        KZM_TELL(observer, {.kind = StepKind::AVAILABILITY, .reason = Reason::SWITCHED_OFF, .applied = false});
         KZM_LOG(INFORMATION, "%s: Measurement with urn=%s is not available", __func__, mUrn.c_str());
         status = Status::MEASUREMENT_NOT_AVAILABLE;
     } else if (status == Status::SUCCESS) {
@@ -229,7 +229,7 @@ StatusCode DataObjectAdapter::GetValueWithAvailabilityAndQuality(const Cache& ca
             quality = valueQuality;
         }
     }
-    Tell(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
+    KZM_TELL(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     KZM_LOG_TRACE("[%s] urn='%s', value=%s, quality=%s, status = %s", __func__, mUrn.c_str(),
                   Logging::Text(value).c_str(), ConvertToString(quality).c_str(), Logging::Text(status).c_str());
     return status;
@@ -249,7 +249,7 @@ StatusCode DataObjectAdapter::GetAvailability(const Cache& cache, bool deviceBig
         return status;
     }
     if (!value.is_boolean()) {
-        Tell(tObserver, {.kind = StepKind::AVAILABILITY, .reason = Reason::MISCONFIGURED, .value = &value});
+        KZM_TELL(tObserver, {.kind = StepKind::AVAILABILITY, .reason = Reason::MISCONFIGURED, .value = &value});
         KZM_LOG(ERROR, "[%s] Availability value is not a boolean: '%s'", __func__, Logging::Text(value).c_str());
         return Status::INVALID_ARGUMENT;
     }
@@ -273,9 +273,9 @@ StatusCode DataObjectAdapter::GetQuality(const Cache& cache, bool deviceBigEndia
     if (value.is_string()) {
         quality = value.get_ref<const std::string&>() == "Good" ? QUALITY_GOOD : QUALITY_BAD;
         const auto reason = quality == QUALITY_GOOD ? Reason::GOOD : Reason::DEVICE_SAYS_BAD;
-        Tell(tObserver, {.kind = StepKind::QUALITY, .reason = reason, .quality = quality, .value = &value});
+        KZM_TELL(tObserver, {.kind = StepKind::QUALITY, .reason = reason, .quality = quality, .value = &value});
     } else {
-        Tell(tObserver, {.kind = StepKind::QUALITY, .reason = Reason::MISCONFIGURED, .value = &value});
+        KZM_TELL(tObserver, {.kind = StepKind::QUALITY, .reason = Reason::MISCONFIGURED, .value = &value});
         KZM_LOG(ERROR, "[%s] Quality value is not a string '%s'", __func__, Logging::Text(value).c_str());
     }
     return status;

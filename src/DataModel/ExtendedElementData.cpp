@@ -102,10 +102,10 @@ bool MatchesPattern(const std::string* pattern, std::uint64_t raw, std::uint8_t 
         return false;
     }
     const bool matches = *pattern == PatternOf(raw, registers);
-    Tell(tObserver, {.kind = StepKind::PATTERN,
-                     .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
-                     .applied = matches,
-                     .text = *pattern});
+    KZM_TELL(tObserver, {.kind = StepKind::PATTERN,
+                         .reason = matches ? Reason::NOT_AVAILABLE : Reason::GOOD,
+                         .applied = matches,
+                         .text = *pattern});
     return matches;
 }
 
@@ -131,7 +131,7 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
                                 json& value, ServiceImpl::IValueProcesser* valueProcesser) {
     StepObserver* const observer = tObserver;
     if (buffer == nullptr || length == 0) {
-        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::NO_DATA});
+        KZM_TELL(observer, {.kind = StepKind::FAILURE, .reason = Reason::NO_DATA});
         return false;
     }
     std::uint64_t raw = 0;
@@ -139,7 +139,7 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
         raw = raw << 8 | buffer[i];
     }
     if (!HasMaskFor(mBitmask.get(), length)) {
-        Tell(observer, {.kind = StepKind::MASKED, .reason = Reason::MISCONFIGURED});
+        KZM_TELL(observer, {.kind = StepKind::MASKED, .reason = Reason::MISCONFIGURED});
         invalid = true;
         return false;
     }
@@ -151,7 +151,7 @@ bool ExtendedElementData::Build(unsigned char* buffer, unsigned int length, bool
     }
     myData data;
     data.SetUnsigned(raw);
-    Tell(observer, {.kind = StepKind::GATHERED, .bytes = {data.mBytes.data(), sizeof raw}});
+    KZM_TELL(observer, {.kind = StepKind::GATHERED, .bytes = {data.mBytes.data(), sizeof raw}});
     return ApplyLogicConversion(request, data, invalid, value, valueProcesser);
 }
 
@@ -167,17 +167,17 @@ bool ExtendedElementData::ApplyLogicConversion(int request, myData& data, bool& 
     }
     value = nullptr;
     const Step raw{.kind = StepKind::RAW, .number = static_cast<double>(data.Unsigned64())};
-    Tell(tObserver, raw);
+    KZM_TELL(tObserver, raw);
     if (ScaleRaw(data, mScaleFactor)) {
         OperateScaledPower(data, value, exponent, /*unused=*/0);
     }
     invalid = !value.is_number() || !std::isfinite(value.get<double>());
     const double number = value.is_number() ? value.get<double>() : raw.number * mScaleFactor;
-    Tell(tObserver, {.kind = StepKind::EXPONENT, .number = exponent});
-    Tell(tObserver, {.kind = StepKind::SCALED,
-                     .reason = invalid ? Reason::OUT_OF_RANGE : Reason::GOOD,
-                     .number = number,
-                     .factor = mScaleFactor});
+    KZM_TELL(tObserver, {.kind = StepKind::EXPONENT, .number = exponent});
+    KZM_TELL(tObserver, {.kind = StepKind::SCALED,
+                         .reason = invalid ? Reason::OUT_OF_RANGE : Reason::GOOD,
+                         .number = number,
+                         .factor = mScaleFactor});
     if (invalid) {
         value = nullptr;
     }

@@ -59,34 +59,36 @@ struct Parts {
     }
 
     // The ways to no value; each names its reason.
-    json Refuse(const Step& step) const {
-        watch.Tell(step);
+    // A number that `raw` gives and that `range` does not hold.
+    void TellRange(double raw, double number, OutputRange range) const {
+        watch.Tell({.kind = StepKind::RANGE,
+                    .reason = std::isfinite(raw) ? Reason::OUT_OF_RANGE : Reason::NOT_FINITE,
+                    .number = number,
+                    .low = range.low,
+                    .high = range.high});
+    }
+    json RefuseNumber(double raw, double number, OutputRange range) const {
+        TellRange(raw, number, range);
         return nullptr;
     }
-    // A number that `raw` gives and that `range` does not hold.
-    json RefuseNumber(double raw, double number, OutputRange range) const {
-        return Refuse({.kind = StepKind::RANGE,
-                       .reason = std::isfinite(raw) ? Reason::OUT_OF_RANGE : Reason::NOT_FINITE,
-                       .number = number,
-                       .low = range.low,
-                       .high = range.high});
-    }
-    json RefuseLabel(Reason reason, double number, std::string_view text) const {
-        return Refuse({.kind = StepKind::LABEL, .reason = reason, .applied = false, .text = text, .number = number});
+    void TellNoLabel(Reason reason, double number, std::string_view text) const {
+        watch.Tell({.kind = StepKind::LABEL, .reason = reason, .applied = false, .text = text, .number = number});
     }
 
-    // The scaled number in the element's output type.
-    json EmitScaled(double raw) const { return EmitAs(row.output, raw, Scale(raw)); }
+    // A number in an output type.
     json EmitAs(Output output, double raw, double number) const {
         json value = Emit(output, number);
         if (value.is_null()) {
-            return RefuseNumber(raw, number, RangeOf(output));
+            TellRange(raw, number, RangeOf(output));
         }
         return value;
     }
     // Floating point without a range.
     json EmitFloat(double raw, double number) const {
-        return std::isfinite(number) ? json(number) : RefuseNumber(raw, number, DOUBLE_RANGE);
+        if (!std::isfinite(number)) {
+            return RefuseNumber(raw, number, DOUBLE_RANGE);
+        }
+        return number;
     }
 };
 
@@ -246,7 +248,7 @@ json DecimalWords(const Parts<Watch>& element, const myData& data) {
     }
     const auto raw = static_cast<double>(number);
     if (row.output != Output::S64) {
-        return element.EmitScaled(raw);
+        return element.EmitAs(row.output, raw, element.Scale(raw));
     }
     if (!element.scaled) {
         element.TellScaled(raw, raw);
@@ -325,9 +327,9 @@ void TellLabel(const Parts<Watch>& element, const json& label, double number, st
     if (label.is_string() && !label.get_ref<const std::string&>().empty()) {
         element.watch.Tell({.kind = StepKind::LABEL, .text = label.get_ref<const std::string&>(), .number = number});
     } else if (element.pairs != nullptr && !element.pairs->empty()) {
-        element.RefuseLabel(Reason::UNKNOWN_LABEL, number, text);
+        element.TellNoLabel(Reason::UNKNOWN_LABEL, number, text);
     } else {
-        element.RefuseLabel(std::isfinite(number) ? Reason::MISCONFIGURED : Reason::NOT_FINITE, number, text);
+        element.TellNoLabel(std::isfinite(number) ? Reason::MISCONFIGURED : Reason::NOT_FINITE, number, text);
     }
 }
 
@@ -386,6 +388,12 @@ myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>
     return shifted;
 }
 
+template <typename Watch>
+json Number(const Parts<Watch>& element, const myData& data) {
+    const double raw = NumberOf(element.row.view, data);
+    return element.EmitAs(element.row.output, raw, element.Scale(raw));
+}
+
 // Any other frequency leaves the value as it was.
 template <typename Watch>
 void SetFrequencyClass(const Parts<Watch>& element, std::uint32_t hertz, json& value) {
@@ -396,7 +404,7 @@ void SetFrequencyClass(const Parts<Watch>& element, std::uint32_t hertz, json& v
     } else if (hertz == 400) {
         value = -1;
     } else {
-        element.RefuseNumber(hertz, hertz, CLASSES);
+        element.TellRange(hertz, hertz, CLASSES);
     }
 }
 
@@ -464,7 +472,7 @@ bool Decoding<Watch>::Convert(Watch watch, const ElementData& element, const myD
             watch.Tell({.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
             return false;
         case Family::NUMBER:
-            value = parts().EmitScaled(NumberOf(row.view, data));
+            value = Number(parts(), data);
             invalid = value.is_null();
             return true;
         case Family::FREQUENCY_CLASS:

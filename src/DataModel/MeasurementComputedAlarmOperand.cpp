@@ -49,7 +49,7 @@ kz::orba::StatusCode MeasurementComputedAlarmOperand::GetValue(
     if (auto* adapter = SourceAs<DataObjectAdapter>(mSource)) {
         return adapter->GetEdmValue(cache, deviceBigEndian, ignoreCacheAge, quality, value);
     }
-    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+    KZM_TELL(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
     return Status::NOT_AVAILABLE;
 }
 

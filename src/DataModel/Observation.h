@@ -19,13 +19,6 @@ struct Unwatched {
     void Tell(const Step&) const {}
 };
 
-// Tells a step to an observer, if there is one.
-inline void Tell(StepObserver* observer, const Step& step) {
-    if (observer != nullptr) [[unlikely]] {
-        observer->See(step);
-    }
-}
-
 // Why a value of a quality is not Good.
 constexpr Reason ReasonOf(DeviceCache::_Quality_t quality) {
     if (quality == DeviceCache::QUALITY_GOOD) {
@@ -38,3 +31,11 @@ constexpr Reason ReasonOf(DeviceCache::_Quality_t quality) {
 }
 
 }  // namespace kzm::ModbusDeviceModel::DataModel
+
+// Tells a step, in braces, to an observer, if there is one; only then is the step built.
+#define KZM_TELL(observer, ...)                                  \
+    do {                                                         \
+        if (auto* const kzmObserver = (observer)) [[unlikely]] { \
+            kzmObserver->See(__VA_ARGS__);                       \
+        }                                                        \
+    } while (false)

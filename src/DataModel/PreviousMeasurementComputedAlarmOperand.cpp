@@ -37,7 +37,7 @@ kz::orba::StatusCode PreviousMeasurementComputedAlarmOperand::GetValue(
     const auto found =
         previous ? previous->find(alarmName + mPreviousValueName) : PreviousMeasurements::element_type::iterator();
     if (!previous || found == previous->end()) {
-        Tell(tObserver, {.kind = StepKind::PREVIOUS, .reason = Reason::NEVER_RECEIVED, .text = mPreviousValueName});
+        KZM_TELL(tObserver, {.kind = StepKind::PREVIOUS, .reason = Reason::NEVER_RECEIVED, .text = mPreviousValueName});
         return Status::NOT_AVAILABLE;
     }
     ComputedAlarmPreviousMeasurement record = found->second;

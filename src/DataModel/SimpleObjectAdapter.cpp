@@ -24,9 +24,9 @@ kz::orba::StatusCode SimpleObjectAdapter::GetObject(const std::shared_ptr<Device
                                                     bool deviceBigEndian, bool ignoreCacheAge,
                                                     kz::orba::VortaORBAObject& object) {
     StepObserver* const observer = tObserver;
-    Tell(observer, {.kind = StepKind::OBJECT});
+    KZM_TELL(observer, {.kind = StepKind::OBJECT});
     if (!mValueAdapter) {
-        Tell(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
+        KZM_TELL(observer, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED});
         KZM_LOG(ERROR, "%s: Pointer for value is empty", __func__);
         return Status::INVALID_ARGUMENT;
     }
@@ -34,7 +34,7 @@ kz::orba::StatusCode SimpleObjectAdapter::GetObject(const std::shared_ptr<Device
     nlohmann::json value;
     const auto status =
         GetValueOf("value", *mValueAdapter, {cache, deviceBigEndian, ignoreCacheAge, &NO_URN}, quality, value);
-    Tell(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
+    KZM_TELL(observer, {.kind = StepKind::VALUE, .quality = quality, .status = status, .value = &value});
     if (status == Status::NOT_AVAILABLE) {
         KZM_LOG_TRACE("%s: Did not read from cache", __func__);
     } else if (status != Status::SUCCESS) {

@@ -45,7 +45,7 @@ void LogDestruction() {
 // An object or alarm that the model does not have, or not whole.
 void TellMissing(StatusCode status) {
     using namespace DataModel;
-    Tell(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED, .status = status});
+    KZM_TELL(tObserver, {.kind = StepKind::FAILURE, .reason = Reason::MISCONFIGURED, .status = status});
 }
 
 // Null for an element that is in no frame and for an index past the frames.
