@@ -1,6 +1,7 @@
 #include "gateway/diagnosis/Explanation.h"
 
 #include "gateway/capture/Capture.h"
+#include "gateway/diagnosis/Recomputing.h"
 #include "gateway/profile/ProfileTesting.h"
 #include "kzm/StandIn/Clock.h"
 
@@ -22,7 +23,8 @@ void ExpectReasons(const Explanation& part) {
     }
 }
 
-TEST(ExplanationTest, TheValueIsThatOfTheRequestForEveryObjectOfEveryProfileAndSnapshot) {
+TEST(Explanation, TheValueIsThatOfTheRequestForEveryObjectOfEveryProfileAndSnapshot) {
+    json all = json::array();
     for (const std::string name : {"energy-meter", "energy-meter.series", "circuit-breaker", "sunspec-inverter"}) {
         const auto loaded = ProfileLoader::Load(ReadFile("profiles/" + name.substr(0, name.find('.')) + ".jsonc"));
         const LoadedProfile& profile = *loaded.profile;
@@ -45,6 +47,7 @@ TEST(ExplanationTest, TheValueIsThatOfTheRequestForEveryObjectOfEveryProfileAndS
                     EXPECT_NE(target.GetValue().dump().find(explanation.value.dump()), std::string::npos);
                 }
                 ExpectReasons(explanation);
+                all.push_back(explanation.ToJson());
             }
             for (const auto& alarm : profile.alarms) {
                 const Explanation explanation = Explain(profile, alarm, {cache}, previous);
@@ -55,6 +58,7 @@ TEST(ExplanationTest, TheValueIsThatOfTheRequestForEveryObjectOfEveryProfileAndS
             }
         }
     }
+    ExpectRecomputed(all);
 }
 
 }  // namespace

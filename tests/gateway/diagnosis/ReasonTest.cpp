@@ -9,6 +9,7 @@
 #include "DataModel/SimpleObjectAdapter.h"
 #include "DeviceProfile/LogicCodeTable.h"
 #include "gateway/diagnosis/Explanation.h"
+#include "gateway/diagnosis/Recomputing.h"
 #include "gateway/profile/ProfileTesting.h"
 #include "src/TestCache.h"
 #include "src/TestChain.h"
@@ -310,6 +311,7 @@ TEST(Reason, GeneratedElementsHaveTheirValueAndAReasonWhereThereIsNone) {
     std::mt19937 random(20260);
     const auto pick = [&](unsigned count) { return static_cast<unsigned>(random() % count); };
     const auto labels = std::make_shared<Pairs>(Pairs{{std::uint32_t{1}, "a"}, {1.5F, "b"}, {"A", "c"}});
+    json all = json::array();
     const double scales[] = {1, 0.1, -2, 1e300, 1e17, 0};
     const StoppedClock clock(NOW);
     for (int i = 0; i < 500; ++i) {
@@ -334,12 +336,14 @@ TEST(Reason, GeneratedElementsHaveTheirValueAndAReasonWhereThereIsNone) {
         const DeviceModel model(std::move(adapters), {}, {}, {}, {}, /*bigEndian=*/true);
         const Explanation explanation = Explain(model, "O", "", {cache});
         const std::string said = Said(explanation);
+        all.push_back(explanation.ToJson());
         EXPECT_FALSE(said.starts_with("internal")) << bytes << explanation.ToJson().dump(1);
         if (traits.pairs == nullptr) {
             EXPECT_EQ(explanation.value, Number(status) == 0 ? value : json()) << bytes;
             EXPECT_EQ(said == "good: good", Number(status) == 0 && !value.is_null()) << said;
         }
     }
+    ExpectRecomputed(all);
 }
 
 }  // namespace
