@@ -134,6 +134,19 @@ class FilesTest(unittest.TestCase):
         self.assertRegex(run(*SHOW, series).stdout,
                          r"(?s)^2026-03-14T09:26:00.000Z\nNAME.*\n\n2026-03-14T09:26:12.000Z\nNAME")
 
+    def test_old_values_have_their_age_and_raw_ones_their_registers(self):
+        old = file("old.json", capture_of((33, [("main", MAIN, 30, {}), ("slow", "0007", 31, {})])))
+        show = [*SHOW, old, "--object", "Flow", "--object", "Heat"]
+        self.assertEqual([re.split(" {2,}", line)[-1] for line in run(*show).stdout.splitlines()],
+                         ["AGE", "3 s", "3 s", "2026-03-14T09:26:33.000Z"])
+        self.assertEqual([re.split(" {2,}", line)[-2:] for line in run(*show, "--raw").stdout.splitlines()],
+                         [["REGISTERS", "AGE"], ["3DCC CCCD", "3 s"], ["FFFB", "3 s"], ["0007", "2 s"]])
+        flow, heat = map(json.loads, run(*show, "--raw", "--json").stdout.splitlines())
+        self.assertEqual((flow["reason"], flow["statusCode"], flow["received"], flow["raw"]),
+                         ("good", 0, "2026-03-14T09:26:30.000Z", [{"role": "value", "function": 3, "address": 10,
+                          "registers": "3DCC CCCD", "frame": "main", "age": 3.0}]))
+        self.assertEqual([(one["role"], one["address"]) for one in heat["raw"]], [("in / value", 18), ("out / value", 20)])
+
     def test_the_examples_become_the_expected_objects_and_alarms(self):
         for command, profile, capture, expected in [
                 (["show", "--exact"], "energy-meter", "energy-meter", "energy-meter"),

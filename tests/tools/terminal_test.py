@@ -44,6 +44,8 @@ class TerminalTest(unittest.TestCase):
                      b"\x1b[2mframe never was never received\x1b[0m"):
             self.assertIn(text, coloured)
         self.assertNotIn(b"\x1b", on_terminal(*show, NO_COLOR="1")[0])
+        told = on_terminal("explain", PROFILE, "Level/east", "--capture", CAPTURE)[0]
+        self.assertRegex(told, rb'\x1b\[31mthey hold 0xFFFF: "not available"\x1b')
 
     def test_poll_refreshes_one_table_in_place_and_gives_the_terminal_back(self):
         with simulator(PROFILE, CAPTURE) as address:

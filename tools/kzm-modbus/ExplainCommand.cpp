@@ -35,7 +35,7 @@ void PrintObjects(const ExplainOptions& options, const LoadedProfile& profile, c
         PrintExplanations(readings, moment, *cache, {options.profile, options.all});
     }
     for (const ObjectReading& reading : options.json ? readings : std::vector<ObjectReading>{}) {
-        PrintExplanationJson(reading, moment, *cache);
+        PrintExplanationJson(reading, moment, *cache, {options.profile, options.all});
     }
 }
 
@@ -68,8 +68,8 @@ ExitStatus Run(const ExplainOptions& options) {
         for (const LoadedProfile::Alarm* alarm : targets.alarms) {
             const AlarmReading reading = ReadAlarm(*profile, *alarm, cache, previous);
             if (moment.isLast) {
-                options.json ? PrintExplanationJson(reading, moment)
-                             : PrintExplanation(reading, moment, {options.profile, options.all});
+                const TreeForm form{options.profile, options.all};
+                options.json ? PrintExplanationJson(reading, moment, form) : PrintExplanation(reading, moment, form);
             }
         }
     });

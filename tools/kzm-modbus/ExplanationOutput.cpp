@@ -23,34 +23,45 @@ constexpr std::size_t SHOWN_READINGS = 6;
 // An element of which the value is missing or doubtful.
 struct Doubtful {
     std::string role;
+    std::string unit;   // of its value; may be empty
     std::string doubt;  // empty for a missing value
     std::vector<OtherReading> readings;
 };
 
+// Whether an element is the value of an element of an object: "phase1 / value".
+bool IsPartOfGroup(const Explanation& explanation, const std::string& role) {
+    return explanation.kind == Explanation::Kind::GROUP &&
+           std::ranges::any_of(explanation.parts, [&](const auto& part) { return role == NameOf(part) + " / value"; });
+}
+
 std::vector<Doubtful> DoubtfulOf(const Explanation& explanation, const RegisterCache& cache, const std::string& unit) {
     std::vector<Doubtful> doubtful;
     ForEachElement(explanation, [&](const Explanation& element, const std::string& role) {
-        const std::string own = role == "value" ? unit : "";
+        const std::string own = role == "value" || IsPartOfGroup(explanation, role) ? unit : "";
         const std::string doubt = element.value.is_null() ? "" : DoubtOf(element, own);
         if (!doubt.empty() || element.value.is_null()) {
             std::vector<OtherReading> readings = OtherReadingsOf(element, cache, own);
             if (!readings.empty()) {
-                doubtful.push_back({role, doubt, std::move(readings)});
+                doubtful.push_back({role, own, doubt, std::move(readings)});
             }
         }
     });
     return doubtful;
 }
 
-void PrintDoubtful(const Doubtful& element, const std::string& unit, bool all) {
-    std::cout << Printable(element.role) << (element.doubt.empty() ? " is missing" : " looks wrong: " + element.doubt)
+std::string LooksWrong(const Doubtful& element) {
+    return element.role + " looks wrong: " + element.doubt;
+}
+
+void PrintDoubtful(const Doubtful& element, bool all) {
+    std::cout << Printable(element.doubt.empty() ? element.role + " is missing" : LooksWrong(element))
               << ". The same registers, read otherwise:\n";
     std::vector<Row> rows;
     for (const OtherReading& reading : element.readings) {
         if (all || rows.size() < SHOWN_READINGS) {
             const std::string text = reading.value.is_null() ? "no value" : TextOf(reading.value);
-            const bool hasUnit = element.role == "value" && reading.value.is_number() && !unit.empty();
-            rows.push_back({{"  " + text + (hasUnit ? " " + Printable(unit) : "")},
+            const bool hasUnit = reading.value.is_number() && !element.unit.empty();
+            rows.push_back({{"  " + text + (hasUnit ? " " + Printable(element.unit) : "")},
                             {reading.change},
                             {reading.doubt, Style::FAINT}});
         }
@@ -67,12 +78,18 @@ void PrintTree(const Explanation& explanation, const std::string& heading, const
     std::cout << '\n';
 }
 
-void PrintReason(const Explanation& explanation, const std::string& whose) {
+// The doubt of a good value is as good as a reason.
+std::string DoubtIn(const std::vector<Doubtful>& doubtful) {
+    const auto found = std::ranges::find_if(doubtful, [](const Doubtful& element) { return !element.doubt.empty(); });
+    return found == doubtful.end() ? "" : ", but " + LooksWrong(*found);
+}
+
+void PrintReason(const Explanation& explanation, const std::string& whose, const std::vector<Doubtful>& doubtful) {
     const Why& why = explanation.why;
     const auto& row = ModbusDeviceModel::DataModel::RowOf(why.reason);
     const bool isGood = why.reason == Reason::GOOD;
     const std::string text = "Reason" + whose + ": " + std::string(row.name) +
-                             (isGood ? "" : " (" + std::string(row.opcUaStatus) + "): " + why.Text());
+                             (isGood ? DoubtIn(doubtful) : " (" + std::string(row.opcUaStatus) + "): " + why.Text());
     std::cout << Styled({Printable(text), isGood ? Style::PLAIN : Style::FAULT}) << '\n';
 }
 
@@ -96,27 +113,32 @@ json ToJson(const Doubtful& element) {
 
 void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment& moment, const RegisterCache& cache,
                        const TreeForm& form) {
+    std::vector<std::vector<Doubtful>> doubtful;
     for (const ObjectReading& reading : readings) {
         PrintTree(reading.explanation, NameOf(reading), form);
-        for (const Doubtful& element : DoubtfulOf(reading.explanation, cache, reading.object->unit)) {
-            PrintDoubtful(element, reading.object->unit, form.all);
+        doubtful.push_back(DoubtfulOf(reading.explanation, cache, reading.object->unit));
+        for (const Doubtful& element : doubtful.back()) {
+            PrintDoubtful(element, form.all);
             std::cout << '\n';
         }
     }
     PrintTable(readings, moment.time, {moment.round});
-    for (const ObjectReading& reading : readings) {
-        PrintReason(reading.explanation, readings.size() == 1 ? "" : " of " + NameOf(reading));
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const std::string whose = readings.size() == 1 ? "" : " of " + NameOf(readings[i]);
+        PrintReason(readings[i].explanation, whose, doubtful[i]);
     }
 }
 
 void PrintExplanation(const AlarmReading& reading, const Moment& moment, const TreeForm& form) {
     PrintTree(reading.explanation, reading.alarm->element->GetName(), form);
     PrintTable({AlarmHeadings(/*raw=*/false), RowOf(reading, moment.time, /*raw=*/false)});
-    PrintReason(reading.explanation, "");
+    PrintReason(reading.explanation, "", {});
 }
 
-void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, const RegisterCache& cache) {
+void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, const RegisterCache& cache,
+                          const TreeForm& form) {
     json line = reading.explanation.ToJson();
+    line["profile"] = form.profile;
     line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
     line["otherwise"] = json::array();
     for (const Doubtful& element : DoubtfulOf(reading.explanation, cache, reading.object->unit)) {
@@ -125,8 +147,9 @@ void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, co
     PrintLine(line);
 }
 
-void PrintExplanationJson(const AlarmReading& reading, const Moment& moment) {
+void PrintExplanationJson(const AlarmReading& reading, const Moment& moment, const TreeForm& form) {
     json line = reading.explanation.ToJson();
+    line["profile"] = form.profile;
     line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
     PrintLine(line);
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "ObjectTable.h"
+#include "ReadElements.h"
 #include "StepText.h"
 #include "Text.h"
 #include "gateway/modbus/ExceptionName.h"
@@ -75,7 +76,7 @@ public:
     void Add(const Explanation& part, const std::string& heading, std::size_t depth) {
         AddRow(depth, Printable(heading), KindText(part), part.place ? part.place->line : 0, Style::HEADING);
         for (const Explanation& child : part.parts) {
-            Add(child, HeadingOf(child), depth + 1);
+            Add(child, NameOf(child), depth + 1);
         }
         if (part.registers) {
             AddRow(depth + 1, "registers", AddressesOf(*part.registers) + InManuals(*part.registers), 0, Style::PLAIN);
@@ -93,11 +94,6 @@ public:
     std::vector<Row> Take() { return std::move(mRows); }
 
 private:
-    static std::string HeadingOf(const Explanation& part) {
-        const bool isPart = part.kind == Explanation::Kind::OBJECT && part.place && !part.place->name.empty();
-        return isPart ? part.place->name : part.role;
-    }
-
     void AddStep(const Explanation& part, const Explanation::Step& step, std::size_t depth,
                  std::vector<std::string>& unchanged) {
         const bool decides = step.reason != Reason::GOOD;
@@ -109,7 +105,8 @@ private:
         }
         if (text.changes || decides || mForm.all) {
             const Style usual = text.changes ? Style::PLAIN : Style::FAINT;
-            AddRow(depth, text.label, text.text, text.isPlaced ? step.line : 0, decides ? Style::FAULT : usual);
+            const std::size_t line = text.isPlaced ? step.line : 0;
+            AddRow(depth, text.label, text.text, line, decides ? Style::FAULT : usual);
         } else if (step.kind != StepKind::GATHERED) {
             unchanged.push_back(text.label);
         }

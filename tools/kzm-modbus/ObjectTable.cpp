@@ -36,14 +36,18 @@ Cell ValueOf(const ObjectPart& part) {
 
 // A missing value says how old its frame is, if that is why.
 Cell AgeOf(const ObjectPart& part, const TableForm& form) {
-    const bool isShown = form.raw || (part.why.empty() && part.age > 2 * form.round.count());
-    return part.age && isShown ? Cell{AgeText(*part.age), Style::WARNING, /*rightAligned=*/true} : Cell{};
+    const bool isOld = part.why.empty() && part.age > 2 * form.round.count();
+    if (!part.age || !(form.raw || isOld)) {
+        return {};
+    }
+    return {AgeText(*part.age), isOld ? Style::WARNING : Style::PLAIN, /*rightAligned=*/true};
 }
 
 Row RowOf(const ObjectReading& reading, const ObjectPart& part, const TableForm& form) {
     const auto& object = *reading.object;
     const std::string quality = AttributeOf(part.attributes, "quality");
-    return {{Printable(object.name) + (part.path.empty() ? "" : ": " + Printable(part.path))},
+    const std::string path = part.path.empty() ? "" : ": " + Printable(part.path);
+    return {{Printable(object.name) + path},
             {Printable(object.alias)},
             ValueOf(part),
             {Printable(part.attributes.value("unit", object.unit))},

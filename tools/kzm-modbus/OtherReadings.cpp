@@ -37,6 +37,8 @@ struct UsualRange {
 // What plants have; a value beyond is shown with what else its registers would be.
 constexpr UsualRange USUAL_RANGES[] = {{"Hz", 0, 1000},    {"%", -200, 200},  {"°C", -60, 250},
                                        {"V", -1500, 1500}, {"kV", -500, 500}, {"A", -10000, 10000}};
+// No member of an element does that.
+constexpr const char* EXCHANGED = "bytes exchanged: the \"sum\" of both";
 constexpr double USUAL_SCALES[] = {0.1, 0.01, 0.001};
 
 std::string UnusualFor(const std::string& unit, const json& value) {
@@ -219,7 +221,8 @@ void AddInterpretations(const Held& held, Collection& readings) {
         const json value = other.ValueOf(held.registers, held.scale, held.offset);
         const std::string doubt(other.WhyImplausible(held.registers));
         if (!value.is_null() && (doubt.empty() || !(value.is_string() || other.bytesExchanged))) {
-            readings.Add(value, Difference(other.GetProfileMembers(held.scale, held.offset), members), doubt,
+            const std::string change = Difference(other.GetProfileMembers(held.scale, held.offset), members);
+            readings.Add(value, other.bytesExchanged ? EXCHANGED : change, doubt,
                          other.GetPrecision(held.scale, held.offset));
         }
     }

@@ -19,7 +19,7 @@ void Visit(const Explanation& part, const std::string& path,
         visit(part, path);
     }
     for (const Explanation& child : part.parts) {
-        Visit(child, path.empty() ? child.role : path + " / " + child.role, visit);
+        Visit(child, path.empty() ? NameOf(child) : path + " / " + NameOf(child), visit);
     }
 }
 
@@ -29,6 +29,11 @@ std::string BytesOf(const Explanation& element) {
 }
 
 }  // namespace
+
+std::string NameOf(const Explanation& part) {
+    const bool isPart = part.kind == Explanation::Kind::OBJECT && part.place && !part.place->name.empty();
+    return isPart ? part.place->name : part.role;
+}
 
 void ForEachElement(const Explanation& explanation,
                     const std::function<void(const Explanation& element, const std::string& path)>& visit) {

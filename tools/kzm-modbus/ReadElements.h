@@ -9,7 +9,10 @@
 // What an explanation says of the registers that were read.
 namespace kzm::ModbusTool {
 
-// Calls `visit` for each element of an explanation, in the order in which they were read. `path`: the roles that lead
+// What a part is called: the element path of a part of an object, otherwise its role.
+std::string NameOf(const ModbusGateway::Explanation& part);
+
+// Calls `visit` for each element of an explanation, in the order in which they were read. `path`: the names that lead
 // to it, "value / feeder 3".
 void ForEachElement(
     const ModbusGateway::Explanation& explanation,

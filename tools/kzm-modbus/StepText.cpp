@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "DeviceProfile/LogicCodeTable.h"
 #include "ObjectTable.h"
@@ -41,8 +42,9 @@ StepText Pattern(const Step& step) {
     if (step.reason == Reason::MISCONFIGURED) {
         return {"pattern", "the \"not available\" pattern " + step.text + " does not fit the registers"};
     }
-    return {"pattern", "\"not available\" is " + step.text + (step.applied ? ": that is what they hold" : ""),
-            step.applied};
+    const std::string held = step.applied ? "they hold " + step.text + ": \"not available\""
+                                          : "not " + step.text + ", which means \"not available\"";
+    return {"pattern", held, step.applied};
 }
 
 StepText Mask(const Step& step) {
@@ -118,69 +120,124 @@ StepText Availability(const Step& step) {
     return {"available", step.reason == Reason::SWITCHED_OFF ? "no, says the flag" : "the flag is not true or false"};
 }
 
-std::string FailureText(const Step& step) {
-    const std::string meaning(RowOf(step.reason).meaning);
-    return step.text.empty() ? meaning : meaning + ": " + step.text;
+using Describe = StepText (*)(const Explanation& part, const Step& step);
+
+struct StepRow {
+    StepKind kind;
+    Describe describe;
+};
+
+// Made of the step alone.
+template <StepText (*OF_STEP)(const Step&)>
+StepText Alone(const Explanation&, const Step& step) {
+    return OF_STEP(step);
 }
+
+StepText SaidElsewhere(const Explanation&, const Step&) {
+    return {};
+}
+
+StepText Received(const Step& step) {
+    const std::string bytes = step.bytes.empty() ? "nothing" : HexOf(step.bytes) + ", quality " + TextOf(step.value);
+    return {"received", bytes, /*changes=*/true, /*isPlaced=*/false};
+}
+
+StepText Swapped(const Step& step) {
+    return {"word order", HexOf(step.bytes) + ", low word first"};
+}
+
+StepText Gathered(const Step& step) {
+    return {"gathered", HexOf(step.bytes) + ", low byte first", /*changes=*/false, /*isPlaced=*/false};
+}
+
+StepText Raw(const Explanation& part, const Step& step) {
+    return {"number", NumberOf(part, step.number, 1, 0), /*changes=*/true, /*isPlaced=*/false};
+}
+
+StepText Exponent(const Step& step) {
+    return {"exponent", NumberText(step.number)};
+}
+
+StepText Quality(const Step& step) {
+    return {"quality", "the device says " + TextOf(step.value)};
+}
+
+StepText Input(const Step& step) {
+    return {"input", Quoted(step.text) + " cannot be used"};
+}
+
+StepText Parameters(const Step& step) {
+    return {"inputs", ParametersText(step.value), /*changes=*/true, /*isPlaced=*/false};
+}
+
+StepText Result(const Explanation& part, const Step& step) {
+    return {"result", step.reason == Reason::GOOD ? ResultText(step.value) : WhyNoResult(part)};
+}
+
+StepText Failure(const Step& step) {
+    const std::string meaning(RowOf(step.reason).meaning);
+    return {"failure", step.text.empty() ? meaning : meaning + ": " + step.text};
+}
+
+StepText Constant(const Step& step) {
+    return {"constant", TextOf(step.value)};
+}
+
+// Row n is step n.
+constexpr StepRow STEPS[] = {
+    {StepKind::OBJECT, SaidElsewhere},
+    {StepKind::GROUP, SaidElsewhere},
+    {StepKind::ELEMENT, SaidElsewhere},
+    {StepKind::COMPUTATION, SaidElsewhere},
+    {StepKind::CONSTANT, Alone<Constant>},
+    {StepKind::ALARM, SaidElsewhere},
+    {StepKind::FRAME, SaidElsewhere},
+    {StepKind::RECEIVED, Alone<Received>},
+    {StepKind::SWAPPED, Alone<Swapped>},
+    {StepKind::PATTERN, Alone<Pattern>},
+    {StepKind::MASKED, Alone<Mask>},
+    {StepKind::GATHERED, Alone<Gathered>},
+    {StepKind::RAW, Raw},
+    {StepKind::EXPONENT, Alone<Exponent>},
+    {StepKind::SCALED, Scale},
+    {StepKind::RANGE, Alone<Range>},
+    {StepKind::LABEL, Alone<Label>},
+    {StepKind::TRANSLATED, Alone<Translation>},
+    {StepKind::AVAILABILITY, Alone<Availability>},
+    {StepKind::QUALITY, Alone<Quality>},
+    {StepKind::VALUE, SaidElsewhere},
+    {StepKind::INPUT, Alone<Input>},
+    {StepKind::PARAMETERS, Alone<Parameters>},
+    {StepKind::RESULT, Result},
+    {StepKind::PREVIOUS, Alone<Previous>},
+    {StepKind::FAILURE, Alone<Failure>},
+};
+static_assert([] {
+    for (std::size_t i = 0; i < std::size(STEPS); ++i) {
+        if (static_cast<std::size_t>(STEPS[i].kind) != i) {
+            return false;
+        }
+    }
+    return STEPS[std::size(STEPS) - 1].kind == StepKind::FAILURE;
+}());
 
 }  // namespace
 
 StepText TextOf(const Explanation& part, const Step& step) {
-    switch (step.kind) {
-        case StepKind::RECEIVED:
-            return {"received", step.bytes.empty() ? "nothing" : HexOf(step.bytes) + ", quality " + TextOf(step.value),
-                    true, false};
-        case StepKind::SWAPPED:
-            return {"word order", HexOf(step.bytes) + ", low word first"};
-        case StepKind::PATTERN:
-            return Pattern(step);
-        case StepKind::MASKED:
-            return Mask(step);
-        case StepKind::GATHERED:
-            return {"gathered", HexOf(step.bytes) + ", low byte first", false, false};
-        case StepKind::RAW:
-            return {"number", NumberOf(part, step.number, 1, 0), true, false};
-        case StepKind::EXPONENT:
-            return {"exponent", NumberText(step.number)};
-        case StepKind::SCALED:
-            return Scale(part, step);
-        case StepKind::RANGE:
-            return Range(step);
-        case StepKind::LABEL:
-            return Label(step);
-        case StepKind::TRANSLATED:
-            return Translation(step);
-        case StepKind::AVAILABILITY:
-            return Availability(step);
-        case StepKind::QUALITY:
-            return {"quality", "the device says " + TextOf(step.value)};
-        case StepKind::INPUT:
-            return {"input", Quoted(step.text) + " cannot be used"};
-        case StepKind::PARAMETERS:
-            return {"inputs", ParametersText(step.value), true, false};
-        case StepKind::RESULT:
-            return {"result", step.reason == Reason::GOOD ? ResultText(step.value) : WhyNoResult(part)};
-        case StepKind::PREVIOUS:
-            return Previous(step);
-        case StepKind::FAILURE:
-            return {"failure", FailureText(step)};
-        case StepKind::CONSTANT:
-            return {"constant", TextOf(step.value)};
-        case StepKind::OBJECT:
-        case StepKind::GROUP:
-        case StepKind::ELEMENT:
-        case StepKind::COMPUTATION:
-        case StepKind::ALARM:
-        case StepKind::FRAME:
-        case StepKind::VALUE:
-            break;
-    }
-    return {};
+    return STEPS[static_cast<std::size_t>(step.kind)].describe(part, step);
 }
 
 std::string ValueText(const Explanation& part) {
-    const bool isShown = Find(part, StepKind::LABEL) || (part.value.is_number() && Find(part, StepKind::RAW));
-    return part.kind == Kind::ELEMENT && !part.value.is_null() && !isShown ? TextOf(part.value) : "";
+    if (part.kind != Kind::ELEMENT || part.value.is_null() || Find(part, StepKind::LABEL)) {
+        return "";
+    }
+    const Step* const scaled = Find(part, StepKind::SCALED);
+    const Step* const number = scaled ? scaled : Find(part, StepKind::RAW);
+    if (!number || !part.value.is_number()) {
+        return TextOf(part.value);
+    }
+    const std::string value = NumberOf(part, part.value.get<double>(), number->factor, number->offset);
+    return value == NumberOf(part, number->number, number->factor, number->offset) ? "" : value + ", rounded";
 }
 
 std::vector<const char*> MissingSteps(const Explanation& part) {
