@@ -83,7 +83,9 @@ StepText Translation(const Step& step) {
         return {"translation", step.text.empty() ? "not a label" : Quoted(step.text) + " has no translation"};
     }
     const bool changes = !(step.value.is_string() && step.value.get_ref<const std::string&>() == step.text);
-    return {"translation", Quoted(step.text) + " becomes " + TextOf(step.value), changes};
+    const std::string translated = TextOf(step.value);
+    return {"translation", Quoted(step.text) + " becomes " + (step.value.is_string() ? Quoted(translated) : translated),
+            changes};
 }
 
 // What is wrong with the inputs of a computation without result, as far as they tell.
