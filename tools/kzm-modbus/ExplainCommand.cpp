@@ -69,7 +69,8 @@ ExitStatus Run(const ExplainOptions& options) {
             const AlarmReading reading = ReadAlarm(*profile, *alarm, cache, previous);
             if (moment.isLast) {
                 const TreeForm form{options.profile, options.all};
-                options.json ? PrintExplanationJson(reading, moment, form) : PrintExplanation(reading, moment, form);
+                options.json ? PrintExplanationJson(reading, moment, *cache, form)
+                             : PrintExplanation(reading, moment, *cache, form);
             }
         }
     });

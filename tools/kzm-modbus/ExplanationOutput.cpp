@@ -97,10 +97,6 @@ std::string NameOf(const ObjectReading& reading) {
     return reading.object->name + (reading.object->alias.empty() ? "" : "/" + reading.object->alias);
 }
 
-void PrintLine(const json& line) {
-    std::cout << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
-}
-
 json ToJson(const Doubtful& element) {
     json line{{"role", element.role}, {"doubt", element.doubt}, {"readings", json::array()}};
     for (const OtherReading& reading : element.readings) {
@@ -109,18 +105,37 @@ json ToJson(const Doubtful& element) {
     return line;
 }
 
+// The tree, and what else its doubtful values would be.
+std::vector<Doubtful> PrintTree(const Explanation& explanation, const std::string& heading, const std::string& unit,
+                                const RegisterCache& cache, const TreeForm& form) {
+    PrintTree(explanation, heading, form);
+    std::vector<Doubtful> doubtful = DoubtfulOf(explanation, cache, unit);
+    for (const Doubtful& element : doubtful) {
+        PrintDoubtful(element, form.all);
+        std::cout << '\n';
+    }
+    return doubtful;
+}
+
+void PrintJson(const Explanation& explanation, const std::string& shown, const std::string& unit,
+               const RegisterCache& cache, const TreeForm& form) {
+    json line = explanation.ToJson();
+    line["profile"] = form.profile;
+    line["shown"] = json::parse(shown);
+    line["otherwise"] = json::array();
+    for (const Doubtful& element : DoubtfulOf(explanation, cache, unit)) {
+        line["otherwise"].push_back(ToJson(element));
+    }
+    std::cout << line.dump(-1, ' ', false, json::error_handler_t::replace) << '\n';
+}
+
 }  // namespace
 
 void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment& moment, const RegisterCache& cache,
                        const TreeForm& form) {
     std::vector<std::vector<Doubtful>> doubtful;
     for (const ObjectReading& reading : readings) {
-        PrintTree(reading.explanation, NameOf(reading), form);
-        doubtful.push_back(DoubtfulOf(reading.explanation, cache, reading.object->unit));
-        for (const Doubtful& element : doubtful.back()) {
-            PrintDoubtful(element, form.all);
-            std::cout << '\n';
-        }
+        doubtful.push_back(PrintTree(reading.explanation, NameOf(reading), reading.object->unit, cache, form));
     }
     PrintTable(readings, moment.time, {moment.round});
     for (std::size_t i = 0; i < readings.size(); ++i) {
@@ -129,29 +144,21 @@ void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment&
     }
 }
 
-void PrintExplanation(const AlarmReading& reading, const Moment& moment, const TreeForm& form) {
-    PrintTree(reading.explanation, reading.alarm->element->GetName(), form);
+void PrintExplanation(const AlarmReading& reading, const Moment& moment, const RegisterCache& cache,
+                      const TreeForm& form) {
+    const auto doubtful = PrintTree(reading.explanation, reading.alarm->element->GetName(), "", cache, form);
     PrintTable({AlarmHeadings(/*raw=*/false), RowOf(reading, moment.time, /*raw=*/false)});
-    PrintReason(reading.explanation, "", {});
+    PrintReason(reading.explanation, "", doubtful);
 }
 
 void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, const RegisterCache& cache,
                           const TreeForm& form) {
-    json line = reading.explanation.ToJson();
-    line["profile"] = form.profile;
-    line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
-    line["otherwise"] = json::array();
-    for (const Doubtful& element : DoubtfulOf(reading.explanation, cache, reading.object->unit)) {
-        line["otherwise"].push_back(ToJson(element));
-    }
-    PrintLine(line);
+    PrintJson(reading.explanation, ToJsonLine(reading, moment.time, /*raw=*/false), reading.object->unit, cache, form);
 }
 
-void PrintExplanationJson(const AlarmReading& reading, const Moment& moment, const TreeForm& form) {
-    json line = reading.explanation.ToJson();
-    line["profile"] = form.profile;
-    line["shown"] = json::parse(ToJsonLine(reading, moment.time, /*raw=*/false));
-    PrintLine(line);
+void PrintExplanationJson(const AlarmReading& reading, const Moment& moment, const RegisterCache& cache,
+                          const TreeForm& form) {
+    PrintJson(reading.explanation, ToJsonLine(reading, moment.time, /*raw=*/false), "", cache, form);
 }
 
 }  // namespace kzm::ModbusTool

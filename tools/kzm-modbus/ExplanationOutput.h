@@ -12,13 +12,15 @@ namespace kzm::ModbusTool {
 // them, then their reasons.
 void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment& moment,
                        const ModbusGateway::RegisterCache& cache, const TreeForm& form);
-void PrintExplanation(const AlarmReading& reading, const Moment& moment, const TreeForm& form);
+void PrintExplanation(const AlarmReading& reading, const Moment& moment, const ModbusGateway::RegisterCache& cache,
+                      const TreeForm& form);
 
 // One JSON object in one line: Explanation::ToJson, "profile" (its path), "shown" (the line of `show --json` or `alarms
 // --json`), and "otherwise": for each element of which the value is doubtful or missing, "role", "doubt" and
 // "readings", each with "value", "change" and "doubt".
 void PrintExplanationJson(const ObjectReading& reading, const Moment& moment, const ModbusGateway::RegisterCache& cache,
                           const TreeForm& form);
-void PrintExplanationJson(const AlarmReading& reading, const Moment& moment, const TreeForm& form);
+void PrintExplanationJson(const AlarmReading& reading, const Moment& moment, const ModbusGateway::RegisterCache& cache,
+                          const TreeForm& form);
 
 }  // namespace kzm::ModbusTool

@@ -170,8 +170,8 @@ public:
     }
     void AddDecoded(const Registers& registers, const Bytes& mask, const std::string& change) {
         const json value = Decode(registers, mask);
-        // A label's number is not its value.
-        if (!value.is_null() && value != Decode(mHeld.registers, mHeld.mask)) {
+        // A label's number is not its value, and bits that are not set are everywhere.
+        if (!value.is_null() && value != Decode(mHeld.registers, mHeld.mask) && value != 0 && value != "0") {
             const std::string doubt(mHeld.IsPlainNumber() ? mHeld.GetPlainReading().WhyImplausible(registers) : "");
             Add(value, change, doubt, mHeld.GetPrecision());
         }
@@ -245,11 +245,7 @@ void AddScales(const Held& held, Collection& readings) {
 void AddNeighbours(const Held& held, const RegisterCache& cache, Collection& readings) {
     for (const int step : {-1, 1}) {
         const int address = held.place.address + step;
-        const Registers registers = RegistersAt(held, cache, address);
-        // Registers of 0 are everywhere.
-        if (std::ranges::count(registers, 0) != std::ssize(registers)) {
-            readings.AddDecoded(registers, held.mask, "\"address\": " + std::to_string(address));
-        }
+        readings.AddDecoded(RegistersAt(held, cache, address), held.mask, "\"address\": " + std::to_string(address));
     }
 }
 
