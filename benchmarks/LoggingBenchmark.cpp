@@ -19,6 +19,10 @@ const bool REGISTERED = [] {
         const std::string name = labelled ? "logging/label" : "logging/number";
         benchmark::RegisterBenchmark((name + "/library").c_str(), Measure, ModbusDeviceModel::MakeRequests, labelled);
         benchmark::RegisterBenchmark((name + "/floor").c_str(), Measure, WithoutLogging::MakeRequests, labelled);
+        const std::string watched = labelled ? "watching/label" : "watching/number";
+        benchmark::RegisterBenchmark((watched + "/library").c_str(), Measure, ModbusDeviceModel::MakeRequests,
+                                     labelled);
+        benchmark::RegisterBenchmark((watched + "/floor").c_str(), Measure, WithoutWatching::MakeRequests, labelled);
     }
     return true;
 }();

@@ -5,6 +5,7 @@
 #include "benchmarks/AllocationCount.h"
 #include "benchmarks/OneFrameCache.h"
 #include "gateway/cache/RegisterCache.h"
+#include "gateway/diagnosis/Explanation.h"
 #include "kz/orba/VortaORBAObject.h"
 #include "src/TestElement.h"
 
@@ -100,6 +101,22 @@ void Attributes(benchmark::State& state) {
     }
 }
 
+// All objects of a model explained in turn.
+void Explanations(benchmark::State& state) {
+    const auto size = static_cast<std::size_t>(state.range(0));
+    const Device::DeviceModel model(MakeAdapters(size), Frames(), {}, {}, {}, true);
+    const auto frame = std::make_shared<OneFrameCache>();
+    frame->Refresh();
+    std::size_t next = 0;
+    for (auto _ : state) {
+        const auto explanation = ModbusGateway::Explain(model, NameOf(next), "", {frame});
+        if (explanation.why.reason != DataModel::Reason::GOOD) {
+            state.SkipWithError("a request failed");
+        }
+        next = next + 1 < size ? next + 1 : 0;
+    }
+}
+
 // What the threads of one benchmark share.
 struct Shared {
     Device::DeviceModel model{MakeAdapters(1000), Frames(), {}, {}, {}, true};
@@ -134,6 +151,7 @@ const bool REGISTERED = [] {
     benchmark::RegisterBenchmark("object/ten", Sizes, 10)->ArgsProduct({sizes});
     benchmark::RegisterBenchmark("object/every", Sizes, 0)->ArgsProduct({sizes});
     benchmark::RegisterBenchmark("object/attributes", Attributes)->ArgsProduct({sizes});
+    benchmark::RegisterBenchmark("explain", Explanations)->ArgsProduct({sizes});
     for (const bool gatewayCache : {false, true}) {
         const char* name = gatewayCache ? "threads/gateway-cache" : "threads/plain-cache";
         benchmark::RegisterBenchmark(name, Threads, gatewayCache)

@@ -15,11 +15,14 @@ public:
 
 }  // namespace kzm::Benchmark
 
-// The same code twice: with the library's log lines and without. `labelled`: the value is an enumeration, whose label
+// The same code three times: the library's, without its log lines, and without its observers. `labelled`: the value is an enumeration, whose label
 // is translated.
 namespace kzm::ModbusDeviceModel {
 [[gnu::visibility("default")]] std::unique_ptr<kzm::Benchmark::Requests> MakeRequests(bool labelled);
 }
 namespace kzm::WithoutLogging {
+[[gnu::visibility("default")]] std::unique_ptr<kzm::Benchmark::Requests> MakeRequests(bool labelled);
+}
+namespace kzm::WithoutWatching {
 [[gnu::visibility("default")]] std::unique_ptr<kzm::Benchmark::Requests> MakeRequests(bool labelled);
 }

@@ -129,6 +129,16 @@ def report_logging(table, runs):
         table.row(f"its value a {row}", library, floor, most=1.02)
 
 
+def report_watching(table, runs):
+    table.section("One object, nobody watching", "ns", "unwatchable")
+    for row, library, floor, _ in pairs(runs, "watching", "floor"):
+        table.row(f"its value a {row}", library, floor, most=1.02)
+    table.section("One object explained", "ns", "one request")
+    for size in SIZES:
+        table.row(f"{size:,} objects", best(runs, f"explain/{size}"), best(runs, f"object/every/{size}"), most=20)
+    table.row("10,000 objects, all of them", best(runs, "explain/10000") * 10000 / 1e6, most=1000, unit=" ms")
+
+
 def report_peers(table, runs, quick):
     table.section("One value beside libmodbus' getters", "ns", "libmodbus")
     rows = list(pairs(runs, "peer", "libmodbus"))
@@ -214,6 +224,7 @@ def main():
     report_objects(table, runs)
     report_threads(table, runs)
     report_logging(table, runs)
+    report_watching(table, runs)
     report_peers(table, runs, options.quick)
     report_loading(table, options.build, options.quick)
     report_files(table, options.build, "x86-64", "")

@@ -1,11 +1,10 @@
 #include "gateway/diagnosis/ExplanationBuilder.h"
 
-#include <array>
-
 #include "DataModel/ElementData.h"
 #include "DeviceProfile/LogicCodeTable.h"
 #include "Support/Status.h"
 #include "gateway/diagnosis/DecidingReason.h"
+#include "gateway/diagnosis/StepTable.h"
 
 namespace kzm::ModbusGateway {
 
@@ -15,56 +14,8 @@ namespace DeviceCache = ModbusDeviceModel::DeviceCache;
 
 namespace {
 
-// The members of a profile that may cause a step, the likelier first.
-std::array<const char*, 2> CausesOf(StepKind kind) {
-    switch (kind) {
-        case StepKind::ELEMENT:
-        case StepKind::FRAME:
-        case StepKind::RECEIVED:
-            return {"address", ""};
-        case StepKind::SWAPPED:
-            return {"order", "type"};
-        case StepKind::PATTERN:
-            return {"notAvailable", ""};
-        case StepKind::MASKED:
-            return {"mask", ""};
-        case StepKind::GATHERED:
-        case StepKind::RAW:
-        case StepKind::RANGE:
-            return {"type", ""};
-        case StepKind::EXPONENT:
-            return {"exponent", ""};
-        case StepKind::SCALED:
-            return {"scale", "offset"};
-        case StepKind::LABEL:
-        case StepKind::TRANSLATED:
-            return {"labels", "enumeration"};
-        case StepKind::COMPUTATION:
-        case StepKind::RESULT:
-            return {"chain", ""};
-        case StepKind::INPUT:
-        case StepKind::PARAMETERS:
-            return {"inputs", "exponent"};
-        case StepKind::PREVIOUS:
-            return {"previous", ""};
-        case StepKind::AVAILABILITY:
-            return {"availability", ""};
-        case StepKind::QUALITY:
-            return {"quality", ""};
-        case StepKind::CONSTANT:
-            return {"constant", ""};
-        case StepKind::OBJECT:
-        case StepKind::GROUP:
-        case StepKind::ALARM:
-        case StepKind::VALUE:
-        case StepKind::FAILURE:
-            break;
-    }
-    return {"", ""};
-}
-
 std::size_t LineOf(const ProfilePlace* place, StepKind kind) {
-    for (const char* const member : CausesOf(kind)) {
+    for (const char* const member : RowOf(kind).causes) {
         const auto found = place ? place->lines.find(member) : std::map<std::string, std::size_t>::const_iterator();
         if (place && found != place->lines.end()) {
             return found->second;

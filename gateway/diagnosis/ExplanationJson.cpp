@@ -4,6 +4,7 @@
 
 #include "DataModel/ElementData.h"
 #include "gateway/diagnosis/Explanation.h"
+#include "gateway/diagnosis/StepTable.h"
 
 namespace kzm::ModbusGateway {
 
@@ -11,65 +12,6 @@ using namespace ModbusDeviceModel::DataModel;
 using nlohmann::json;
 
 namespace {
-
-// Named after their enumerators; a new one without a name is a compile error.
-const char* NameOf(StepKind kind) {
-    switch (kind) {
-        case StepKind::OBJECT:
-            return "object";
-        case StepKind::GROUP:
-            return "group";
-        case StepKind::ELEMENT:
-            return "element";
-        case StepKind::COMPUTATION:
-            return "computation";
-        case StepKind::CONSTANT:
-            return "constant";
-        case StepKind::ALARM:
-            return "alarm";
-        case StepKind::FRAME:
-            return "frame";
-        case StepKind::RECEIVED:
-            return "received";
-        case StepKind::SWAPPED:
-            return "swapped";
-        case StepKind::PATTERN:
-            return "pattern";
-        case StepKind::MASKED:
-            return "masked";
-        case StepKind::GATHERED:
-            return "gathered";
-        case StepKind::RAW:
-            return "raw";
-        case StepKind::EXPONENT:
-            return "exponent";
-        case StepKind::SCALED:
-            return "scaled";
-        case StepKind::RANGE:
-            return "range";
-        case StepKind::LABEL:
-            return "label";
-        case StepKind::TRANSLATED:
-            return "translated";
-        case StepKind::AVAILABILITY:
-            return "availability";
-        case StepKind::QUALITY:
-            return "quality";
-        case StepKind::VALUE:
-            return "value";
-        case StepKind::INPUT:
-            return "input";
-        case StepKind::PARAMETERS:
-            return "parameters";
-        case StepKind::RESULT:
-            return "result";
-        case StepKind::PREVIOUS:
-            return "previous";
-        case StepKind::FAILURE:
-            return "failure";
-    }
-    return "";
-}
 
 const char* NameOf(Explanation::Kind kind) {
     constexpr std::array NAMES{"other", "object", "group", "element", "computation", "constant", "alarm", "previous"};
@@ -137,7 +79,7 @@ void AddNumbers(const Explanation::Step& step, json& object) {
 }
 
 json ToJson(const Explanation::Step& step) {
-    json object{{"step", NameOf(step.kind)}};
+    json object{{"step", RowOf(step.kind).name}};
     AddUnless(object, "bytes", HexOf(step.bytes), std::string());
     AddUnless(object, "mask", HexOf(step.mask), std::string());
     if (!step.text.empty()) {

@@ -23,10 +23,15 @@ std::string SourceOf(const Why& why) {
     return why.frameIndex ? "frame " + why.frame : "the previous value " + Quoted(why.text);
 }
 
+// What the device answered last, if that was an exception.
+std::string ExceptionIn(const Why& why) {
+    return why.exception == 0 ? "" : "; the device answered with " + ExceptionName(why.exception);
+}
+
 std::string AgeIn(const Why& why) {
     const std::string limit =
         " (" + SecondsOf(why.age.value_or(0)) + ", limit " + SecondsOf(static_cast<std::int64_t>(why.limit)) + ")";
-    return SourceOf(why) + " is out of date" + limit;
+    return SourceOf(why) + " is out of date" + limit + ExceptionIn(why);
 }
 
 std::string LastValue(const Why& why) {
@@ -36,8 +41,7 @@ std::string LastValue(const Why& why) {
 }
 
 std::string NeverReceived(const Why& why) {
-    const std::string answer = why.exception == 0 ? "" : "; the device answered with " + ExceptionName(why.exception);
-    return SourceOf(why) + " was never received" + answer;
+    return SourceOf(why) + " was never received" + ExceptionIn(why);
 }
 
 std::string RangeIn(const Why& why) {
@@ -55,6 +59,13 @@ std::string MeaningOf(const Why& why) {
     std::string text(RowOf(why.reason).meaning);
     const std::string& detail = why.text.empty() ? why.input : why.text;
     return detail.empty() ? text : text + ": " + detail;
+}
+
+std::string InputMissing(const Why& why) {
+    Why own = why;
+    own.reason = why.cause;
+    own.input.clear();
+    return "input " + why.input + (why.cause == Reason::GOOD ? " has no value" : ": " + own.Text());
 }
 
 }  // namespace
@@ -89,11 +100,8 @@ std::string Why::Text() const {
             return Label(*this);
         case Reason::NO_TRANSLATION:
             return "the label " + Quoted(text) + " has no translation";
-        case Reason::INPUT_MISSING: {
-            Why own = *this;
-            own.reason = cause;
-            return "input " + input + (cause == Reason::GOOD ? " has no value" : ": " + own.Text());
-        }
+        case Reason::INPUT_MISSING:
+            return InputMissing(*this);
         case Reason::MISCONFIGURED:
         case Reason::CANNOT_COMPUTE:
         case Reason::IMPLAUSIBLE:

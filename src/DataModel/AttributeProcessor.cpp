@@ -69,13 +69,20 @@ StatusCode ReadInputs(const AttributeProcessor::Inputs& inputs, const ValueReque
     return status;
 }
 
+void TellComputation(const AttributeProcessor::Inputs& inputs, const ProcessingChain* chain) {
+    const std::string_view name = chain ? chain->GetName() : std::string_view();
+    const auto reason = inputs.empty() ? Reason::MISCONFIGURED : Reason::GOOD;
+    KZM_TELL(tObserver, {.kind = StepKind::COMPUTATION, .reason = reason, .text = name});
+}
+
 void TellTranslation(StepObserver& observer, StatusCode status, const json& result, const json& value) {
     const bool isLabel = result.is_string();
     const auto why = isLabel ? Reason::NO_TRANSLATION : Reason::CANNOT_COMPUTE;
+    const std::string_view label = isLabel ? result.get_ref<const std::string&>() : std::string_view();
     observer.See({.kind = StepKind::TRANSLATED,
                   .reason = status == Status::SUCCESS ? Reason::GOOD : why,
                   .status = status,
-                  .text = isLabel ? result.get_ref<const std::string&>() : std::string_view(),
+                  .text = label,
                   .value = &value});
 }
 
@@ -116,9 +123,7 @@ StatusCode AttributeProcessor::GetValue(const Cache& cache, bool deviceBigEndian
     KZM_LOG_TRACE("[%s] urn:'%s', nb of input values = %zu", GET_VALUE, urn.c_str(), mInputs.size());
     FlatObject inputs;
     json& parameters = inputs.Get();
-    KZM_TELL(tObserver, {.kind = StepKind::COMPUTATION,
-                         .reason = mInputs.empty() ? Reason::MISCONFIGURED : Reason::GOOD,
-                         .text = mChain ? mChain->GetName() : std::string_view()});
+    TellComputation(mInputs, mChain.get());
     auto status = ReadInputs(mInputs, {cache, deviceBigEndian, ignoreCacheAge, nullptr}, quality, parameters);
     if (status != Status::SUCCESS) {
         return status;

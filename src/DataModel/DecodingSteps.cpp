@@ -175,10 +175,10 @@ bool Decoding<Watch>::CanCompare(Watch watch, const ElementData& element, unsign
         return true;
     }
     const bool isShort = length < 2U * element.mNumberOfRegisters;
-    watch.Tell({.kind = StepKind::PATTERN,
-                .reason = isShort ? Reason::NO_DATA : Reason::MISCONFIGURED,
-                .applied = false,
-                .text = element.mValidityStatus ? *element.mValidityStatus : std::string_view()});
+    const auto reason = isShort ? Reason::NO_DATA : Reason::MISCONFIGURED;
+    const std::string* const pattern = element.mValidityStatus.get();
+    const std::string_view text = pattern ? *pattern : std::string_view();
+    watch.Tell({.kind = StepKind::PATTERN, .reason = reason, .applied = false, .text = text});
     return false;
 }
 

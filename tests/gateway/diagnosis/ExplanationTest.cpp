@@ -3,6 +3,7 @@
 #include "gateway/capture/Capture.h"
 #include "gateway/diagnosis/Recomputing.h"
 #include "gateway/profile/ProfileTesting.h"
+#include "kzm/StandIn/CapturedLog.h"
 #include "kzm/StandIn/Clock.h"
 
 namespace kzm::ModbusGateway {
@@ -59,6 +60,91 @@ TEST(Explanation, TheValueIsThatOfTheRequestForEveryObjectOfEveryProfileAndSnaps
         }
     }
     ExpectRecomputed(all);
+}
+
+// The lines of the profile that caused the steps of a part and of its parts, as "step line".
+void AddLines(const Explanation& part, std::string& lines) {
+    lines += part.place ? part.role + "@" + std::to_string(part.place->line) + part.place->name + " " : "";
+    for (const Explanation::Step& step : part.steps) {
+        const json written = part.ToJson()["steps"][static_cast<std::size_t>(&step - part.steps.data())];
+        lines += step.line == 0 ? "" : written["step"].get<std::string>() + std::to_string(step.line) + " ";
+    }
+    for (const Explanation& inner : part.parts) {
+        AddLines(inner, lines);
+    }
+}
+
+constexpr const char* PLACES = R"({
+"device": {"model": "m", "version": "1",
+  "wordOrder": "little"},
+"frames": [{"name": "f", "function": "holding", "address": 0, "count": 8}],
+"enumerations": {
+  "e": {"0": "Off"}},
+"elements": {
+  "n": {"type": "float32",
+    "address": 0, "notAvailable": "0x7FC00000",
+    "scale": 2},
+  "l": {"address": 4, "type": "enum16",
+    "mask": "0x0001", "enumeration": "e"}},
+"objects": [
+  {"name": "N", "value": "n"},
+  {"name": "L",
+    "value": "l"},
+  {"name": "P", "value": {"address": 6, "type": "scaled-power-34", "count": 1,
+    "exponent": {"address": 7, "type": "uint16", "order": "big"}}},
+  {"name": "C", "value": {
+    "chain": "sum", "inputs": {
+      "x": "n", "y": {"constant": 1}}}}],
+"alarms": [{"name": "A", "priority": "LOW", "type": "t", "description": "d",
+  "chain": "not equal",
+  "left": "n",
+  "right": {"previous": "p"}}]
+})";
+
+TEST(Explanation, StepsNameTheLinesOfTheProfileThatCausedThem) {
+    const auto loaded = ProfileLoader::Load(PLACES);
+    ASSERT_TRUE(loaded.profile) << Written(loaded.problems);
+    const auto cache = std::make_shared<RegisterCache>(loaded.profile->model->GetFrames());
+    const StandIn::StoppedClock clock(NOW);
+    cache->Update(0, std::vector<std::uint16_t>(8), NOW);
+    const std::string n = "@8n element9 frame9 received9 swapped3 pattern9 gathered8 raw8 scaled10 ";
+    const std::string expected[] = {
+        "@14 value" + n,
+        "@15 value@11l element11 frame11 received11 swapped3 masked12 gathered11 raw11 label6 translated6 ",
+        "@17 value@17 element17 frame17 received17 gathered17 raw17 exponent18 "
+        "exponent@18 element18 frame18 received18 gathered18 raw18 ",
+        "@19 value@19 computation20 parameters20 result20 x" + n + "y@21 constant21 ",
+    };
+    for (std::size_t i = 0; i < std::size(expected); ++i) {
+        std::string lines;
+        AddLines(Explain(*loaded.profile, loaded.profile->objects[i], {cache}), lines);
+        EXPECT_EQ(lines, expected[i]);
+    }
+    std::string lines;
+    AddLines(Explain(*loaded.profile, loaded.profile->alarms.front(), {cache}, nullptr), lines);
+    EXPECT_EQ(lines, "@22 left@24 value" + n + "right@25 previous25 ");
+}
+
+// Requests do and log the same with and without an observer, and it is told nothing once it is gone.
+TEST(Explanation, WatchingChangesNothing) {
+    const auto loaded = ProfileLoader::Load(PLACES);
+    const LoadedProfile& profile = *loaded.profile;
+    const auto cache = std::make_shared<RegisterCache>(profile.model->GetFrames());
+    const StandIn::StoppedClock clock(NOW);
+    const auto linesOf = [](const auto& request) {
+        const StandIn::CapturedLog log(Log::OrbaLogLevel::TRACE);
+        request();
+        return log.Joined();
+    };
+    for (int round = 0; round < 2; ++round) {
+        for (const auto& object : profile.objects) {
+            const auto explained = linesOf([&] { Explain(profile, object, {cache}); });
+            const auto asked = linesOf([&] { ObjectOf(profile, cache, object.name, "", round == 0 ? 42 : 0); });
+            EXPECT_EQ(explained, asked);
+            EXPECT_EQ(ModbusDeviceModel::DataModel::GetStepObserver(), nullptr);
+        }
+        cache->Update(0, std::vector<std::uint16_t>(8), NOW);
+    }
 }
 
 }  // namespace
