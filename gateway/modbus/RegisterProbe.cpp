@@ -233,8 +233,8 @@ void RegisterProbe::GiveUpIfHopeless() {
     }
 }
 
-void RegisterProbe::Settle(std::size_t place, State state, int exception) {
-    mRegisters[place] = {state, 0, static_cast<std::uint8_t>(exception)};
+void RegisterProbe::Settle(std::size_t place, State state, std::uint8_t exception) {
+    mRegisters[place] = {state, 0, exception};
 }
 
 }  // namespace kzm::ModbusGateway

@@ -55,8 +55,8 @@ public:
 
     // Asks until all is known; `thorough`: each register in a hole by itself, without a limit of requests. The outcome
     // is ANSWERED at the end; STOPPED or UNREACHABLE as soon as `ask` returns one of these; NO_ANSWER if the device has
-    // answered none of the first ten requests, or none at all; EXCEPTION if it does not know the function (exception 1). What is found
-    // so far stays, and Run may be called again.
+    // answered none of the first ten requests, or none at all; EXCEPTION if it does not know the function (exception
+    // 1). What is found so far stays, and Run may be called again.
     KZM_GATEWAY_EXPORT ModbusConnection::Result Run(bool thorough = false);
 
     // By address, from the first one on.
@@ -86,7 +86,7 @@ private:
     bool Answers(std::size_t place) { return Reads({place, place + 1}); }
     bool Reads(Span block);
     bool Request(Span block);
-    void Settle(std::size_t place, State state, int exception);
+    void Settle(std::size_t place, State state, std::uint8_t exception);
     void GiveUpIfHopeless();
     void LearnLargest(Span block);
 

@@ -15,10 +15,10 @@ struct Device {
     std::set<std::size_t> missing = {};
     std::set<std::size_t> silent = {};
     std::size_t most = 125;
-    int tooMany = 3;         // the exception for larger requests; 0: silence
-    int absent = 2;          // that for missing registers
-    std::size_t lost = 0;    // every so many-th answer
-    std::size_t stopAt = 0;  // the request that is interrupted
+    std::uint8_t tooMany = 3;  // the exception for larger requests; 0: silence
+    std::uint8_t absent = 2;   // that for missing registers
+    std::size_t lost = 0;      // every so many-th answer
+    std::size_t stopAt = 0;    // the request that is interrupted
     std::size_t requests = 0;
 
     ModbusConnection::Result Answer(std::uint16_t first, std::uint16_t count, std::uint16_t* values) {
@@ -73,7 +73,8 @@ TEST(RegisterProbe, HolesAreFoundExactlyWithTheRequestsAllowed) {
     for (const auto& [longest, each] : {std::pair<std::size_t, double>{1, 15.93}, {3, 15.93}, {8, 15.93}, {20, 18}}) {
         for (int i = 0; i < 50; ++i) {
             std::size_t holes = 0;
-            Device device{.missing = RandomHoles(random, longest, longest, holes), .absent = i % 2 + 2};
+            Device device{.missing = RandomHoles(random, longest, longest, holes),
+                          .absent = static_cast<std::uint8_t>(i % 2 + 2)};
             RegisterProbe probe = device.Probe(0, 1999);
             EXPECT_EQ(probe.Run().outcome, Outcome::ANSWERED);
             EXPECT_EQ(Wrong(device, probe, 0), 0U) << longest;
