@@ -49,8 +49,9 @@ std::string TextOf(const json& value, NumberPrecision precision) {
 // "*" marks what may well be meant.
 Cell CellOf(const Interpretation& way, const std::vector<std::uint16_t>& words, Style style) {
     const bool plausible = way.WhyImplausible(words).empty();
-    return {(plausible ? "*" : "") + TextOf(way.ValueOf(words), way.GetPrecision()),
-            plausible || style != Style::PLAIN ? style : Style::FAINT, /*rightAligned=*/true};
+    const std::string text = TextOf(way.ValueOf(words), way.GetPrecision());
+    const Style faint = style == Style::PLAIN ? Style::FAINT : style;
+    return plausible ? Cell{"*" + text, style, /*rightAligned=*/true} : Cell{text, faint, /*rightAligned=*/true};
 }
 
 // Signed where only that is plausible.
