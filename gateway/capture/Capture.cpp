@@ -29,7 +29,7 @@ constexpr std::uint32_t ADDRESS_COUNT = 0x10000;
 
 // The number in the `count` characters of `text` from `position`; -1 if one of them is not a digit.
 int Digits(std::string_view text, std::size_t position, std::size_t count, int base = 10) {
-    int number = -1;
+    int number{};
     const char* begin = text.data() + position;
     const auto result = std::from_chars(begin, begin + count, number, base);
     return *begin != '-' && result.ec == std::errc() && result.ptr == begin + count ? number : -1;
@@ -219,7 +219,7 @@ std::vector<Capture::Missing> ReadMissing(const JsonCursor& list) {
                                     "; the last register of a device is 65535");
         }
         missing.push_back({FindReadFunction(function.Text()).value_or(code), static_cast<std::uint16_t>(first),
-                           static_cast<std::uint32_t>(count), *place.At("presumed") == true});
+                           static_cast<std::uint32_t>(count)});
     });
     return missing;
 }
@@ -282,12 +282,7 @@ nlohmann::ordered_json Written(const FrameData& frame, const std::string& name) 
 }
 
 nlohmann::ordered_json Written(const Capture::Missing& missing) {
-    nlohmann::ordered_json text{
-        {"function", NameOf(missing.functionCode)}, {"address", missing.first}, {"count", missing.count}};
-    if (missing.presumed) {
-        text["presumed"] = true;
-    }
-    return text;
+    return {{"function", NameOf(missing.functionCode)}, {"address", missing.first}, {"count", missing.count}};
 }
 
 nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const DeviceFrames& device) {

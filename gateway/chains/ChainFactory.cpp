@@ -97,10 +97,10 @@ void CheckInputs(const ChainRow& row, Names& inputs, ChainFactory::Result& resul
     if (!roles.empty()) {
         CheckNamedInputs(row.name, inputs, roles, result);
         inputs = roles;
-    } else if (inputs.size() < row.inputs.least || inputs.size() > row.inputs.most) {
+    } else if (row.inputs.isSingle ? inputs.size() != 1 : inputs.size() < 2) {
         result.faults.push_back({{"inputs"},
                                  "the chain " + Quoted(row.name) + " cannot have " + std::to_string(inputs.size()) +
-                                     " inputs; allowed: " + (row.inputs.most == 1 ? "one" : "two or more") +
+                                     " inputs; allowed: " + (row.inputs.isSingle ? "one" : "two or more") +
                                      ", under any name"});
     }
 }
@@ -239,7 +239,7 @@ ChainFactory::Result ChainFactory::MakeForAlarm(const std::string& name, const s
     const ChainRow* row = FindChain(name);
     const CustomChain* own = custom.Find(name);
     if (row && GIVES_BOOLEAN(*row)) {
-        Finish(*row, row->inputs.most == 1 ? Names{left} : Names{left, right}, settings, result);
+        Finish(*row, row->inputs.isSingle ? Names{left} : Names{left, right}, settings, result);
     } else if (own && GIVES_BOOLEAN(*own)) {
         const Names inputs = own->inputs.size() == 1 ? Names{left} : Names{left, right};
         CheckNamedInputs(name, inputs, InputsOf(*own), result);

@@ -20,9 +20,9 @@ constexpr std::string_view MINUEND_SUBTRAHEND[] = {"minuend", "subtrahend"};
 constexpr std::string_view DIVIDEND_DIVISOR[] = {"dividend", "divisor"};
 constexpr std::string_view VALUE_EXPONENT[] = {"value", "exponent"};
 constexpr std::string_view LEFT_RIGHT[] = {"left", "right"};
-constexpr ChainInputs ONE{{}, 1, 1};
-constexpr ChainInputs MANY{{}, 2};
-constexpr ChainInputs SIDES{LEFT_RIGHT, 2, 2};
+constexpr ChainInputs ONE{{}, true};
+constexpr ChainInputs MANY{};
+constexpr ChainInputs SIDES{LEFT_RIGHT};
 
 constexpr ChainTypes NUMBERS[] = {{Type::NUMBER, Type::NUMBER}};
 constexpr ChainTypes SCALED[] = {{Type::NUMBER, Type::INTEGER}};
@@ -50,16 +50,16 @@ constexpr ChainSetting BY_BIT[] = {
 
 constexpr ChainRow CHAINS[] = {
     {"sum", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Fold<Plus>},
-    {"difference", {MINUEND_SUBTRAHEND, 2, 2}, NUMBERS, ChainResult::NUMBER, NOTHING, Fold<Minus>},
+    {"difference", {MINUEND_SUBTRAHEND}, NUMBERS, ChainResult::NUMBER, NOTHING, Fold<Minus>},
     {"product", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Fold<Times>},
-    {"quotient", {DIVIDEND_DIVISOR, 2, 2}, NUMBERS, ChainResult::NUMBER, NOTHING, Quotient},
+    {"quotient", {DIVIDEND_DIVISOR}, NUMBERS, ChainResult::NUMBER, NOTHING, Quotient},
     {"minimum", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Extreme<-1>},
     {"maximum", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Extreme<1>},
     {"average", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Average},
     {"unbalance", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Unbalance},
     {"hypotenuse", MANY, NUMBERS, ChainResult::NUMBER, NOTHING, Hypotenuse},
     {"linear", ONE, NUMBERS, ChainResult::NUMBER, LINE, Linear},
-    {"scale10", {VALUE_EXPONENT, 2, 2}, SCALED, ChainResult::NUMBER, NOTHING, Scale10},
+    {"scale10", {VALUE_EXPONENT}, SCALED, ChainResult::NUMBER, NOTHING, Scale10},
     {"equal", SIDES, ANY, ChainResult::BOOLEAN, DEAD_BAND, Decide<Compare<EQUAL>>},
     {"not equal", SIDES, ANY, ChainResult::BOOLEAN, DEAD_BAND, Decide<Compare<LESS | GREATER>>},
     {"less", SIDES, NUMBERS, ChainResult::BOOLEAN, DEAD_BAND, Decide<Compare<LESS>>},

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <limits>
 #include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string_view>
@@ -14,11 +12,11 @@ namespace kzm::ModbusGateway {
 struct ChainCall;
 struct ChainSettings;
 
-// How many inputs a chain takes, and their names if each has its own role; otherwise any names will do.
+// Whether a chain takes one input, or two or more, and their names if each has its own role; otherwise any names will
+// do.
 struct ChainInputs {
     std::span<const std::string_view> names;
-    std::size_t least;
-    std::size_t most = std::numeric_limits<std::size_t>::max();
+    bool isSingle = false;
 };
 
 // Types that the first input and the others have together.

@@ -32,7 +32,7 @@ int SignOfSum(Terms terms) {
     Terms parts{};
     int sign = 0;
     for (std::size_t count = 0; count < terms.size(); ++count) {
-        double carry = terms[count] * (huge ? 0x1p-10 : 1);
+        double carry = huge ? terms[count] * 0x1p-10 : terms[count];
         for (std::size_t i = 0; i < count; ++i) {
             const double sum = carry + parts[i];
             const double added = sum - carry;

@@ -9,7 +9,7 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
     const char* begin = text.data() + (hexadecimal ? 2 : 0);
     const char* end = text.data() + text.size();
-    std::uint64_t number = 0;
+    std::uint64_t number{};
     const auto result = std::from_chars(begin, end, number, hexadecimal ? 16 : 10);
     return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
 }

@@ -131,7 +131,7 @@ int ModbusConnection::Open() {
 
 void ModbusConnection::NoteUnreachable(int error) {
     mNextAttempt = Clock::now() + mPause;
-    mPause = mPause < mSettings.longestPause / 2 ? mPause * 2 : mSettings.longestPause;
+    mPause = std::min(mPause * 2, mSettings.longestPause);
     if (std::exchange(mUnreachable, error) == 0) {
         LogLine(Logging::WARNING, LOG_MODULE,
                 [&] { return "[Read] " + GetName() + " cannot be reached: " + TextOf(error); });

@@ -99,9 +99,9 @@ void ModbusSimulator::Impl::Serve(const std::atomic<bool>& stop) {
 }
 
 void ModbusSimulator::Impl::ServeOnce() {
-    std::vector<pollfd> descriptors{{mListener.Get(), POLLIN, 0}};
+    std::vector<pollfd> descriptors{{mListener.Get(), POLLIN, {}}};
     for (const Client& client : mClients) {
-        descriptors.push_back({client.socket.Get(), POLLIN, 0});
+        descriptors.push_back({client.socket.Get(), POLLIN, {}});
     }
     poll(descriptors.data(), descriptors.size(), 50);
     for (std::size_t i = 0; i < mClients.size(); ++i) {

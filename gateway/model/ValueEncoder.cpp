@@ -270,16 +270,19 @@ private:
                 FloatAttempt(std::nextafter(number, -FAR))};
     }
 
+    // From a number to the next one that is further from zero, without the fraction.
+    static std::uint64_t StepAt(double number) {
+        const double size = std::fabs(number);
+        return static_cast<std::uint64_t>(std::nextafter(size, HUGE_VAL) - size);
+    }
+
     std::vector<Attempt> AttemptsNear(double raw) const {
         const double rounded = std::round(raw);
-        const double size = std::min(std::fabs(rounded), 0x1p64);  // a scale of 0 makes it infinite
-        const double above = std::nextafter(size, std::numeric_limits<double>::infinity());
-        const auto step = static_cast<std::uint64_t>(std::clamp(above - size, 1.0, 0x1p53));
         if (rounded >= -0x1p63 && rounded < 0x1p62) {
-            return AttemptsNear(static_cast<std::int64_t>(rounded), step);
+            return AttemptsNear(static_cast<std::int64_t>(rounded), StepAt(rounded));
         }
         if (rounded > 0 && rounded < 0x1p64) {
-            return AttemptsNear(static_cast<std::uint64_t>(rounded), step);
+            return AttemptsNear(static_cast<std::uint64_t>(rounded), StepAt(rounded));
         }
         return {std::nullopt, IntegerAttempt(Range().low), IntegerAttempt(Range().high)};
     }

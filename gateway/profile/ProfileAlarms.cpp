@@ -32,12 +32,11 @@ bool HasOneInput(const ChainFactory::Result& made) {
     return made.signatures.front().size() == 1;
 }
 
-// False, and reported, for an operand too many or too few.
+// Reports an operand too many or too few; false for the latter.
 bool CheckSides(const JsonCursor& alarm, const ChainFactory::Result& made) {
     const bool one = HasOneInput(made);
     if (one && alarm->contains(RIGHT)) {
         alarm.At(RIGHT).Error("the chain " + Quoted(made.chain->GetName()) + " uses only the operand " + Quoted(LEFT));
-        return false;
     }
     if (!one && !alarm->contains(RIGHT)) {
         alarm.Error("the chain " + Quoted(made.chain->GetName()) + " needs the operand " + Quoted(RIGHT));

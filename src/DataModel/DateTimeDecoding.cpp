@@ -91,9 +91,7 @@ std::string TextOf(const std::tm& time, std::string_view fraction) {
 }
 
 std::string TextOf(const std::tm& time, int milliseconds) {
-    char digits[12];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, milliseconds).ptr;
-    return TextOf(time, std::string_view(digits, static_cast<std::size_t>(end - digits)));
+    return TextOf(time, std::to_string(milliseconds));
 }
 
 std::string TextOf(void (*decode)(std::tm&, const char*), const char* bytes) {

@@ -102,7 +102,7 @@ bool MatchesPattern(const std::string& pattern, const unsigned char* buffer, uns
             std::copy_n(buffer, std::min(length, 8U), bytes.begin());
             return sizeof(std::uint64_t);
         case Gathering::SWAPPED_BIG_ENDIAN_32:
-            ElementData::WordSwap(buffer, length < 4 ? 0 : 4);
+            ElementData::WordSwap(buffer, std::min(length, 4U));
             [[fallthrough]];
         case Gathering::BIG_ENDIAN_32:
             data.SetUnsigned(static_cast<std::uint32_t>(GatherBigEndian(buffer, length)));

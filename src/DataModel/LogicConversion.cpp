@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <initializer_list>
@@ -370,7 +371,7 @@ json Enumeration(const Parts<Watch>& element, const myData& data, bool& refused)
 // Shifts a number right until the lowest bit of its mask is bit 0, so that labels count from 0. Its mask is the first
 // bytes of the bitmask; where these are fewer than the number has, it is as wide as the element's registers.
 myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>& bitmask, std::uint8_t registers) {
-    std::uint64_t number = view == RawView::U32 ? data.Unsigned32() : data.Unsigned16();
+    const std::uint64_t number = view == RawView::U32 ? data.Unsigned32() : data.Unsigned16();
     std::size_t width = view == RawView::U32 ? 4 : 2;
     if (bitmask.size() < width) {
         width = std::min(bitmask.size(), std::size_t{2} * registers);
@@ -379,12 +380,8 @@ myData Shifted(const myData& data, RawView view, const std::vector<std::uint8_t>
     for (std::size_t i = 0; i < width; ++i) {
         mask = mask << 8 | bitmask[i];
     }
-    for (std::size_t shifts = 8 * width; shifts > 0 && (mask & 1) == 0; --shifts) {
-        mask >>= 1;
-        number >>= 1;
-    }
     myData shifted;
-    shifted.SetUnsigned(number);
+    shifted.SetUnsigned(number >> std::countr_zero(mask));
     return shifted;
 }
 

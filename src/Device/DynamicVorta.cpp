@@ -9,9 +9,7 @@ void DynamicVorta::SetVortaSubgraph(Table& table, VortaObjectCategory category, 
     // Copied before the table grows: the names may be one of its own lists.
     std::vector<std::string> subgraph(names);
     std::sort(subgraph.begin(), subgraph.end());
-    if (table.size() < VORTA_OBJECT_CATEGORIES) {
-        table.resize(VORTA_OBJECT_CATEGORIES);
-    }
+    table.resize(std::max<std::size_t>(table.size(), VORTA_OBJECT_CATEGORIES));
     table.at(static_cast<std::size_t>(category)) = std::move(subgraph);
 }
 

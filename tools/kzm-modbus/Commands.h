@@ -11,8 +11,6 @@ namespace kzm::ModbusTool {
     ROW(AddShowCommand)         \
     ROW(AddExplainCommand)      \
     ROW(AddPollCommand)         \
-    ROW(AddReadCommand)         \
-    ROW(AddProbeCommand)        \
     ROW(AddCaptureCommand)      \
     ROW(AddSimulateCommand)     \
     ROW(AddAlarmsCommand)       \

@@ -32,10 +32,10 @@ protected:
 TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
     RegisterCache cache(mDevice.frames);
     cache.Update(0, std::vector<std::uint16_t>{0xABCD, 0, 7}, TIME + 5, QUALITY_BAD);
-    Capture capture;
-    capture.snapshots.push_back(Capture::Take(cache, mDevice, TIME));
-    EXPECT_EQ(capture.snapshots[0].time, TIME + 5);  // never older than what it holds
-    ASSERT_EQ(capture.snapshots[0].frames.size(), 1U);
+    const Capture::Snapshot taken = Capture::Take(cache, mDevice, TIME);
+    EXPECT_EQ(taken.time, TIME + 5);  // never older than what it holds
+    ASSERT_EQ(taken.frames.size(), 1U);
+    Capture capture{.snapshots = {{0, {}}, taken, taken}};
     const std::string text = capture.Write(mDevice);
     EXPECT_NE(text.find("\"ABCD 0000 0007\""), std::string::npos) << text;
 
@@ -43,7 +43,7 @@ TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
     EXPECT_EQ(read.Write(mDevice), text);
 
-    capture.missing = {{ModbusFunctionCode{4}, 7, 65529}, {ModbusFunctionCode{3}, 9, 1, true}};
+    capture.missing = {{ModbusFunctionCode{4}, 7, 65529}};
     const std::string probed = capture.Write(mDevice);
     const Capture described = Capture::Parse(probed, mProblems);
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
@@ -91,7 +91,7 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
         {"\"main\"", "\"mian\"", 4, "/snapshots/0/frames/0/frame", "did you mean \"main\"?"},
         {"\"bits\"", "\"main\"", 5, "/snapshots/0/frames/1/frame", "already"},
         {"\" FFFF\"", "\"\"", 4, "/snapshots/0/frames/0/registers", "2 registers here, but the frame has 3"},
-        {"FFFF", "FFF", 4, "/snapshots/0/frames/0/registers/1", "\"FFF\" is not a register; allowed: four hexadecimal"},
+        {"0001 0A0b", " 001 0A0b", 4, "/snapshots/0/frames/0/registers/0", "\"001\" is not a register; allowed: four"},
         {"FFFF", "-FFF", 4, "/snapshots/0/frames/0/registers/1", "is not a register"},
         {"0001 0000", "0002 0000", 5, "/snapshots/0/frames/1/registers/0", "0000 and 0001"},
         {"Bad", "bad", 5, "/snapshots/0/frames/1/quality", "\"Good\", \"Bad\", \"Questionable\""},
@@ -103,6 +103,8 @@ TEST_F(CaptureTest, EachFaultIsToldWithLineAndPointer) {
         {"59.001Z", "59.+01Z", 5, "/snapshots/0/frames/1/time", "is not a time"},
         {"54.000Z", "53.588Z", 6, "/snapshots/1/time", "sort snapshots by time"},
         {"\"frames\": []", "\"frame\": []", 6, "/snapshots/1", "\"frames\" is missing"},
+        {"\"M\"", R"("M", "missing": [{"function": 3, "address": 65535, "count": 2}])", 1, "/missing/0/count",
+         " 65536;"},
         {"\"M\"", "\"N", 1, "", "this is not JSON"}};
     for (const auto& [old, replacement, line, pointer, message] : rows) {
         mProblems.clear();

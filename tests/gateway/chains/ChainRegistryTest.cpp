@@ -49,6 +49,11 @@ TEST(ChainRegistry, AProfileNamesTheChainsOfItsProgram) {
     chains.Add({"label", {{"value", NUMBER}}, ChainResult::LABEL, {"on"}, [](const json&) {
                     return std::make_shared<Above>(0, "value");
                 }});
+    chains.Add({"object",
+                {{"value", ModbusDeviceModel::ProcessingChainOperandType::OBJECT}},
+                ChainResult::BOOLEAN,
+                {},
+                [](const json&) { return std::make_shared<Above>(0, "value"); }});
     const auto loaded = ProfileLoader::Load(PROFILE, chains);
     ASSERT_EQ(Written(loaded.problems), "");
     EXPECT_EQ(loaded.profile->alarms.size(), 1U);
@@ -58,6 +63,8 @@ TEST(ChainRegistry, AProfileNamesTheChainsOfItsProgram) {
         {R"("limit": 10}}})", R"("limt": 10}}})", R"(5 /objects/0/value/settings: the chain "above": )"},
         {R"("chain": "above", )", R"("chain": "none", )", R"(5 /objects/0/value/settings: the chain "none": it could)"},
         {R"("chain": "above", )", R"("chain": "label", )", R"(5 /objects/0/value/settings: the chain "label": it was)"},
+        {R"("chain": "above", )", R"("chain": "object", )",
+         R"(5 /objects/0/value/inputs/value: this element cannot be an input of the chain "above"; needed: an object)"},
         {R"("chain": "above", )", R"("chain": "abov", )",
          R"(5 /objects/0/value/chain: there is no chain "abov"; did you mean "above" or "above left"? Allowed: "sum")"},
         {R"({"value": "level"})", R"({"x": "level"})",

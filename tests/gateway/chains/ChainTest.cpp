@@ -126,7 +126,7 @@ TEST(Chain, EveryChainRefusesMissingParametersAndNumbersThatAreNotFinite) {
     const json settings = {{"low", 1}, {"high", 2}, {"bit", 1}};
     for (const ChainRow& row : AllChains()) {
         Names inputs(row.inputs.names.begin(), row.inputs.names.end());
-        inputs = inputs.empty() ? Names(row.inputs.least, "a") : inputs;
+        inputs = inputs.empty() ? Names(row.inputs.isSingle ? 1 : 2, "a") : inputs;
         json own = row.name == "choice by bit"        ? json::parse(R"({"labels": [{"bit": 1, "label": "x"}]})")
                    : row.result == ChainResult::LABEL ? json::parse(R"({"labels": {"1": "x"}})")
                                                       : json::object();
@@ -176,6 +176,9 @@ TEST(ChainFactory, AFaultTellsItsPlaceAndWhatIsAllowed) {
 /settings/low: "low" cannot be "x"; allowed: a finite number
 : the chain "inside band" needs the setting "high"; allowed: a finite number)"},
         {"inside band", R"({"low": 2, "high": 1})", "a", R"(/settings/low: "low" is above "high"; allowed: up to 1)"},
+        {"bit", "{}", "a", R"(: the chain "bit" needs the setting "bit"; allowed: 0 to 63)"},
+        {"choice by value", "{}", "a", R"(: the chain "choice by value" needs the setting "labels")"},
+        {"choice by bit", "{}", "a", R"(: the chain "choice by bit" needs the setting "labels")"},
         {"bit", R"({"bit": 64})", "a", R"(/settings/bit: "bit" cannot be 64; allowed: 0 to 63)"},
         {"choice by value", R"({"labels": {"16": "a", "0x10": "b"}, "default": ""})", "a", R"(/settings/default: "d)"},
         {"choice by value", R"({"labels": {"16": "a", "0x10": "b"}})", "a", R"(/settings/labels: "labels" cannot be)"},

@@ -17,7 +17,7 @@ TEST(SuggestionsTest, TheLikeliestNamesComeFirstWhateverTheirCase) {
         {"FLOAT32", {"float32"}}, {"van", {"Van"}}, {"hz", {"Hz"}},  // the same but for the case
         {"float", {"float32", "enum-float32", "float32-swapped"}},  // contain it, the shortest first
         {"float32_be", {"float32"}}, {"min", {"minimum"}}, {"imum", {"maximum", "minimum"}},  // likewise
-        {"m", {}}, {"", {}},  // too short to tell
+        {"ma", {"maximum"}}, {"unit of urns", {"unit", "urn"}}, {"m", {}}, {"", {}},  // too short to tell
         {"uint23", {"uint32"}},  // neighbours swapped
         {"mximun", {"maximum"}}, {"mrm", {}},  // two of six differ, of the other three
         {"Vax", {"Van", "Vab"}}, {"urm", {"urn"}}};

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "gateway/modbus/Requests.h"
+#include "gateway/modbus/RtuMessage.h"
 #include "gateway/modbus/ScriptedDevice.h"
 
 namespace kzm::ModbusGateway::ModbusConnectionTest {
@@ -127,6 +128,8 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
             << testing::PrintToString(answer);
         EXPECT_EQ(values, error == 0 ? expected : std::vector<std::uint16_t>(count, UNTOUCHED));
     }
+    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{1, 3, 251}), 256U);
+    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{1, 3, 252}), 0U);
     const Bytes request = WriteRequest({ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, 0x0102, 3});
     EXPECT_EQ(request, (Bytes{16, 1, 2, 0, 3, 6, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(TakeConfirmation(request, {16, 1, 2, 0, 3}), 0);

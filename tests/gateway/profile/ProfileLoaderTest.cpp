@@ -114,7 +114,7 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 "timestamp": "clock" => "quality": "clock" => 12 /objects/0/quality: this element cannot => a text
 {"constant": "Good"} => {"constant": 1} => 15 /objects/2/elements/a~1b/quality: this element cannot
 "a/b" => "a~b" => 15 /objects/2/elements/a~0b: this is not an element path => "~0"
-"a/b" => "a/256" => 15 /objects/2/elements/a~1256: this path has an index above 255 => 0 to 255
+"a/b" => "a/256/~0~1" => 15 /objects/2/elements/a~1256~1~00~01: this path has an index above 255 => 0 to 255
 "a/b": => "a": {"value": "clock"}, "a/value": => 15 /objects/2/elements/a~1value: this path leads => "a"
 {"name": "Plain" => {"name": "T", "urn": "State/x", "value": {"address": 103, "type": "enum16", "enumeration": "state"}}, {"name": "Plain" => 16 /objects/3: the label "On" is translated into "On" here => into true by the object on line 13
 // left over
@@ -126,7 +126,8 @@ TEST(ProfileLoader, EachFaultGivesOneProblemWithLinePointerAndRemedy) {
 }
 
 TEST(ProfileLoader, AMaskThatCannotGiveALabelsRawValueIsToldWhereverItsBitsAre) {
-    const char* const rows[][4] = {{"enum16", "0x0FF0", "0xFF", ""},
+    const char* const rows[][4] = {{"enum16", "0xFFFF", "0xFFFF", ""},
+                                   {"enum16", "0x0FF0", "0xFF", ""},
                                    {"enum16", "0x0FF0", "0x100", "raw value 256"},
                                    {"enum16", "0x8001", "0x8001", ""},
                                    {"enum16", "0x8001", "2", "raw value 2"},

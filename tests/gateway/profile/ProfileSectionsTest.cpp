@@ -62,9 +62,13 @@ TEST(ProfileComputations, HaveTheWorstQualityTheFramesAndTheClassOfWhatTheyAreMa
     device.Set(0, {0x8000});
     EXPECT_EQ(device.ValueOf("Power", 42), json({nullptr, "Bad"}));
     EXPECT_EQ(device.loaded.profile->objects[1].adapter->GetFrameIndexes(), (std::set<std::uint8_t>{0, 1}));
-    std::string className;
-    device.loaded.profile->model->GetClassName("Power", className);
-    EXPECT_EQ(className, "$iot.measurement.NumericalMeasurementValue<Float>");
+    for (const auto& [name, expected] : {std::pair{"Power", "$iot.measurement.NumericalMeasurementValue<Float>"},
+                                         {"Closed", "$iot.measurement.DiscreteMeasurementValue<Boolean>"},
+                                         {"Level", "$iot.measurement.DiscreteMeasurementValue<String>"}}) {
+        std::string className;
+        device.loaded.profile->model->GetClassName(name, className);
+        EXPECT_EQ(className, expected);
+    }
 }
 
 TEST(ProfileComputations, EachFaultGivesOneProblem) {
@@ -92,7 +96,8 @@ TEST(ProfileComputations, AValueTakesABoundedNumberOfElementsAndComputations) {
     const struct {
         const char* form;
         const char* last;  // needed by the others
-    } rows[] = {{R"("e%d": {"chain": "sum", "inputs": {"x": "e%e", "y": "e%e"}},)", "e1000"},
+    } rows[] = {{R"("e%d": {"address": 51, "count": 2, "type": "scaled-power-36", "exponent": "e%e"},)", "e1000"},
+                {R"("e%d": {"chain": "sum", "inputs": {"x": "e%e", "y": "e%e"}},)", "e1000"},
                 {R"("e%e": {"chain": "linear", "inputs": {"x": "e%d"}},)", "e1399"}};
     for (const auto& row : rows) {
         std::string elements;

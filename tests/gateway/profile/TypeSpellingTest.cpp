@@ -19,7 +19,7 @@ TEST(TypeSpelling, OtherProgramsTypesLeadToThoseOfProfiles) {
         {"float32_cdab", "float32", "little"}, {"Float CDAB", "float32", "little"},
         {"float32nans", "float32", "little"}, {"float32_badc", "float32", "", true},
         {"float32_swap", "float32", "little"}, {"int64_ghefcdab", "int64", "little"}, {"floatbe", "float32", "big"},
-        {"Bool", "boolean"}, {"bits", "boolean"}, {"stringle", "text-swapped"}, {"string", "text"}};
+        {"Bool", "boolean"}, {"bits", "boolean"}, {"float32le", "float32", "", true}, {"stringle", "text-swapped"}, {"string", "text"}};
     // clang-format on
     for (const auto& row : rows) {
         const auto spelling = FindTypeSpelling(row.text);

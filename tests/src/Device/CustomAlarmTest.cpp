@@ -22,7 +22,7 @@ std::shared_ptr<ComputedAlarmElement> MakeAlarm(const json& result, const char* 
 
 const json STRUCTURE = json::parse(R"({"elements": {
     "state": {"value": "old", "datetime": "old", "quality": "old"}, "criticality": {"value": null},
-    "type": {"value": null}, "customer_alarm_name": {"value": null}, "customer_alarm_description": {}}})");
+    "type": {"value": null}, "customer_alarm_name": {"value": null}, "customer_alarm_description": {"value": null}}})");
 
 TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     const StoppedClock clock(NOW);
@@ -44,6 +44,7 @@ TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
         expected["elements"]["criticality"]["value"] = criticality;
         expected["elements"]["type"]["value"] = "the type";
         expected["elements"]["customer_alarm_name"]["value"] = "the name";
+        expected["elements"]["customer_alarm_description"]["value"] = "the description";
         return std::pair(0, expected);
     };
     EXPECT_EQ(fill("active", STRUCTURE), state("Active", NOW_TEXT, "Good", "High"));
@@ -52,8 +53,8 @@ TEST(CustomAlarm, IsWrittenWhereItsLeavesAre) {
     log.Clear();
     EXPECT_EQ(fill("active", json::object()), std::pair(28, json::object()));
     EXPECT_EQ(fill("active", nullptr), std::pair(28, json()));
-    EXPECT_EQ(fill("active", json::parse(R"({"elements": {"type": {"value": 1}}})")),
-              std::pair(28, json::parse(R"({"elements": {"type": {"value": "the type"}}})")));
+    EXPECT_EQ(fill("active", json::parse(R"({"elements": {"criticality": {}, "type": {"value": 1}}})")),
+              std::pair(28, json::parse(R"({"elements": {"criticality": {}, "type": {"value": "the type"}}})")));
     EXPECT_EQ(fill("other", STRUCTURE), std::pair(1, STRUCTURE));
     EXPECT_EQ(log.Joined(OrbaLogLevel::ERROR), R"(
 [Device::DeviceModel] [GetCustomAlarmVortaObjectValue] Missing elements in custom device VORTA response structure
@@ -89,7 +90,7 @@ TEST(ServiceMapping, BindsAServicesElementsToTheFrames) {
     EXPECT_EQ(mapping.frames, &model.GetFrames());
     for (const auto& [name, alias] : {std::pair("a", "bc"), std::pair("null", "")}) {
         const auto unknown = model.GetServiceMapping(name, alias);
-        EXPECT_EQ(unknown.serviceIdentifier, ServiceImpl::ServiceIdentifier::NONE);
+        EXPECT_EQ(static_cast<int>(unknown.serviceIdentifier), -1);
         EXPECT_TRUE(unknown.elements.empty());
     }
     const DeviceModel without(DeviceModel::ObjectAdapters{}, std::move(frames), {}, {}, {}, true);

@@ -59,6 +59,9 @@ TEST(DeviceModel, WhatItDoesNotHoldIsAStatus) {
     EXPECT_EQ(model->GetFrames().size(), 1U);
     log.Clear();
     model.reset();
+    int cancellation = PTHREAD_CANCEL_DISABLE;
+    pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &cancellation);
+    EXPECT_EQ(cancellation, PTHREAD_CANCEL_ENABLE);
     EXPECT_EQ(log.Joined(OrbaLogLevel::INFORMATION), R"(
 [Device::DeviceModel] DeviceModel::~DeviceModel Called)");
 }
@@ -78,13 +81,15 @@ TEST(DeviceModel, OfElementsHasNoObjects) {
     EXPECT_EQ(pair_hash{}({"b", "a"}), pair_hash{}({"a", "b"}));
 }
 
-TEST(DeviceModel, ReplacesItsIdentificationWhole) {
+TEST(DeviceModel, ReplacesItsIdentificationWholeAndKeepsWhoDefinedIt) {
     auto model = MakeModel();
     model->SetIdentification({{"a", "1"}, {"b", "2"}});
     model->SetIdentification(model->GetIdentification());
     EXPECT_EQ(model->GetIdentification().size(), 2U);
     model->SetIdentification({{"c", "3"}});
     EXPECT_EQ(model->GetIdentification(), (std::map<std::string, std::string>{{"c", "3"}}));
+    model->SetUserDefinedModel(true);
+    EXPECT_TRUE(model->IsUserDefinedModel());
 }
 
 TEST(DeviceModel, AnAdapterMayReleaseTheModelDuringItsRequest) {
