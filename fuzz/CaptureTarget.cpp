@@ -1,4 +1,4 @@
-// Reads a capture made with a small profile, and writes it again.
+// Reads a capture, as one made with a small profile and by its own description, and writes it again.
 #include <algorithm>
 
 #include "fuzz/Input.h"
@@ -46,6 +46,17 @@ void WriteAndRead(const Capture& capture) {
     Require(again.Write(Profile().GetDeviceFrames()) == text, "what was read is written the same");
 }
 
+void ReadByItsDescription(std::string_view text) {
+    Problems problems;
+    const Capture capture = Capture::Parse(text, problems);
+    Require(HasError(problems) == capture.snapshots.empty(), "there are snapshots, or an error");
+    if (!capture.snapshots.empty()) {
+        const std::string written = capture.Write(capture.frames);
+        const Capture again = Capture::Parse(written, problems);
+        Require(again.Write(again.frames) == written, "what was read is written the same");
+    }
+}
+
 }  // namespace
 
 }  // namespace kzm::ModbusFuzz
@@ -64,6 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!capture.snapshots.empty()) {
         WriteAndRead(capture);
     }
+    ReadByItsDescription(text);
     return 0;
 }
 

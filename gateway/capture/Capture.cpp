@@ -219,7 +219,7 @@ std::vector<Capture::Missing> ReadMissing(const JsonCursor& list) {
                                     "; the last register of a device is 65535");
         }
         missing.push_back({FindReadFunction(function.Text()).value_or(code), static_cast<std::uint16_t>(first),
-                           static_cast<std::uint32_t>(count)});
+                           static_cast<std::uint32_t>(count), *place.At("presumed") == true});
     });
     return missing;
 }
@@ -282,7 +282,12 @@ nlohmann::ordered_json Written(const FrameData& frame, const std::string& name) 
 }
 
 nlohmann::ordered_json Written(const Capture::Missing& missing) {
-    return {{"function", NameOf(missing.functionCode)}, {"address", missing.first}, {"count", missing.count}};
+    nlohmann::ordered_json text{
+        {"function", NameOf(missing.functionCode)}, {"address", missing.first}, {"count", missing.count}};
+    if (missing.presumed) {
+        text["presumed"] = true;
+    }
+    return text;
 }
 
 nlohmann::ordered_json Written(const Capture::Frame& frame, std::uint64_t snapshotTime, const DeviceFrames& device) {

@@ -32,6 +32,7 @@ struct KZM_GATEWAY_EXPORT Capture {
         ModbusDeviceModel::ModbusFunctionCode functionCode{};  // of the request that was refused
         std::uint16_t first = 0;                               // register address
         std::uint32_t count = 0;                               // up to register 65535
+        bool presumed = false;                                 // they were not asked for one by one
     };
 
     std::vector<Snapshot> snapshots;    // sorted by time; Parse gives at least one, or none after an error

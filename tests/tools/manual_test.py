@@ -61,7 +61,7 @@ class Completion(unittest.TestCase):
     def test_offers_what_can_be_said(self):
         rows = [
             (("",), set(COMMANDS)),
-            (("--log", "trace", "p"), {"poll"}),
+            (("--log", "trace", "p"), {"poll", "probe"}),
             (("--",), {option for option in GLOBAL if option.startswith("--")}),
             *(((command, "-"), GLOBAL | OPTIONS[command]) for command in COMMANDS),
             (("poll", "x.jsonc", "--log", "w"), {"warning"}),

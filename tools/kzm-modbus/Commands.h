@@ -11,6 +11,8 @@ namespace kzm::ModbusTool {
     ROW(AddShowCommand)         \
     ROW(AddExplainCommand)      \
     ROW(AddPollCommand)         \
+    ROW(AddReadCommand)         \
+    ROW(AddProbeCommand)        \
     ROW(AddCaptureCommand)      \
     ROW(AddSimulateCommand)     \
     ROW(AddAlarmsCommand)       \

@@ -34,7 +34,7 @@ bool UsesColour() {
     return IsTerminal() && (!noColour || !*noColour);
 }
 
-Screen::Screen() {
+Screen::Screen(std::string remedy) : mRemedy(std::move(remedy)) {
     std::cout << ENTER;
 }
 
@@ -48,7 +48,7 @@ void Screen::Show(std::vector<std::string> lines, const std::vector<std::string>
     if (lines.size() > room) {
         const std::size_t left = lines.size() - (room - 1);
         lines.resize(room - 1);
-        lines.push_back("... " + std::to_string(left) + " more; --object shows single ones");
+        lines.push_back("... " + std::to_string(left) + " more; " + mRemedy);
     }
     lines.insert(lines.end(), footer.begin(), footer.end());
     std::cout << HOME;

@@ -14,13 +14,17 @@ bool UsesColour();
 // Redraws lines in the same place of the terminal; hides the cursor meanwhile.
 class Screen {
 public:
-    Screen();
+    // `remedy`: how lines that there is no room for are seen.
+    explicit Screen(std::string remedy = "--object shows single ones");
     ~Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
     // Shows all of `footer`, and as many of `lines` as there is room for, with the number of those left out.
     void Show(std::vector<std::string> lines, const std::vector<std::string>& footer);
+
+private:
+    std::string mRemedy;
 };
 
 }  // namespace kzm::ModbusTool

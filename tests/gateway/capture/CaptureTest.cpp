@@ -43,7 +43,7 @@ TEST_F(CaptureTest, WhatIsTakenFromACacheIsWrittenReadAndRestored) {
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
     EXPECT_EQ(read.Write(mDevice), text);
 
-    capture.missing = {{ModbusFunctionCode{4}, 7, 65529}};
+    capture.missing = {{ModbusFunctionCode{4}, 7, 65529}, {ModbusFunctionCode{3}, 9, 1, true}};
     const std::string probed = capture.Write(mDevice);
     const Capture described = Capture::Parse(probed, mProblems);
     ASSERT_TRUE(mProblems.empty()) << mProblems[0].message;
