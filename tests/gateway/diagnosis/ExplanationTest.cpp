@@ -1,5 +1,8 @@
 #include "gateway/diagnosis/Explanation.h"
 
+#include <functional>
+#include <thread>
+
 #include "gateway/capture/Capture.h"
 #include "gateway/diagnosis/Recomputing.h"
 #include "gateway/profile/ProfileTesting.h"
@@ -144,6 +147,28 @@ TEST(Explanation, WatchingChangesNothing) {
             EXPECT_EQ(ModbusDeviceModel::DataModel::GetStepObserver(), nullptr);
         }
         cache->Update(0, std::vector<std::uint16_t>(8), NOW);
+    }
+}
+
+TEST(ExplanationThreads, EachThreadSeesTheStepsOfItsOwnRequest) {
+    const auto loaded = ProfileLoader::Load(PLACES);
+    const LoadedProfile& profile = *loaded.profile;
+    const auto cache = std::make_shared<RegisterCache>(profile.model->GetFrames());
+    const StandIn::StoppedClock clock(NOW);
+    cache->Update(0, std::vector<std::uint16_t>(8), NOW);
+    const auto repeat = [&](const LoadedProfile::Object& object) {
+        const json first = Explain(profile, object, {cache}).ToJson()["parts"];
+        for (int i = 0; i < 200; ++i) {
+            EXPECT_EQ(Explain(profile, object, {cache}).ToJson()["parts"], first);
+            cache->Update(0, std::vector<std::uint16_t>(8), NOW);
+        }
+    };
+    std::vector<std::thread> threads;
+    for (const auto& object : profile.objects) {
+        threads.emplace_back(repeat, std::cref(object));
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
     }
 }
 
