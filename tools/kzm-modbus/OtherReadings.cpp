@@ -178,7 +178,8 @@ public:
     }
 
     std::vector<OtherReading> Take() {
-        std::ranges::stable_partition(mReadings, [](const OtherReading& reading) { return reading.doubt.empty(); });
+        std::stable_partition(mReadings.begin(), mReadings.end(),
+                              [](const OtherReading& reading) { return reading.doubt.empty(); });
         return std::move(mReadings);
     }
 
@@ -215,8 +216,8 @@ void AddInterpretations(const Held& held, Collection& readings) {
     const Interpretation now = held.GetPlainReading();
     const std::string members = now.GetProfileMembers(held.scale, held.offset);
     std::vector<Interpretation> all = Interpretation::AllOf(held.registers.size());
-    std::ranges::stable_partition(
-        all, [&](const Interpretation& one) { return one.type == now.type && !one.bytesExchanged; });
+    std::stable_partition(all.begin(), all.end(),
+                          [&](const Interpretation& one) { return one.type == now.type && !one.bytesExchanged; });
     for (const Interpretation& other : all) {
         const json value = other.ValueOf(held.registers, held.scale, held.offset);
         const std::string doubt(other.WhyImplausible(held.registers));
