@@ -1,13 +1,11 @@
 #include <iostream>
 
 #include "Commands.h"
-#include "DeviceErrors.h"
-#include "DeviceRounds.h"
 #include "Files.h"
 #include "Options.h"
+#include "Recording.h"
 #include "RegisterRanges.h"
 #include "Text.h"
-#include "kzm/DateTime/DateTime.h"
 
 namespace kzm::ModbusTool {
 
@@ -31,20 +29,10 @@ DeviceFrames DeviceOf(const CaptureOptions& options) {
     return options.registers.empty() ? LoadProfile(options.profile)->GetDeviceFrames() : FramesOf(options.registers);
 }
 
-ExitStatus Record(const CaptureOptions& options) {
+ExitStatus WriteCapture(const CaptureOptions& options) {
     const DeviceFrames device = DeviceOf(options);
     OutputFile file(options.output, {options.profile});
-    RegisterCache cache(device.frames);
-    Capture capture;
-    ErrorReport report;
-    const auto takeSnapshot = [&](const ModbusReader::Round& round) {
-        report.Report(DescribeErrors(round, device));
-        Capture::Snapshot snapshot = Capture::Take(cache, device, DateTime::DateTime::GetRealTimeInMilliseconds());
-        if (!snapshot.frames.empty()) {
-            capture.snapshots.push_back(std::move(snapshot));
-        }
-    };
-    ReadRounds(options.connection, options.repetition, device, cache, takeSnapshot);
+    const Capture capture = Record(options.connection, options.repetition, device);
     if (capture.snapshots.empty()) {
         throw Failure(ExitStatus::NOT_REACHED,
                       "interrupted before a frame was read; " + options.output + " is not written");
@@ -60,7 +48,7 @@ ExitStatus Record(const CaptureOptions& options) {
 void AddCaptureCommand(CommandLine& line) {
     const auto options = std::make_shared<CaptureOptions>();
     CommandSyntax capture = line.AddCommand("capture", "Record the frames of a live device, for replay and bug reports",
-                                            [options] { return Record(*options); });
+                                            [options] { return WriteCapture(*options); });
     AddOptionalProfileArgument(capture, options->profile);
     AddRegistersOption(capture, options->registers);
     AddConnectionOptions(capture, options->connection);

@@ -17,6 +17,7 @@ namespace kzm::ModbusTool {
     ROW(AddSimulateCommand)     \
     ROW(AddAlarmsCommand)       \
     ROW(AddWriteCommand)        \
+    ROW(AddGuessCommand)        \
     ROW(AddDictionaryCommand)
 // clang-format on
 

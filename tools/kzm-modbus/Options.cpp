@@ -150,6 +150,13 @@ bool IsDeviceGiven(const ModbusSettings& connection) {
     return !tcp || !tcp->host.empty();
 }
 
+void AddCaptureOrDevice(CommandSyntax& command, std::string& capture, ModbusSettings& connection) {
+    command.AddOptionalArgument("CAPTURE", "The recorded frames of a device", capture);
+    AddLineOptions(command, connection);
+    command.RequireOneOf("Device or capture", {"CAPTURE", "--tcp", "--rtu"});
+    command.Exclude({"--unit", "--timeout"}, "CAPTURE");
+}
+
 void AddListenOption(CommandSyntax& command, TcpEndpoint& endpoint) {
     command.AddParsed({"--listen", "HOST:PORT", "The address to serve at; port 0 takes a free one"},
                       [&](const std::string& text) { endpoint = ParseEndpoint(text, /*listening=*/true); });

@@ -36,6 +36,8 @@ void AddSourceOptions(CommandSyntax& command, std::string& capture, ModbusGatewa
 // The same, but none of them is required; without one, no device is given.
 void AddAnySourceOptions(CommandSyntax& command, std::string& capture, ModbusGateway::ModbusSettings& connection);
 bool IsDeviceGiven(const ModbusGateway::ModbusSettings& connection);
+// The argument CAPTURE or the options of AddConnectionOptions; `capture` stays empty for the latter.
+void AddCaptureOrDevice(CommandSyntax& command, std::string& capture, ModbusGateway::ModbusSettings& connection);
 // "--listen".
 void AddListenOption(CommandSyntax& command, ModbusGateway::TcpEndpoint& endpoint);
 
