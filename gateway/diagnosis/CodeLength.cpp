@@ -142,8 +142,10 @@ double BitsForNumber(ValueForm form, std::span<const std::uint16_t> registers, W
 
 double BitsForChange(ValueForm form, std::uint64_t from, std::uint64_t to) {
     const std::uint64_t distance = DistanceBetween(form, from, to);
-    return distance == 0 ? 0.4
-                         : 3.0 + BitsForMagnitude(distance, IsFloat(form) ? DISTANCES_OF_FLOATS : MagnitudesOf(form));
+    if (distance == 0) {
+        return 0.4;
+    }
+    return 3.0 + BitsForMagnitude(distance, IsFloat(form) ? DISTANCES_OF_FLOATS : MagnitudesOf(form));
 }
 
 }  // namespace kzm::ModbusGateway

@@ -21,7 +21,7 @@ class FilesTest(unittest.TestCase):
             (0, [], ["--help"], r"(?s)check.*show.*poll.*capture.*simulate.*Exit status:"),
             (0, [], ["--version"], r"^kzm-modbus \d+\.\d+\.\d+$"),
             *[(0, [], [name, "--help"], r"Examples?:\n +kzm-modbus " + name)
-              for name in ("check", "show", "poll", "capture", "simulate", "dictionary", "read", "probe")],
+              for name in ("check", "show", "poll", "capture", "simulate", "dictionary", "read", "probe", "guess")],
             (1, SHOW, [PROFILE], r"pump.jsonc has errors"),
             (1, ["check"], [file("junk", bytes(range(256)))], r"junk:1: error: .*"),
             (1, ["check"], [file("empty", "")], r"empty:1: error: .*"),
