@@ -54,7 +54,7 @@ function(kzm_install_program)
     foreach(kind IN ITEMS profile capture)
         install(FILES gateway/${kind}/${kind}.schema.json DESTINATION ${data}/gateway/${kind} COMPONENT tools)
     endforeach()
-    install(FILES docs/kzm-modbus.md docs/profile.md docs/troubleshooting.md
+    install(FILES docs/kzm-modbus.md docs/profile.md docs/troubleshooting.md docs/diagnosis.md
             DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzm-modbus COMPONENT tools)
     install(DIRECTORY profiles DESTINATION ${data} COMPONENT tools PATTERN *.expected.json EXCLUDE)
 endfunction()
