@@ -15,7 +15,6 @@
 namespace kzm::ModbusGateway {
 
 using ModbusDeviceModel::ModbusFunctionCode;
-using std::chrono::milliseconds;
 
 namespace Logging = ModbusDeviceModel::Logging;
 
@@ -56,7 +55,6 @@ ModbusConnection::ModbusConnection(ModbusSettings settings, const std::atomic<bo
     if (!IsUnit(mSettings)) {
         throw std::invalid_argument("no such unit");
     }
-    mSettings.timeout = std::max(mSettings.timeout, milliseconds(1));
 }
 
 ModbusConnection::~ModbusConnection() = default;

@@ -25,8 +25,8 @@ struct SerialPort {
 struct ModbusSettings {
     std::variant<TcpEndpoint, SerialPort> line;  // over TCP, or over a serial line
     std::uint8_t unit = 1;                       // 0 to 247, on TCP also 255: a device without sub-devices
-    // For a whole answer, and for connecting to each address of the host; at least 1 ms. Host names are looked up by
-    // the system, in a time of its own.
+    // For a whole answer, and for connecting to each address of the host; below 1 ms everything times out. Host names
+    // are looked up by the system, in a time of its own.
     std::chrono::milliseconds timeout{1000};
     // After a failure to connect, the next attempt waits for the first pause; the pause doubles with each further
     // failure up to the longest.

@@ -259,7 +259,7 @@ void ElementData::WordSwap(unsigned char* buffer, unsigned int length) {
 }
 
 void ElementData::ByteSwap(unsigned char* buffer, unsigned int length) {
-    if (buffer == nullptr || length < 2 || length > 8 || length % 2 != 0) {
+    if (buffer == nullptr || length > 8 || length % 2 != 0) {
         return;
     }
     for (unsigned int i = 0; i < length; i += 2) {
