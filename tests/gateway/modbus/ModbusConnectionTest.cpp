@@ -4,6 +4,7 @@
 #include <modbus/modbus.h>
 #include <termios.h>
 
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
@@ -39,8 +40,13 @@ bool SystemKnows(const ScriptedDevice& device, speed_t speed) {
     return cfgetospeed(&settings) == speed;
 }
 
-TEST(ModbusConnection, SetsTheSerialLineAsItIsTold) {
+std::ptrdiff_t CountOpenFiles() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST(ModbusConnection, SetsTheSerialLineAsItIsToldAndClosesIt) {
     const ScriptedDevice device(0ms);
+    const auto openFiles = CountOpenFiles();
     for (const auto& [baud, speed] : std::initializer_list<std::pair<int, speed_t>>{
              {110, B110},         {300, B300},         {600, B600},         {1200, B1200},       {2400, B2400},
              {4800, B4800},       {9600, B9600},       {19200, B19200},     {38400, B38400},     {57600, B57600},
@@ -59,6 +65,7 @@ TEST(ModbusConnection, SetsTheSerialLineAsItIsTold) {
         EXPECT_EQ(settings.c_cflag & (CSIZE | CSTOPB | PARODD), CS8 | static_cast<tcflag_t>(flags)) << parity;
         EXPECT_EQ((settings.c_iflag & INPCK) != 0, parity != 'N') << parity;
     }
+    EXPECT_EQ(CountOpenFiles(), openFiles);
 }
 
 TEST(ModbusConnection, RefusesSettingsThatCannotBe) {
@@ -128,8 +135,8 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
             << testing::PrintToString(answer);
         EXPECT_EQ(values, error == 0 ? expected : std::vector<std::uint16_t>(count, UNTOUCHED));
     }
-    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{1, 3, 251}), 256U);
-    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{1, 3, 252}), 0U);
+    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{9, 3, 251}), 256U);
+    EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{9, 3, 252}), 0U);
     const Bytes request = WriteRequest({ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, 0x0102, 3});
     EXPECT_EQ(request, (Bytes{16, 1, 2, 0, 3, 6, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(TakeConfirmation(request, {16, 1, 2, 0, 3}), 0);

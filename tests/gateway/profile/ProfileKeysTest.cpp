@@ -24,7 +24,7 @@ const std::string PROFILE = R"({
 {"key": "1d"},
 {"key": "25", "timestamp": "DTMinIA", "elements": {"snapshot_rms_current_phs_a": {"value": {"constant": 7}}}},
 {"key": "IA", "name": "Measurement.Feeder", "alias": "east", "unit": "kA", "value": {"address": 6, "type": "int16"}},
-{"key": "IA", "alias": "west", "unit": "kA", "plain": true, "value": {"address": 7, "type": "int16"}},
+{"key": "IA", "alias": "west", "unit": "kA", "plain": true, "value": {"address": 7, "type": "int16-to-float"}},
 {"key": "394", "value": {"address": 7, "count": 1, "type": "decimal-text"}}]
 })";
 

@@ -62,6 +62,7 @@ TEST(ProfileComputations, HaveTheWorstQualityTheFramesAndTheClassOfWhatTheyAreMa
     device.Set(0, {0x8000});
     EXPECT_EQ(device.ValueOf("Power", 42), json({nullptr, "Bad"}));
     EXPECT_EQ(device.loaded.profile->objects[1].adapter->GetFrameIndexes(), (std::set<std::uint8_t>{0, 1}));
+    EXPECT_EQ(device.loaded.profile->objects[0].precisions.at(""), NumberPrecision::DIGITS_15);
     for (const auto& [name, expected] : {std::pair{"Power", "$iot.measurement.NumericalMeasurementValue<Float>"},
                                          {"Closed", "$iot.measurement.DiscreteMeasurementValue<Boolean>"},
                                          {"Level", "$iot.measurement.DiscreteMeasurementValue<String>"}}) {
