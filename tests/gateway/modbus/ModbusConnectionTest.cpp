@@ -11,6 +11,7 @@
 #include "gateway/modbus/Requests.h"
 #include "gateway/modbus/RtuMessage.h"
 #include "gateway/modbus/ScriptedDevice.h"
+#include "gateway/modbus/TcpMessage.h"
 
 namespace kzm::ModbusGateway::ModbusConnectionTest {
 
@@ -135,6 +136,9 @@ TEST(ModbusConnection, TakesOnlyAnAnswerThatFitsTheRequest) {
             << testing::PrintToString(answer);
         EXPECT_EQ(values, error == 0 ? expected : std::vector<std::uint16_t>(count, UNTOUCHED));
     }
+    EXPECT_EQ(TcpMessage::SizeOf(Bytes{0, 1, 0, 0, 0, 254}), 260U);
+    EXPECT_EQ(TcpMessage::SizeOf(Bytes{0, 1, 0, 0, 0, 255}), 0U);
+    EXPECT_EQ(TcpMessage::SizeOf(Bytes{0, 1, 0, 1, 0, 6}), 0U);
     EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{9, 3, 251}), 256U);
     EXPECT_EQ(RtuMessage::SizeOfAnswer(Bytes{9, 3, 252}), 0U);
     const Bytes request = WriteRequest({ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, 0x0102, 3});

@@ -179,7 +179,7 @@ TEST(ProfileLoader, AProfileHoldsUpTo255Frames) {
     EXPECT_NE(Written(over.problems).find("3 /frames: this list is not allowed"), std::string::npos);
 }
 
-TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeAndChain) {
+TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeWithItsRegistersAndEveryChain) {
     const std::string reference = ReadFile("docs/profile.md");
     std::vector<ProfileLoader::Result> loaded;
     const std::string fence = "```jsonc\n";
@@ -197,7 +197,11 @@ TEST(ProfileReference, ItsExamplesLoadAndItNamesEveryLogicCodeAndChain) {
         EXPECT_EQ(Written(problems), "") << example;
     }
     for (const auto& row : ModbusDeviceModel::DeviceProfile::LogicCodeRows()) {
-        EXPECT_NE(reference.find("`" + std::string(row.name) + "`"), std::string::npos) << row.name;
+        const std::string least = std::to_string(row.minRegisters), most = std::to_string(row.maxRegisters);
+        const auto name = reference.find("`" + std::string(row.name) + "`", reference.find("| code | name |"));
+        ASSERT_NE(name, std::string::npos) << row.name;
+        const std::string registers = "| " + (least == most ? least : least + " to " + most) + " |";
+        EXPECT_EQ(reference.find(registers, name), reference.find('|', name)) << row.name;
     }
     for (const auto& row : AllChains()) {
         EXPECT_NE(reference.find("`" + std::string(row.name) + "`"), std::string::npos) << row.name;
