@@ -99,7 +99,7 @@ TEST(Measurement, DependencyFramesAreThoseOfAlarmObjectOrElements) {
     CapturedLog log;
     const DeviceModel ofObjects(DeviceModel::ObjectAdapters{{{"object", ""}, ObjectOf({.frame = 1})},
                                                             {{"alarm", ""}, ObjectOf({.frame = 1})},
-                                                            {{"lost", ""}, ObjectOf({.frame = 9})},
+                                                            {{"lost", ""}, ObjectOf({.frame = 3})},
                                                             {{"null", ""}, nullptr}},
                                 MakeFrames(3), {}, {}, {{{"alarm", ""}, alarm}}, true);
     const auto ask = [&](const DeviceModel& model, const char* name, const char* alias = "") {

@@ -116,12 +116,13 @@ TEST(FrameDataValue, AMaskAddsBitsAndNeverClearsThem) {
     FrameDataValue value(ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS, 100, 2);
     const Addresses numbers{0x0F0F, 0xFFFF};
     value.SetValue(100, 0x00F0);
-    const std::vector<std::uint8_t> mask{0x0F, 0x00}, odd{1, 2, 3}, tooLong(6), none;
+    const std::vector<std::uint8_t> mask{0x0F, 0x00}, whole{0, 0, 0, 0xF0}, odd{1, 2, 3}, tooLong(6), none;
     EXPECT_TRUE(value.SetValue(100, numbers.data(), 2, &mask));
+    EXPECT_TRUE(value.SetValue(100, numbers.data(), 2, &whole));
     EXPECT_TRUE(value.SetValue(100, numbers.data(), 2, &none));
     EXPECT_TRUE(value.SetValue(100, numbers.data(), 2, &odd));
     EXPECT_TRUE(value.SetValue(100, numbers.data(), 2, &tooLong));
-    EXPECT_EQ(value.mValues, (Addresses{0x0FF0, 0}));
+    EXPECT_EQ(value.mValues, (Addresses{0x0FF0, 0x00F0}));
     EXPECT_EQ(log.Joined(Log::OrbaLogLevel::ERROR), R"(
 [FrameDataValue] SetValue bitmask is not even
 [FrameDataValue] SetValue bitmask (3) is bigger than value (2))");
