@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <stdexcept>
 
 #include "gateway/diagnosis/CandidateList.h"
@@ -68,13 +69,14 @@ Vote VoteOf(const OrderModel& big, const OrderModel& little, const OrderModel& n
 }
 
 std::vector<std::string> EvidenceOf(const Vote& vote, const OrderModel& better) {
-    std::vector<std::string> evidence = EvidenceFor(better);
+    std::vector<std::string> evidence;
     if (vote.isSunSpec) {
-        evidence.insert(evidence.begin(), "the registers begin as a SunSpec map does, which has the high word first");
+        evidence.emplace_back("the registers begin as a SunSpec map does, which has the high word first");
     }
+    std::ranges::move(EvidenceFor(better), std::back_inserter(evidence));
     if (!vote.IsDecided()) {
-        evidence.push_back(evidence.empty() ? "no value surely takes several registers"
-                                            : "the other order explains the registers nearly as well");
+        evidence.emplace_back(evidence.empty() ? "no value surely takes several registers"
+                                               : "the other order explains the registers nearly as well");
     }
     return evidence;
 }
