@@ -8,6 +8,7 @@ namespace kzm::ModbusGateway {
 
 using namespace ModbusDeviceModel::DataModel;
 using Kind = Explanation::Kind;
+using nlohmann::json;
 
 namespace {
 
@@ -58,6 +59,18 @@ void AddInput(const Explanation& part, const std::string& input, Why& why) {
     why.input = input + (why.input.empty() ? "" : " / " + why.input);
 }
 
+// What is wrong with the inputs of a chain without result, as far as they tell.
+std::string WhyNoResult(const Explanation& part) {
+    const auto hasNoDivisor = [](const Explanation::Step& step) {
+        return step.kind == StepKind::PARAMETERS && step.value.is_object() && step.value.value("divisor", json(1)) == 0;
+    };
+    if (std::ranges::any_of(part.steps, hasNoDivisor)) {
+        return "division by zero";
+    }
+    const bool doesNotFit = part.status == ModbusDeviceModel::Status::OUT_OF_RANGE;
+    return doesNotFit ? "too large, or an input of the wrong kind" : "";
+}
+
 Why WhyOf(const Explanation& part, const Explanation::Step& step) {
     Why why{.reason = step.reason};
     why.status = part.status;
@@ -67,7 +80,9 @@ Why WhyOf(const Explanation& part, const Explanation::Step& step) {
         return why;
     }
     why.text = step.kind == StepKind::QUALITY && step.value.is_string() ? step.value.get<std::string>() : step.text;
-    if (step.kind == StepKind::RANGE || step.kind == StepKind::LABEL || step.kind == StepKind::SCALED) {
+    if (step.kind == StepKind::RESULT && step.reason == Reason::CANNOT_COMPUTE) {
+        why.text = WhyNoResult(part);
+    } else if (step.kind == StepKind::RANGE || step.kind == StepKind::LABEL || step.kind == StepKind::SCALED) {
         why.number = step.number;
         why.low = step.low;
         why.high = step.high;

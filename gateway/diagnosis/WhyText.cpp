@@ -61,6 +61,11 @@ std::string MeaningOf(const Why& why) {
     return detail.empty() ? text : text + ": " + detail;
 }
 
+std::string NoResult(const Why& why) {
+    const std::string detail = why.input.empty() ? why.text : "input " + why.input + " cannot be used";
+    return detail.empty() ? "the computation has no result" : "no result: " + detail;
+}
+
 std::string InputMissing(const Why& why) {
     Why own = why;
     own.reason = why.cause;
@@ -102,8 +107,9 @@ std::string Why::Text() const {
             return "the label " + Quoted(text) + " has no translation";
         case Reason::INPUT_MISSING:
             return InputMissing(*this);
-        case Reason::MISCONFIGURED:
         case Reason::CANNOT_COMPUTE:
+            return NoResult(*this);
+        case Reason::MISCONFIGURED:
         case Reason::IMPLAUSIBLE:
         case Reason::NO_MEMORY:
             return MeaningOf(*this);

@@ -67,7 +67,7 @@ StepText Scale(const Explanation& part, const Step& step) {
 
 StepText Range(const Step& step) {
     if (!std::isfinite(step.number)) {
-        return {"range", "the registers hold " + NumberText(step.number) + ", which is no number"};
+        return {"range", "the registers hold " + NumberText(step.number) + ", which is not a finite number"};
     }
     return {"range",
             NumberText(step.number) + " does not fit " + NumberText(step.low) + " to " + NumberText(step.high)};
@@ -86,16 +86,6 @@ StepText Translation(const Step& step) {
     const std::string translated = TextOf(step.value);
     return {"translation", Quoted(step.text) + " becomes " + (step.value.is_string() ? Quoted(translated) : translated),
             changes};
-}
-
-// What is wrong with the inputs of a computation without result, as far as they tell.
-std::string WhyNoResult(const Explanation& part) {
-    const Step* parameters = Find(part, StepKind::PARAMETERS);
-    const auto isZero = [&](const char* name) {
-        return parameters && parameters->value.is_object() && parameters->value.contains(name) &&
-               parameters->value[name] == 0;
-    };
-    return isZero("divisor") ? "no result: division by zero" : "no result";
 }
 
 std::string ResultText(const nlohmann::json& value) {
@@ -144,8 +134,10 @@ StepText Received(const Step& step) {
     return {"received", bytes, /*changes=*/true, /*isPlaced=*/false};
 }
 
-StepText Swapped(const Step& step) {
-    return {"word order", HexOf(step.bytes) + ", low word first"};
+// A single register has no word order.
+StepText Swapped(const Explanation& part, const Step& step) {
+    const Step* received = Find(part, StepKind::RECEIVED);
+    return {"word order", HexOf(step.bytes) + ", low word first", !received || received->bytes != step.bytes};
 }
 
 StepText Gathered(const Step& step) {
@@ -173,7 +165,7 @@ StepText Parameters(const Step& step) {
 }
 
 StepText Result(const Explanation& part, const Step& step) {
-    return {"result", step.reason == Reason::GOOD ? ResultText(step.value) : WhyNoResult(part)};
+    return {"result", step.reason == Reason::GOOD ? ResultText(step.value) : part.why.Text()};
 }
 
 StepText Failure(const Step& step) {
@@ -195,7 +187,7 @@ constexpr StepRow STEPS[] = {
     {StepKind::ALARM, SaidElsewhere},
     {StepKind::FRAME, SaidElsewhere},
     {StepKind::RECEIVED, Alone<Received>},
-    {StepKind::SWAPPED, Alone<Swapped>},
+    {StepKind::SWAPPED, Swapped},
     {StepKind::PATTERN, Alone<Pattern>},
     {StepKind::MASKED, Alone<Mask>},
     {StepKind::GATHERED, Alone<Gathered>},
