@@ -31,7 +31,7 @@ struct KZM_GATEWAY_EXPORT Why {
     ModbusDeviceModel::DataModel::Reason cause = ModbusDeviceModel::DataModel::Reason::GOOD;  // of the input
     kz::orba::StatusCode status{};  // of the part that decides
 
-    // One line for people, without a full stop: `frame "basic" was never received`. "good" for GOOD.
+    // One line for people, without a full stop: "frame basic was never received". "good" for GOOD.
     std::string Text() const;
     // "name", "text", "opcua" (the status's name and number), and the details that there are.
     nlohmann::json ToJson() const;

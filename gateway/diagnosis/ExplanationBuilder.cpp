@@ -24,6 +24,13 @@ std::size_t LineOf(const ProfilePlace* place, StepKind kind) {
     return 0;
 }
 
+// The registers of some types are swapped because of their type, whatever the order says.
+StepKind CauseOf(const Explanation& part, StepKind kind) {
+    const auto code = part.registers ? part.registers->logicCode : std::uint8_t{0};
+    const auto& row = ModbusDeviceModel::DeviceProfile::RowOf(ModbusDeviceModel::LogicCodeIdentifier{code});
+    return kind == StepKind::SWAPPED && row.wordsAlwaysSwapped ? StepKind::GATHERED : kind;
+}
+
 // What a part is, if the step tells.
 std::optional<Kind> KindOf(StepKind kind) {
     switch (kind) {
@@ -61,36 +68,27 @@ ExplanationBuilder::ExplanationBuilder(const ModbusDeviceModel::Device::IDeviceM
 }
 
 void ExplanationBuilder::Enter(std::string_view role, const void* subject) noexcept {
-    try {
-        mOpen.reserve(mOpen.size() + 1);
+    UnlessFailed([&] {
         Explanation& part = Innermost().parts.emplace_back();
         mOpen.push_back(&part);
         part.role = role;
         part.place = PlaceOf(subject);
-    } catch (const std::bad_alloc&) {
-        mFailed = true;
-    }
+    });
 }
 
 void ExplanationBuilder::See(const Step& step) noexcept {
-    try {
-        Keep(step);
-    } catch (const std::bad_alloc&) {
-        mFailed = true;
-    }
+    UnlessFailed([&] { Keep(step); });
 }
 
 void ExplanationBuilder::Leave(const PartOutcome* outcome) noexcept {
-    try {
+    UnlessFailed([&] {
         if (outcome == nullptr) {
             Keep({.kind = StepKind::FAILURE, .reason = Reason::INTERNAL});
         }
         Close(outcome ? *outcome
                       : PartOutcome{ModbusDeviceModel::Status::NOT_AVAILABLE, DeviceCache::QUALITY_BAD, nullptr});
         mOpen.pop_back();
-    } catch (const std::bad_alloc&) {
-        mFailed = true;
-    }
+    });
 }
 
 Explanation ExplanationBuilder::Finish(const PartOutcome& outcome) {
@@ -129,7 +127,7 @@ void ExplanationBuilder::Keep(const Step& step) {
     kept.offset = step.offset;
     kept.low = step.low;
     kept.high = step.kind == StepKind::PREVIOUS ? static_cast<double>(step.limit) : step.high;
-    kept.line = LineOf(part.place.get(), step.kind);
+    kept.line = LineOf(part.place.get(), CauseOf(part, step.kind));
     part.steps.push_back(std::move(kept));
     if (step.kind == StepKind::VALUE) {
         part.status = step.status;

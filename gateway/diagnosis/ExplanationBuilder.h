@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -25,6 +26,17 @@ public:
     Explanation Finish(const ModbusDeviceModel::DataModel::PartOutcome& outcome);
 
 private:
+    // Once memory ran short, what is left of the request is not kept: its parts could no longer be told apart.
+    template <typename Action>
+    void UnlessFailed(Action action) noexcept {
+        try {
+            if (!mFailed) {
+                action();
+            }
+        } catch (const std::bad_alloc&) {
+            mFailed = true;
+        }
+    }
     void Keep(const ModbusDeviceModel::DataModel::Step& step);
     void KeepFrame(const ModbusDeviceModel::DataModel::Step& step);
     void KeepRegisters(const ModbusDeviceModel::DataModel::ElementData& element);

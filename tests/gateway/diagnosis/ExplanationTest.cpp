@@ -97,7 +97,9 @@ constexpr const char* PLACES = R"({
     "exponent": {"address": 7, "type": "uint16", "order": "big"}}},
   {"name": "C", "value": {
     "chain": "sum", "inputs": {
-      "x": "n", "y": {"constant": 1}}}}],
+      "x": "n", "y": {"constant": 1}}}},
+  {"name": "M", "value": {"address": 0, "order": "big",
+    "type": "mod10k-unsigned-2"}}],
 "alarms": [{"name": "A", "priority": "LOW", "type": "t", "description": "d",
   "chain": "not equal",
   "left": "n",
@@ -117,6 +119,7 @@ TEST(Explanation, StepsNameTheLinesOfTheProfileThatCausedThem) {
         "@17 value@17 element17 frame17 received17 gathered17 raw17 exponent18 "
         "exponent@18 element18 frame18 received18 gathered18 raw18 ",
         "@19 value@19 computation20 parameters20 result20 x" + n + "y@21 constant21 ",
+        "@22 value@22 element22 frame22 received22 swapped23 gathered23 raw23 ",
     };
     for (std::size_t i = 0; i < std::size(expected); ++i) {
         std::string lines;
@@ -125,7 +128,7 @@ TEST(Explanation, StepsNameTheLinesOfTheProfileThatCausedThem) {
     }
     std::string lines;
     AddLines(Explain(*loaded.profile, loaded.profile->alarms.front(), {cache}, nullptr), lines);
-    EXPECT_EQ(lines, "@22 left@24 value" + n + "right@25 previous25 ");
+    EXPECT_EQ(lines, "@24 left@26 value" + n + "right@27 previous27 ");
 }
 
 // Requests do and log the same with and without an observer, and it is told nothing once it is gone.

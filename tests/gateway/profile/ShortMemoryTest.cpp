@@ -2,6 +2,7 @@
 #include "gateway/capture/Capture.h"
 #include "gateway/profile/ProfileTesting.h"
 
+#include "gateway/diagnosis/Explanation.h"
 #include "gateway/model/ValueEncoder.h"
 #include "kzm/Log/RootLogger.h"
 
@@ -115,6 +116,27 @@ TEST(ShortMemory, LosesNoAlarm) {
                 *previous = before;
             });
             evaluate();
+        }
+    }
+}
+
+// One allocation fails at a time: explanations hold JSON objects, which cannot be destroyed without memory.
+TEST(ShortMemory, EndsAnExplanation) {
+    const ExampleProfile example("energy-meter");
+    const auto cache = example.CacheAt(example.capture.snapshots.back());
+    const StoppedClock clock(example.capture.snapshots.back().time);
+    const SilentLog log(OrbaLogLevel::NONE);
+    for (const auto& object : example.profile->objects) {
+        bool hasStruck = true;
+        for (std::size_t n = 1; hasStruck; ++n) {
+            std::optional<Explanation> explanation;
+            const Testing::MemoryShortage shortage(n, /*isLasting=*/false);
+            try {
+                explanation = Explain(*example.profile, object, {cache});
+            } catch (const std::bad_alloc&) {
+            }
+            hasStruck = shortage.HasStruck();
+            EXPECT_TRUE(explanation || hasStruck) << object.name;
         }
     }
 }
