@@ -190,7 +190,7 @@ std::string Interpretation::GetProfileMembers(double scale, float offset) const 
     }
     if (bytesExchanged) {
         const bool isUnsigned = row->view == RawView::U16 || row->view == RawView::U32 || row->view == RawView::U64;
-        return isUnsigned ? "a computation: the \"sum\" of its bytes, each with its mask and scale" : "";
+        return isUnsigned ? "a computation: the \"sum\" of its bytes" : "";
     }
     std::string members = "\"type\": \"" + std::string(row->name) + '"';
     if (count != row->maxRegisters || count == MAX_ELEMENT_REGISTERS) {

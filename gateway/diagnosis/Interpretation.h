@@ -45,8 +45,7 @@ struct KZM_GATEWAY_EXPORT Interpretation {
     // - floats: not zero, and smaller than 1e-6 or larger than 1e9
     // - unsigned numbers of one register: 0xF000 and above; signed ones: below -0x4000
     // - whole numbers of two registers: beyond 1e9, of more: beyond 2^48, either sign; or the least significant
-    // register
-    //   is zero and a higher one is not
+    //   register is zero and a higher one is not
     // - texts: fewer than two characters, or one that is not printable
     // Static text.
     std::string_view WhyImplausible(Registers registers) const;

@@ -24,7 +24,12 @@ PLANTED = [
      r'unusual for Hz.*\n(.*\n)* +49\.98 Hz +"scale": 0\.01'),
     ("pattern missing", '"value": {"address": 10, "type": "uint16"}', "FFFF 0000", "good",
      r'"not available".*\n(.*\n)* +no value +"notAvailable": "0xFFFF"'),
-    ("pattern of a float missing", '"value": {"address": 10, "type": "float32"}', "7FC0 0000", "not-finite", r"NaN"),
+    ("pattern of a float missing", '"value": {"address": 10, "type": "float32"}', "7FC0 0000", "not-finite",
+     r'missing.*\n +no value +"notAvailable": "0x7FC00000"'),
+    ("pattern missing, low word first", '"value": {"address": 10, "type": "int32", "order": "little"}', "0000 8000",
+     "good", r'"not available".*\n +no value +"notAvailable": "0x80000000"'),
+    ("type too narrow", '"value": {"address": 10, "type": "uint16", "scale": 10}', "FDE8 0000", "out-of-range",
+     r'missing.*\n +650000 +"type": "uint16-to-float"'),
     ("label missing", '"value": {"address": 10, "type": "enum16", "enumeration": "mode"}', "0003 0000",
      "unknown-label", r"3 has no label"),
     ("wrong address by one", '"unit": "V", "value": {"address": 12, "type": "float32"}', "0000 0000", "good",
@@ -33,7 +38,7 @@ PLANTED = [
      r"frame old is out of date \(13 s, limit 12 s\)"),
     ("exception", '"value": {"address": 40, "type": "uint16"}', "0000 0000", "last-value", r"frame bad"),
     ("division by zero", '"value": {"chain": "quotient", "inputs": {"dividend": {"constant": 1},'
-     ' "divisor": {"address": 10, "type": "uint16"}}}', "0000 0000", "cannot-compute", r"zero"),
+     ' "divisor": {"address": 10, "type": "uint16"}}}', "0000 0000", "cannot-compute", r"\nIt +no result: division by zero"),
 ]
 FRAMES = """{"name": "main", "function": "holding", "address": 9, "count": 6},
     {"name": "old", "function": "holding", "address": 30, "count": 1},
@@ -87,16 +92,19 @@ class ExplainTest(unittest.TestCase):
             self.assertIn("\n" + table + "Reason", run("explain", *source, name, "--at", number).stdout)
 
     def test_bad_objects_are_told_by_cause_however_many(self):
-        objects = ",\n".join('{"name": "%d", "value": {"address": %d, "type": "uint16"}}' % (n, 9 + n % 6 if n % 4 else 50)
+        zero = '{"chain": "quotient", "inputs": {"dividend": {"constant": 1}, "divisor": {"constant": 0}}}'
+        objects = f'{{"name": "q", "value": {zero}}}, {{"name": "n", "value": {{"chain": "sum", "inputs": {{"a": {zero}, "b": {zero}}}}}}},'
+        objects += ",\n".join('{"name": "%d", "value": {"address": %d, "type": "uint16"}}' % (n, 9 + n % 6 if n % 4 else 50)
                              for n in range(10000))
         profile = file("many.jsonc", '{"frames": [%s], "objects": [%s]}' % (FRAMES, objects))
         capture = planted('"value": {"constant": 1}', "0000 0000")[1]
         told = run("explain", profile, "--bad", "--capture", capture).stdout.splitlines()
-        self.assertEqual((told[0], len(told), told[-1]), ("frame none was never received: 2500 objects", 2502,
-                                                          "7500 of 10000 objects are Good"))
+        self.assertEqual((told[0], len(told), told[-1]), ("frame none was never received: 2500 objects", 2505,
+                                                          "7500 of 10002 objects are Good"))
+        self.assertIn("no result: division by zero: 2 objects", told)
         self.assertRegex(told[2], r"^    4 +holding 50 +many.jsonc:8$")
         causes = json.loads(run("explain", profile, "--bad", "--json", "--capture", capture).stdout)["causes"]
-        self.assertEqual([(cause["reason"], len(cause["objects"])) for cause in causes], [("never-received", 2500)])
+        self.assertEqual([(cause["reason"], len(cause["objects"])) for cause in causes], [("never-received", 2500), ("cannot-compute", 2)])
 
     def test_an_alarm_is_explained_with_its_previous_value(self):
         source = [f"{PROFILES}/energy-meter.jsonc", "Tariff changed", "--capture",

@@ -93,6 +93,15 @@ class ReadTest(unittest.TestCase):
         self.assertEqual([json.loads(line)["value"] for line in bits.splitlines()], [1, 0, 0, 1])
         self.assertEqual((partly.returncode, partly.stderr.count("\n")), (4, 1))
 
+    def test_an_object_of_a_serial_device_is_explained(self):
+        frames = ", ".join(f'{{"name": "{n}", "function": "holding", "address": {n}, "count": 2}}' for n in (102, 300))
+        objects = ", ".join(f'{{"name": "At {n}", "value": {{"address": {n}, "type": "float32"}}}}' for n in (102, 300))
+        profile = file("serial.jsonc", f'{{"frames": [{frames}], "objects": [{objects}]}}')
+        line = serial_device(PM, []) + ":19200:N"
+        for name, told in (("At 102", r"received +4366 8000, quality Good(?s:.*)\nAt 102 +230\.5 "),
+                           ("At 300", r"never received; answered with exception 2")):
+            self.assertRegex(run("explain", profile, name, "--rtu", line).stdout, told)
+
     def test_watch_tells_what_changes_over_rtu(self):
         registers = {0: 1, 1: 2}
         watch = start("read", "--rtu", serial_device(registers, []) + ":19200:N", "--address", 0, "--count", 2,

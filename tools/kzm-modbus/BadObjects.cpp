@@ -19,17 +19,19 @@ using nlohmann::json;
 namespace {
 
 struct Cause {
+    Reason reason;
     std::string text;
     std::vector<const ObjectReading*> readings;
 };
 
-// What is the same for all objects of a cause: that an input lacks its frame is that the frame is missing.
-std::string TextOfCause(const Explanation& explanation) {
+// What is the same for all objects of a cause: that an input is missing is why the input is.
+Why CauseOf(const Explanation& explanation) {
     Why why = explanation.why;
-    if (why.reason == Reason::INPUT_MISSING && why.frameIndex && why.cause != Reason::GOOD) {
+    if (why.reason == Reason::INPUT_MISSING && why.cause != Reason::GOOD) {
         why.reason = why.cause;
+        why.input.clear();
     }
-    return why.Text();
+    return why;
 }
 
 // Those with most objects first; the others in the order in which they were met.
@@ -38,21 +40,16 @@ std::vector<Cause> CausesOf(const std::vector<ObjectReading>& readings) {
     std::map<std::string, std::size_t> positions;
     for (const ObjectReading& reading : readings) {
         if (reading.explanation.why.reason != Reason::GOOD) {
-            const std::string text = TextOfCause(reading.explanation);
-            const auto [known, isNew] = positions.emplace(text, causes.size());
+            const Why why = CauseOf(reading.explanation);
+            const auto [known, isNew] = positions.emplace(why.Text(), causes.size());
             if (isNew) {
-                causes.push_back({text, {}});
+                causes.push_back({why.reason, known->first, {}});
             }
             causes[known->second].readings.push_back(&reading);
         }
     }
     std::ranges::stable_sort(causes, std::greater(), [](const Cause& cause) { return cause.readings.size(); });
     return causes;
-}
-
-std::string NameOf(const ObjectReading& reading) {
-    const auto& object = *reading.object;
-    return object.alias.empty() ? object.name : object.name + "/" + object.alias;
 }
 
 // The registers that an object asks for, where they are few.
@@ -74,7 +71,7 @@ void PrintCauses(const std::vector<Cause>& causes, const std::string& profile) {
     std::vector<Row> rows;
     for (const Cause& cause : causes) {
         for (const ObjectReading* reading : cause.readings) {
-            rows.push_back({{"    " + Printable(NameOf(*reading))},
+            rows.push_back({{"    " + Printable(NameOf(*reading->object))},
                             {ElementsOf(*reading)},
                             {PlaceOf(reading->explanation, profile), Style::FAINT}});
         }
@@ -97,8 +94,8 @@ json ToJson(const Cause& cause) {
         AddReason(reading->explanation, line);
         objects.push_back(std::move(line));
     }
-    const json reason = objects[0]["reason"];
-    return {{"reason", reason}, {"text", cause.text}, {"objects", std::move(objects)}};
+    const auto& reason = ModbusDeviceModel::DataModel::RowOf(cause.reason);
+    return {{"reason", reason.name}, {"text", cause.text}, {"objects", std::move(objects)}};
 }
 
 }  // namespace

@@ -93,10 +93,6 @@ void PrintReason(const Explanation& explanation, const std::string& whose, const
     std::cout << Styled({Printable(text), isGood ? Style::PLAIN : Style::FAULT}) << '\n';
 }
 
-std::string NameOf(const ObjectReading& reading) {
-    return reading.object->name + (reading.object->alias.empty() ? "" : "/" + reading.object->alias);
-}
-
 json ToJson(const Doubtful& element) {
     json line{{"role", element.role}, {"doubt", element.doubt}, {"readings", json::array()}};
     for (const OtherReading& reading : element.readings) {
@@ -135,11 +131,11 @@ void PrintExplanations(const std::vector<ObjectReading>& readings, const Moment&
                        const TreeForm& form) {
     std::vector<std::vector<Doubtful>> doubtful;
     for (const ObjectReading& reading : readings) {
-        doubtful.push_back(PrintTree(reading.explanation, NameOf(reading), reading.object->unit, cache, form));
+        doubtful.push_back(PrintTree(reading.explanation, NameOf(*reading.object), reading.object->unit, cache, form));
     }
     PrintTable(readings, moment.time, {moment.round});
     for (std::size_t i = 0; i < readings.size(); ++i) {
-        const std::string whose = readings.size() == 1 ? "" : " of " + NameOf(readings[i]);
+        const std::string whose = readings.size() == 1 ? "" : " of " + NameOf(*readings[i].object);
         PrintReason(readings[i].explanation, whose, doubtful[i]);
     }
 }

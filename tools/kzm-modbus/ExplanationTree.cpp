@@ -3,54 +3,28 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "ManualAddress.h"
 #include "ObjectTable.h"
 #include "ReadElements.h"
 #include "StepText.h"
 #include "Text.h"
 #include "gateway/modbus/ExceptionName.h"
+#include "gateway/modbus/FunctionName.h"
 
 namespace kzm::ModbusTool {
 
 using namespace ModbusGateway;
-using ModbusDeviceModel::ModbusFunctionCode;
 using ModbusDeviceModel::DataModel::Reason;
 using ModbusDeviceModel::DataModel::StepKind;
 using Registers = Explanation::Registers;
 
 namespace {
 
-struct Function {
-    const char* name;      // as in profiles
-    unsigned manualStart;  // what a manual that numbers from 1 calls the register 0
-};
-
-Function FunctionOf(ModbusFunctionCode code) {
-    switch (code) {
-        case ModbusFunctionCode::READ_COILS:
-            return {"coils", 1};
-        case ModbusFunctionCode::READ_DISCRETE_INPUTS:
-            return {"discrete inputs", 10001};
-        case ModbusFunctionCode::READ_INPUT_REGISTERS:
-            return {"input", 30001};
-        case ModbusFunctionCode::READ_HOLDING_REGISTERS:
-        case ModbusFunctionCode::WRITE_MULTIPLE_REGISTERS:
-            break;
-    }
-    return {"holding", 40001};
-}
-
-// Past the five digits of most manuals there are six: 410001.
-std::string ManualAddress(const Registers& registers, unsigned offset) {
-    const unsigned start = FunctionOf(registers.function).manualStart;
-    const unsigned address = registers.address + offset;
-    const std::string digits = std::to_string(address > 9998 ? start / 10000 * 100000 + address + 1 : start + address);
-    return std::string(digits.size() < 5 ? 5 - digits.size() : 0, '0') + digits;
-}
-
 // Where a register has a number of its own in manuals.
 std::string InManuals(const Registers& registers) {
-    const std::string first = ManualAddress(registers, 0);
-    const std::string last = ManualAddress(registers, registers.count - 1U);
+    const auto lastAddress = static_cast<std::uint16_t>(registers.address + registers.count - 1);
+    const std::string first = ManualText(registers.function, registers.address);
+    const std::string last = ManualText(registers.function, lastAddress);
     return " (manual " + first + (first == last ? "" : "-" + last) + ")";
 }
 
@@ -146,7 +120,7 @@ private:
 
 std::string AddressesOf(const Registers& registers) {
     const std::string last = registers.count > 1 ? "-" + std::to_string(registers.address + registers.count - 1) : "";
-    return FunctionOf(registers.function).name + (" " + std::to_string(registers.address)) + last;
+    return std::string(ModbusGateway::NameOf(registers.function)) + " " + std::to_string(registers.address) + last;
 }
 
 std::vector<Row> TreeOf(const Explanation& explanation, const std::string& heading, const TreeForm& form) {

@@ -14,7 +14,7 @@ std::string Join(const std::string& name, const std::string& alias) {
 }
 
 bool IsNamed(const LoadedProfile::Object& object, const std::string& text) {
-    return object.name == text || Join(object.name, object.alias) == text || (object.key == text && !text.empty());
+    return object.name == text || NameOf(object) == text || (object.key == text && !text.empty());
 }
 
 bool IsNamed(const LoadedProfile::Alarm& alarm, const std::string& text) {
@@ -26,7 +26,7 @@ bool IsNamed(const LoadedProfile::Alarm& alarm, const std::string& text) {
 Names NamesOfObjects(const LoadedProfile& profile) {
     Names names;
     for (const LoadedProfile::Object& object : profile.objects) {
-        names.push_back(Join(object.name, object.alias));
+        names.push_back(NameOf(object));
         names.push_back(object.key);
     }
     return names;
@@ -45,6 +45,10 @@ auto Named(const Items& items, const std::string& text) {
 }
 
 }  // namespace
+
+std::string NameOf(const LoadedProfile::Object& object) {
+    return Join(object.name, object.alias);
+}
 
 Selection SelectObjects(const LoadedProfile& profile, const std::vector<std::string>& wanted) {
     Selection selection;

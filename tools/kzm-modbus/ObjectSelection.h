@@ -7,6 +7,9 @@
 
 namespace kzm::ModbusTool {
 
+// "NAME" or "NAME/ALIAS".
+std::string NameOf(const ModbusGateway::LoadedProfile::Object& object);
+
 using Selection = std::vector<const ModbusGateway::LoadedProfile::Object*>;
 
 // The objects of a profile that are asked for, "NAME" (with every alias), "NAME/ALIAS" or by key; all when none is.

@@ -19,6 +19,7 @@ using namespace ModbusGateway;
 using ModbusDeviceModel::ByteOrderingEnum;
 using ModbusDeviceModel::LogicCodeIdentifier;
 using ModbusDeviceModel::DataModel::ElementData;
+using ModbusDeviceModel::DataModel::Reason;
 using ModbusDeviceModel::DataModel::StepKind;
 using ModbusDeviceModel::DeviceProfile::Family;
 using ModbusDeviceModel::DeviceProfile::LogicCodeRow;
@@ -37,8 +38,6 @@ struct UsualRange {
 // What plants have; a value beyond is shown with what else its registers would be.
 constexpr UsualRange USUAL_RANGES[] = {{"Hz", 0, 1000},    {"%", -200, 200},  {"°C", -60, 250},
                                        {"V", -1500, 1500}, {"kV", -500, 500}, {"A", -10000, 10000}};
-// No member of an element does that.
-constexpr const char* EXCHANGED = "bytes exchanged: the \"sum\" of both";
 constexpr double USUAL_SCALES[] = {0.1, 0.01, 0.001};
 
 std::string UnusualFor(const std::string& unit, const json& value) {
@@ -71,7 +70,10 @@ const Explanation::Step* Find(const Explanation& element, StepKind kind) {
 // What an explanation tells of an element.
 struct Held {
     Held(const Explanation& element, const std::string& itsUnit)
-        : place(*element.registers), row(RowOf(LogicCodeIdentifier{place.logicCode})), unit(itsUnit) {
+        : place(*element.registers),
+          row(RowOf(LogicCodeIdentifier{place.logicCode})),
+          reason(element.why.reason),
+          unit(itsUnit) {
         if (const auto* received = Find(element, StepKind::RECEIVED)) {
             registers = RegistersIn(received->bytes);
         }
@@ -101,6 +103,7 @@ struct Held {
 
     const Explanation::Registers& place;
     const LogicCodeRow& row;
+    const Reason reason;
     const std::string& unit;
     Registers registers = {};  // in wire order; empty if none was received
     Bytes mask = {};
@@ -159,6 +162,9 @@ public:
         }
     }
 
+    // No value, by that change.
+    void AddNone(const std::string& change) { mReadings.push_back({json(), change, ""}); }
+
     // Decodes as the element does, but with other registers or another mask; null if that gives no value.
     json Decode(const Registers& registers, const Bytes& mask) const {
         const auto& place = mHeld.place;
@@ -200,31 +206,49 @@ std::string DoubtOf(const Held& held) {
     return doubt.empty() ? UnusualFor(held.unit, held.value) : doubt;
 }
 
+// NaN is a usual pattern of floats. Profiles write patterns most significant register first.
 void AddPattern(const Held& held, Collection& readings) {
-    if (DoubtOf(held).find("pattern") != std::string::npos && !held.value.is_null()) {
+    const bool looksLikeOne = DoubtOf(held).find("pattern") != std::string::npos && !held.value.is_null();
+    if (looksLikeOne || held.reason == Reason::NOT_FINITE) {
+        Registers words = held.registers;
+        if (held.order == ByteOrderingEnum::LITTLE_ENDIAN_WORDS) {
+            std::ranges::reverse(words);
+        }
         Bytes pattern;
-        for (const std::uint16_t word : held.registers) {
+        for (const std::uint16_t word : words) {
             pattern.push_back(static_cast<std::uint8_t>(word >> 8U));
             pattern.push_back(static_cast<std::uint8_t>(word & 0xFFU));
         }
-        readings.Add({}, "\"notAvailable\": " + Quoted(pattern), "", NumberPrecision::DOUBLE);
+        readings.AddNone("\"notAvailable\": " + Quoted(pattern));
     }
 }
 
-// Other orders before other types: they are the likelier mistake.
-void AddInterpretations(const Held& held, Collection& readings) {
+// The sibling of the type that has room for the number.
+void AddWiderType(const Held& held, Collection& readings) {
+    const Interpretation now = held.GetPlainReading();
+    const std::string name = std::string(now.type) + "-to-float";
+    for (const LogicCodeRow& row : ModbusDeviceModel::DeviceProfile::LogicCodeRows()) {
+        if (row.name == name && held.reason == Reason::OUT_OF_RANGE) {
+            const Interpretation wider{row.name, now.count, now.order};
+            readings.Add(wider.ValueOf(held.registers, held.scale, held.offset), "\"type\": \"" + name + '"', "",
+                         wider.GetPrecision(held.scale, held.offset));
+        }
+    }
+}
+
+// Other orders before other types: they are the likelier mistake. What has a unit is not a text.
+void AddInterpretations(const Held& held, bool bytesExchanged, Collection& readings) {
     const Interpretation now = held.GetPlainReading();
     const std::string members = now.GetProfileMembers(held.scale, held.offset);
     std::vector<Interpretation> all = Interpretation::AllOf(held.registers.size());
-    std::stable_partition(all.begin(), all.end(),
-                          [&](const Interpretation& one) { return one.type == now.type && !one.bytesExchanged; });
+    std::stable_partition(all.begin(), all.end(), [&](const Interpretation& one) { return one.type == now.type; });
     for (const Interpretation& other : all) {
         const json value = other.ValueOf(held.registers, held.scale, held.offset);
         const std::string doubt(other.WhyImplausible(held.registers));
-        if (!value.is_null() && (doubt.empty() || !(value.is_string() || other.bytesExchanged))) {
+        const bool isLikely = value.is_string() ? doubt.empty() && held.unit.empty() : doubt.empty() || !bytesExchanged;
+        if (!value.is_null() && isLikely && other.bytesExchanged == bytesExchanged) {
             const std::string change = Difference(other.GetProfileMembers(held.scale, held.offset), members);
-            readings.Add(value, other.bytesExchanged ? EXCHANGED : change, doubt,
-                         other.GetPrecision(held.scale, held.offset));
+            readings.Add(value, change, doubt, other.GetPrecision(held.scale, held.offset));
         }
     }
 }
@@ -251,10 +275,11 @@ void AddNeighbours(const Held& held, const RegisterCache& cache, Collection& rea
 }
 
 void AddMasks(const Held& held, Collection& readings) {
-    std::vector<Bytes> masks{Bytes(2 * held.registers.size(), 0xFF)};
+    std::vector<Bytes> masks;
     if (held.registers.size() == 1) {
-        masks.insert(masks.end(), {{0x00, 0xFF}, {0xFF, 0x00}});
+        masks = {{0x00, 0xFF}, {0xFF, 0x00}};
     }
+    masks.emplace_back(2 * held.registers.size(), 0xFF);
     for (const Bytes& mask : masks) {
         readings.AddDecoded(held.registers, mask, IsWhole(mask) ? "no \"mask\"" : "\"mask\": " + Quoted(mask));
     }
@@ -272,11 +297,13 @@ std::vector<OtherReading> OtherReadingsOf(const Explanation& element, const Regi
     Collection readings(held);
     if (held.IsPlainNumber()) {
         AddPattern(held, readings);
-        AddInterpretations(held, readings);
+        AddWiderType(held, readings);
+        AddInterpretations(held, /*bytesExchanged=*/false, readings);
         if (!UnusualFor(unit, held.value).empty()) {
             AddScales(held, readings);
         }
         AddNeighbours(held, cache, readings);
+        AddInterpretations(held, /*bytesExchanged=*/true, readings);
     } else {
         AddMasks(held, readings);
     }

@@ -66,7 +66,7 @@ TEST(Interpretation, EachIsListedWithTheProfilesMembersThatGiveIt) {
         }
         return texts;
     };
-    const std::string sum = "a computation: the \"sum\" of its bytes, each with its mask and scale";
+    const std::string sum = "a computation: the \"sum\" of its bytes";
     EXPECT_EQ(membersOf(1),
               (std::vector<std::string>{R"("type": "uint16")", R"("type": "int16")", R"("type": "text", "count": 1)",
                                         R"("type": "text-swapped", "count": 1)", sum, ""}));
