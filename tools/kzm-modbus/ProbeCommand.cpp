@@ -118,11 +118,14 @@ private:
 }
 
 void PrintSize(const RegisterProbe& probe, const std::string& unit) {
-    std::cout << "Largest request that was answered: " << Counted(probe.GetLargestRequest(), unit);
-    if (probe.GetRefusedSize() != 0) {
-        std::cout << "; the device refuses " << probe.GetRefusedSize();
+    if (probe.GetLargestRequest() != 0) {
+        std::cout << "Largest request that was answered: " << Counted(probe.GetLargestRequest(), unit);
+        if (probe.GetRefusedSize() != 0) {
+            std::cout << "; the device refuses " << probe.GetRefusedSize();
+        }
+        std::cout << ". ";
     }
-    std::cout << ". " << Counted(probe.GetRequestCount(), "request") << " sent.\n";
+    std::cout << Counted(probe.GetRequestCount(), "request") << " sent.\n";
 }
 
 void PrintFrames(const DeviceFrames& device) {

@@ -90,6 +90,13 @@ RegisterRange RangeOf(const ReadOptions& options) {
     return {start.functionCode, start.address, static_cast<std::uint16_t>(start.address + options.count - 1)};
 }
 
+// What to do about registers that the device refuses.
+std::string AdviceFor(const ReadOptions& options) {
+    const bool mayBeManual = !options.manual && ParseManualAddress(options.address);
+    return (mayBeManual ? "; is " + options.address + " a manual's number? Add --manual" : "") +
+           std::string("; kzm-modbus probe tells which registers answer");
+}
+
 // nullopt without "--type". A text takes all the registers.
 std::optional<Interpretation> TypeOf(const ReadOptions& options) {
     if (options.type == nullptr) {
@@ -202,8 +209,7 @@ ExitStatus Read(ReadOptions& options) {
         if (!options.watch && round.framesRead == 0) {
             const bool refused = round.connectionError.empty();
             throw Failure(ExitStatus::NOT_REACHED,
-                          ToText(options.connection) + ": " + errors.front() +
-                              (refused ? "; kzm-modbus probe tells which registers answer" : ""));
+                          ToText(options.connection) + ": " + errors.front() + (refused ? AdviceFor(options) : ""));
         }
         output.Show(cache, device, errors);
     });
