@@ -31,28 +31,6 @@ StepKind CauseOf(const Explanation& part, StepKind kind) {
     return kind == StepKind::SWAPPED && row.wordsAlwaysSwapped ? StepKind::GATHERED : kind;
 }
 
-// What a part is, if the step tells.
-std::optional<Kind> KindOf(StepKind kind) {
-    switch (kind) {
-        case StepKind::OBJECT:
-            return Kind::OBJECT;
-        case StepKind::GROUP:
-            return Kind::GROUP;
-        case StepKind::ELEMENT:
-            return Kind::ELEMENT;
-        case StepKind::COMPUTATION:
-            return Kind::COMPUTATION;
-        case StepKind::CONSTANT:
-            return Kind::CONSTANT;
-        case StepKind::ALARM:
-            return Kind::ALARM;
-        case StepKind::PREVIOUS:
-            return Kind::PREVIOUS;
-        default:  // steps of a part that is known already
-            return std::nullopt;
-    }
-}
-
 // Negative: in the future.
 std::int64_t AgeOf(const Step& step) {
     return static_cast<std::int64_t>(step.now - step.timestamp);
@@ -102,7 +80,7 @@ Explanation ExplanationBuilder::Finish(const PartOutcome& outcome) {
 
 void ExplanationBuilder::Keep(const Step& step) {
     Explanation& part = Innermost();
-    const auto kind = KindOf(step.kind);
+    const auto kind = RowOf(step.kind).part;
     if (kind && part.kind == Kind::OTHER) {
         part.kind = *kind;
         part.name = step.text;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "DataModel/StepObserver.h"
+#include "gateway/diagnosis/Explanation.h"
 
 namespace kzm::ModbusGateway {
 
@@ -12,17 +14,19 @@ struct StepRow {
     const char* name;  // in JSON
     // The members of a profile that may cause it, the likelier first; empty for none.
     std::array<const char*, 2> causes;
+    // What the part is that it is a step of, if it tells.
+    std::optional<Explanation::Kind> part = {};
 };
 
 // clang-format off
 // All kinds; row n is kind n.
 inline constexpr std::array STEPS{
-    StepRow{ModbusDeviceModel::DataModel::StepKind::OBJECT, "object", {"", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::GROUP, "group", {"", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::ELEMENT, "element", {"address", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::COMPUTATION, "computation", {"chain", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::CONSTANT, "constant", {"constant", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::ALARM, "alarm", {"", ""}},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::OBJECT, "object", {"", ""}, Explanation::Kind::OBJECT},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::GROUP, "group", {"", ""}, Explanation::Kind::GROUP},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::ELEMENT, "element", {"address", ""}, Explanation::Kind::ELEMENT},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::COMPUTATION, "computation", {"chain", ""}, Explanation::Kind::COMPUTATION},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::CONSTANT, "constant", {"constant", ""}, Explanation::Kind::CONSTANT},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::ALARM, "alarm", {"", ""}, Explanation::Kind::ALARM},
     StepRow{ModbusDeviceModel::DataModel::StepKind::FRAME, "frame", {"address", ""}},
     StepRow{ModbusDeviceModel::DataModel::StepKind::RECEIVED, "received", {"address", ""}},
     StepRow{ModbusDeviceModel::DataModel::StepKind::SWAPPED, "swapped", {"order", "type"}},
@@ -41,7 +45,7 @@ inline constexpr std::array STEPS{
     StepRow{ModbusDeviceModel::DataModel::StepKind::INPUT, "input", {"inputs", "exponent"}},
     StepRow{ModbusDeviceModel::DataModel::StepKind::PARAMETERS, "parameters", {"inputs", ""}},
     StepRow{ModbusDeviceModel::DataModel::StepKind::RESULT, "result", {"chain", ""}},
-    StepRow{ModbusDeviceModel::DataModel::StepKind::PREVIOUS, "previous", {"previous", ""}},
+    StepRow{ModbusDeviceModel::DataModel::StepKind::PREVIOUS, "previous", {"previous", ""}, Explanation::Kind::PREVIOUS},
     StepRow{ModbusDeviceModel::DataModel::StepKind::FAILURE, "failure", {"", ""}},
 };
 // clang-format on
