@@ -97,8 +97,6 @@ std::string Why::Text() const {
             return "not available by its flag";
         case Reason::DEVICE_SAYS_BAD:
             return "the device says " + Quoted(text);
-        case Reason::NOT_FINITE:
-            return "the registers hold NaN or an infinity";
         case Reason::OUT_OF_RANGE:
             return RangeIn(*this);
         case Reason::UNKNOWN_LABEL:
@@ -109,6 +107,7 @@ std::string Why::Text() const {
             return InputMissing(*this);
         case Reason::CANNOT_COMPUTE:
             return NoResult(*this);
+        case Reason::NOT_FINITE:
         case Reason::MISCONFIGURED:
         case Reason::IMPLAUSIBLE:
         case Reason::NO_MEMORY:
