@@ -11,54 +11,12 @@ using ModbusDeviceModel::ByteOrderingEnum;
 
 namespace {
 
+constexpr double MAINS_SIGNED = 0.1;  // of voltages and frequencies
 constexpr double LEAST_PROBABILITY = 1e-4;
 constexpr std::size_t MOST_CANDIDATES = 6;
-constexpr double LEAST_SIGNED = 0.1;  // no evidence of the sign is ever complete
-constexpr double SURELY_SIGNED = 0.9;
-constexpr double USUALLY_SIGNED = 0.3;
 
 std::uint64_t HighestBitOf(ValueForm form) {
     return std::uint64_t{1} << (16 * RowOf(form).count - 1);
-}
-
-// Whether a whole number can hardly be but signed (1), or unsigned (-1): negative numbers are small, and each sign has
-// a pattern of "not available".
-int SignOf(ValueForm form, std::uint64_t bits) {
-    const std::uint64_t highest = HighestBitOf(form);
-    if (bits == highest || bits == highest - 1) {
-        return 1;
-    }
-    if (bits < highest) {
-        return 0;
-    }
-    const bool isSmall = 2 * (highest - 1) + 2 - bits < highest / (form == ValueForm::INTEGER16 ? 3 : 8);
-    return isSmall && bits != highest + (highest - 1) ? 1 : -1;
-}
-
-// The same over all snapshots; the last one that tells.
-int SignOf(const RegisterRun& run, const ValueSpan& span, WordOrder order) {
-    int sign = 0;
-    for (std::size_t i = 0; i < run.snapshots.size(); ++i) {
-        const int now = SignOf(span.form, BitsOf(run.At(i, span.first, span.count), order));
-        sign = now != 0 ? now : sign;
-    }
-    return sign;
-}
-
-// A device uses one sign rather than the other.
-double SignedShareOf(const OrderModel& model) {
-    double isSigned = 1;
-    double all = 3;
-    for (const auto& run : model.GetRuns()) {
-        for (std::size_t i = 0; i < run.spans.size(); ++i) {
-            if (run.spans[i].form == ValueForm::INTEGER32 && run.probabilities[i] > 0.5) {
-                const int sign = SignOf(*run.registers, run.spans[i], model.GetOrder());
-                isSigned += sign > 0 ? 1 : 0;
-                all += sign != 0 ? 1 : 0;
-            }
-        }
-    }
-    return isSigned / all;
 }
 
 // A scale that makes a usual number of it: mains voltage and frequency.
@@ -97,7 +55,7 @@ nlohmann::json ValueOf(const Guess::Candidate& candidate, const RegisterRun& run
 }  // namespace
 
 void CandidateLists::Add(const OrderModel& model, double share) {
-    mSignedShare = SignedShareOf(model);
+    const SignHabits signs(model);
     for (const auto& run : model.GetRuns()) {
         for (std::size_t i = 0; i < run.registers->GetSize(); ++i) {
             mLists[{run.registers->function, static_cast<std::uint16_t>(run.registers->address + i)}];
@@ -105,7 +63,7 @@ void CandidateLists::Add(const OrderModel& model, double share) {
         for (std::size_t i = 0; i < run.spans.size(); ++i) {
             const double probability = run.probabilities[i] * share;
             if (probability >= LEAST_PROBABILITY) {
-                Reading reading{*run.registers, run.spans[i], model.GetOrder(), 0, {}};
+                Reading reading{*run.registers, run.spans[i], model.GetOrder(), signs, 0, {}};
                 reading.candidate.probability = probability;
                 AddSpan(reading);
             }
@@ -147,11 +105,7 @@ void CandidateLists::AddInteger(Reading& reading) {
     const auto bits = BitsOf(reading.run.At(0, span.first, span.count), reading.order);
     candidate.isInvalid = IsInvalid(span.form, bits);
     candidate.scale = UsualScale(span.form, bits);
-    const int sign = SignOf(reading.run, span, reading.order);
-    reading.signedShare = span.form == ValueForm::INTEGER32 ? mSignedShare : USUALLY_SIGNED;
-    if (sign != 0) {
-        reading.signedShare = sign > 0 ? SURELY_SIGNED : LEAST_SIGNED;
-    }
+    reading.signedShare = candidate.scale == 1 ? reading.signs.GetSignedShare(reading.run, span) : MAINS_SIGNED;
     Expect(reading);
     const double probability = candidate.probability;
     candidate.probability = probability * (1 - reading.signedShare);

@@ -5,6 +5,7 @@
 
 #include "gateway/diagnosis/Guess.h"
 #include "gateway/diagnosis/OrderModel.h"
+#include "gateway/diagnosis/SignHabits.h"
 
 namespace kzm::ModbusGateway {
 
@@ -27,6 +28,7 @@ private:
         const RegisterRun& run;
         const ValueSpan& span;
         WordOrder order;
+        const SignHabits& signs;
         double signedShare = 0;  // how probable it is that the number is signed
         Guess::Candidate candidate;
     };
@@ -37,7 +39,6 @@ private:
     void AddCandidate(const Reading& reading);
 
     const Expectations& mExpectations;
-    double mSignedShare = 0.3;  // of the whole numbers of two registers that can be either
     std::map<Place, std::vector<Guess::Candidate>> mLists;
 };
 

@@ -205,7 +205,7 @@ void AddUnixSpan(const RegisterWindow& window, ValueForm form, WordOrder order, 
         return ReadUnix(form, window.At(snapshot, count), order);
     });
     if (bits) {
-        const double doubt = form == ValueForm::UNIX32 ? 0 : 6;
+        const double doubt = form == ValueForm::UNIX32 ? 4 : 6;
         spans.push_back(
             {form, 0, static_cast<std::uint16_t>(window.first), static_cast<std::uint16_t>(count), *bits + doubt});
     }

@@ -8,7 +8,8 @@ namespace kzm::ModbusGateway {
 
 namespace {
 
-constexpr double SHOWN_BITS = 24;  // what an expectation is worth
+constexpr double SHOWN_BITS = 24;    // what an expectation is worth
+constexpr double DOUBT_64_BITS = 2;  // zeros after a number are rather another value than a part of it
 
 double NumberOf(ValueForm form, std::uint64_t bits, bool isSigned) {
     if (form == ValueForm::FLOAT32) {
@@ -95,7 +96,8 @@ void Apply(const Expectations& expectations, const RegisterRun& run, WordOrder o
             const auto match = span.first == position ? Match(expectation, span, run, order) : std::nullopt;
             isShown = isShown || match;
             const double otherwise = covers ? SHOWN_BITS : 0;
-            extra.push_back(match ? match->bits - SHOWN_BITS : otherwise);
+            const double doubt = span.form == ValueForm::INTEGER64 ? DOUBT_64_BITS : 0;
+            extra.push_back(match ? match->bits + doubt - SHOWN_BITS : otherwise);
         }
         for (std::size_t i = 0; isShown && i < spans.size(); ++i) {
             spans[i].bits += extra[i];

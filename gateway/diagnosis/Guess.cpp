@@ -1,6 +1,8 @@
 #include "gateway/diagnosis/Guess.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <cmath>
 #include <iterator>
 #include <stdexcept>
@@ -16,9 +18,11 @@ using nlohmann::json;
 namespace {
 
 // The order is decided if it explains the registers by so many bits better than the other one, and by so much more for
-// each bit by which even the other one explains them better than single registers do: chance does as much.
-constexpr double DECIDED_BITS = 4;
+// each bit by which even the other one explains them better than single registers do: chance does as much, up to a
+// limit.
+constexpr double DECIDED_BITS = 3;
 constexpr double DECIDED_SHARE = 0.1;
+constexpr double MOST_CHANCE_BITS = 12;
 constexpr double SUNSPEC_BITS = 24;
 constexpr double TRUST = 0.7;  // in these bits: the values of one device are alike
 
@@ -52,18 +56,31 @@ bool HasSunSpecModels(const RegisterRun& run) {
     return false;
 }
 
+// Whether texts begin where such a map usually has the maker's name, the model and the serial number. The frames of a
+// capture may lack its mark.
+bool HasSunSpecTexts(const RegisterRun& run) {
+    return std::ranges::all_of(std::array{40004, 40020, 40052}, [&](int address) {
+        const auto position = static_cast<std::size_t>(address - run.address);
+        const auto& words = run.snapshots.front();
+        return address >= run.address && position < words.size() && std::isalnum(words[position] >> 8) != 0;
+    });
+}
+
 // What makes the order.
 struct Vote {
     double advantage;  // bits by which the most significant register first explains more; negative for the other order
     double chance;     // bits that the worse order explains of wide values at all
     bool isSunSpec;
 
-    bool IsDecided() const { return std::fabs(advantage) >= DECIDED_BITS + DECIDED_SHARE * std::max(chance, 0.0); }
+    bool IsDecided() const {
+        return std::fabs(advantage) >= DECIDED_BITS + std::clamp(DECIDED_SHARE * chance, 0.0, MOST_CHANCE_BITS);
+    }
     double GetBigShare() const { return 1 / (1 + std::exp2(-TRUST * advantage)); }
 };
 
 Vote VoteOf(const OrderModel& big, const OrderModel& little, const OrderModel& none, const RegisterRuns& registers) {
-    const bool isSunSpec = std::ranges::any_of(registers.runs, HasSunSpecModels);
+    const bool isSunSpec = std::ranges::any_of(
+        registers.runs, [](const RegisterRun& run) { return HasSunSpecModels(run) || HasSunSpecTexts(run); });
     return {little.GetBits() - big.GetBits() + (isSunSpec ? SUNSPEC_BITS : 0),
             none.GetBits() - std::max(big.GetBits(), little.GetBits()), isSunSpec};
 }
@@ -71,7 +88,7 @@ Vote VoteOf(const OrderModel& big, const OrderModel& little, const OrderModel& n
 std::vector<std::string> EvidenceOf(const Vote& vote, const OrderModel& better) {
     std::vector<std::string> evidence;
     if (vote.isSunSpec) {
-        evidence.emplace_back("the registers begin as a SunSpec map does, which has the high word first");
+        evidence.emplace_back("the registers are those of a SunSpec map, which has the high word first");
     }
     std::ranges::move(EvidenceFor(better), std::back_inserter(evidence));
     if (!vote.IsDecided()) {

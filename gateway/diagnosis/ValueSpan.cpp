@@ -52,7 +52,7 @@ void AddNumberSpan(const RegisterWindow& window, ValueForm form, WordOrder order
 double RegisterWindow::BitsForChanges(std::size_t count) const {
     double bits = 0;
     for (std::size_t i = 1; i < GetSnapshots(); ++i) {
-        bits += std::ranges::equal(At(i - 1, count), At(i, count)) ? 0.4 : 16.0;
+        bits += std::ranges::equal(At(i - 1, count), At(i, count)) ? 0.4 : 32.0;
     }
     return bits;
 }

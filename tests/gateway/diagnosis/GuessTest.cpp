@@ -65,8 +65,8 @@ const Row ROWS[] = {
      "100 uint32 big 65504; 102 uint32 big 4353; 104 uint32 big 1792"},
     {"64 bits", {"0000 0000 0012 D687 0000 0000 0009 27C1 0000 0000 0001 E240"}, "big",
      "100 uint64 big 1234567; 104 uint64 big 600001; 108 uint64 big 123456"},
-    {"single registers only", {"08FD 08F4 0905 0064 1388 0003 FFF6"}, "undecided",
-     "100 uint16 230.1; 101 uint16 229.2; 102 uint16 230.9; 103 uint16 100; 104 uint16 50.0; 105 uint16 3; 106 int16 -10"},
+    {"single registers only, signed beside a negative one", {"08FD 08F4 0905 0064 1388 0003 FFF6"}, "undecided",
+     "100 uint16 230.1; 101 uint16 229.2; 102 uint16 230.9; 103 int16 100; 104 uint16 50.0; 105 int16 3; 106 int16 -10"},
     {"small numbers between zeros", {"0000 0000 04D2 0000 0311 0000 0000"}, "undecided", ""},
     {"a SunSpec map", {"5375 6E53 0001 0042 4142 4344 4546"}, "big", ""},
     {"texts", {"504D 352D 3346 0000 0041 0058 0032 0030 0034 0031 0037 0031"}, "undecided",
@@ -97,7 +97,7 @@ TEST(Guess, WhatTheDisplayShowsSettlesTypeOrderAndScale) {
                                             Expectation::Parse("106=-100.0")});
     EXPECT_EQ(OrderText(guess), "little");
     EXPECT_EQ(TextOf(guess),
-              "100 uint32 little 2318.24; 102 uint32 little 7.85; 104 uint16 0; 105 uint16 0; 106 int16 -100.0");
+              "100 uint32 little 2318.24; 102 uint32 little 7.85; 104 int16 0; 105 int16 0; 106 int16 -100.0");
     EXPECT_EQ(guess.evidence.back(), "register 106 can show -100");
     EXPECT_EQ(Guess::Of(capture, {Expectation::Parse("104=17")}).evidence.back(),
               "register 104 shows 17 in no type, order and scale");
