@@ -20,16 +20,6 @@ namespace {
 constexpr auto BIG = ByteOrderingEnum::BIG_ENDIAN_WORDS;
 constexpr auto LITTLE = ByteOrderingEnum::LITTLE_ENDIAN_WORDS;
 
-std::string HexOf(const std::vector<std::uint16_t>& words) {
-    std::string text;
-    for (const std::uint16_t word : words) {
-        char digits[8];
-        std::snprintf(digits, sizeof digits, "%s%04X", text.empty() ? "" : " ", static_cast<unsigned>(word));
-        text += digits;
-    }
-    return text;
-}
-
 // The two characters of a register, "." for one that is not printable.
 std::string CharactersOf(std::uint16_t word) {
     std::string text;

@@ -43,6 +43,15 @@ std::string HexOf(std::span<const std::uint8_t> bytes) {
     return text;
 }
 
+std::string HexOf(std::span<const std::uint16_t> registers) {
+    std::vector<std::uint8_t> bytes;
+    for (const std::uint16_t word : registers) {
+        bytes.push_back(static_cast<std::uint8_t>(word >> 8U));
+        bytes.push_back(static_cast<std::uint8_t>(word & 0xFFU));
+    }
+    return HexOf(bytes);
+}
+
 std::string Counted(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }

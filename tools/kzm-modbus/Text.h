@@ -16,6 +16,7 @@ std::size_t WidthOf(std::string_view text);
 
 // Two digits a byte, a blank after each register: "EB85 4247".
 std::string HexOf(std::span<const std::uint8_t> bytes);
+std::string HexOf(std::span<const std::uint16_t> registers);
 
 // "1 error", "2 errors".
 std::string Counted(std::size_t count, const std::string& noun);
