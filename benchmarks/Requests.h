@@ -15,8 +15,8 @@ public:
 
 }  // namespace kzm::Benchmark
 
-// The same code three times: the library's, without its log lines, and without its observers. `labelled`: the value is an enumeration, whose label
-// is translated.
+// The same code three times: the library's, without its log lines, and without its observers. `labelled`: the value is
+// an enumeration, whose label is translated.
 namespace kzm::ModbusDeviceModel {
 [[gnu::visibility("default")]] std::unique_ptr<kzm::Benchmark::Requests> MakeRequests(bool labelled);
 }
