@@ -17,6 +17,7 @@ namespace kzm::ModbusGateway {
 
 // Why a value is missing or not Good, with its details. Those that a reason has not are empty.
 struct KZM_GATEWAY_EXPORT Why {
+    // What decides.
     ModbusDeviceModel::DataModel::Reason reason = ModbusDeviceModel::DataModel::Reason::GOOD;
     std::string frame = {};                       // the frame's name, or its index without a profile
     std::optional<std::uint8_t> frameIndex = {};  // of the frame
@@ -44,9 +45,11 @@ struct KZM_GATEWAY_EXPORT Explanation {
 
     // ModbusDeviceModel::DataModel::Step, keeping what it saw.
     struct Step {
+        // Which step; StepKind tells what it has of the following.
         ModbusDeviceModel::DataModel::StepKind kind;
         ModbusDeviceModel::DataModel::Reason reason;  // GOOD unless it decides
         bool applied = true;                          // see StepKind
+        // As in the step that was seen.
         std::vector<std::uint8_t> bytes = {};
         std::vector<std::uint8_t> mask = {};
         std::string text = {};

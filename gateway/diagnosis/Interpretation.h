@@ -25,6 +25,7 @@ struct KZM_GATEWAY_EXPORT Interpretation {
     ModbusDeviceModel::ByteOrderingEnum order = ModbusDeviceModel::ByteOrderingEnum::BIG_ENDIAN_WORDS;
     bool bytesExchanged = false;  // the two bytes of every register, before anything else
 
+    // Compares all of them.
     bool operator==(const Interpretation&) const = default;
 
     // The plain types that `count` registers can have, in every order: whole numbers and floats of 1 to 4 registers,

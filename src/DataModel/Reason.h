@@ -33,7 +33,7 @@ enum class Reason : std::uint8_t {
 
 // What is known of one reason.
 struct ReasonRow {
-    Reason reason;
+    Reason reason;                 // the row's number
     std::string_view name;         // for programs
     std::string_view meaning;      // for people
     std::string_view opcUaStatus;  // the nearest status of OPC UA

@@ -50,9 +50,10 @@ enum class StepKind : std::uint8_t {
     FAILURE,  // [text: an exception's message, or empty; status]
 };
 
-// One step. Pointers and spans are valid during the call only. `reason`: GOOD unless this step decides that the value
-// is missing or not Good. Times in milliseconds since 1970, `limit` in milliseconds.
+// One step. Pointers and spans are valid during the call only.
 struct Step {
+    // StepKind tells which of these a step has. `reason`: GOOD unless this step decides that the value is missing or
+    // not Good. Times in milliseconds since 1970, `limit` in milliseconds.
     StepKind kind;
     Reason reason = Reason::GOOD;
     bool applied = true;
@@ -73,8 +74,9 @@ struct Step {
     std::uint64_t limit = 0;
 };
 
-// How a part of a request ended. `value` is null if it did not ask for one.
+// How a part of a request ended.
 struct PartOutcome {
+    // As the part gave them; `value` is null if it was not asked for one.
     kz::orba::StatusCode status;
     DeviceCache::_Quality_t quality;
     const nlohmann::json* value;
@@ -102,6 +104,7 @@ KZM_MODBUS_EXPORT StepObserver* GetStepObserver();
 // observer takes over until it ends. Lives on the stack of the thread.
 class KZM_MODBUS_EXPORT ObservedRequest {
 public:
+    // `observer` must outlive it.
     explicit ObservedRequest(StepObserver& observer);
     ~ObservedRequest();
     ObservedRequest(const ObservedRequest&) = delete;
