@@ -1,8 +1,10 @@
 // Asks the simulated device with any bytes.
 #include <arpa/inet.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <span>
 #include <thread>
 
@@ -47,12 +49,15 @@ Bytes Ask(std::uint16_t port, const Bytes& bytes) {
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    Require(connect(socket.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "the simulator listens");
+    // The fuzzer's alarm may interrupt either call; a connection that was being made then goes on being made.
+    while (connect(socket.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 && errno != EISCONN) {
+        Require(errno == EINTR, "the simulator listens");
+    }
     send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
     shutdown(socket.Get(), SHUT_WR);
     Bytes answers;
     std::array<std::uint8_t, 4096> part;
-    for (ssize_t size = 0; (size = recv(socket.Get(), part.data(), part.size(), 0)) > 0;) {
+    for (ssize_t size = 0; (size = TEMP_FAILURE_RETRY(recv(socket.Get(), part.data(), part.size(), 0))) > 0;) {
         answers.insert(answers.end(), part.begin(), part.begin() + size);
     }
     return answers;
